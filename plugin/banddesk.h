@@ -116,7 +116,7 @@ class IAFLPResultsPage : public IPageControl {
   virtual std::shared_ptr<GridLayout> ColumnSet(std::string_view key) = 0;
   virtual std::int32_t Col(std::string_view key) = 0;
   virtual std::string Key(std::int32_t col) = 0;
-  virtual std::int32_t BinOf(std::int32_t row) = 0;
+  virtual std::int32_t Bin(std::int32_t row) = 0;
   virtual void SetBin(std::int32_t row, std::int32_t bin) = 0;
   virtual std::int32_t NumCols() = 0;
   virtual void SetNumCols(std::int32_t count) = 0;
@@ -133,7 +133,7 @@ class IAFLPResultsPage : public IPageControl {
   virtual bool SetStyleRange(const GridRange& range, const GridStyle& style, StyleMode mode) = 0;
   virtual bool StoreStyleRowCol(std::int32_t row, std::int32_t col, const GridStyle& style, StyleMode mode,
                                 std::int32_t type) = 0;
-  virtual Collection<std::int32_t> GetSelected(std::int32_t axis, std::int32_t raw) = 0;
+  virtual std::shared_ptr<Collection<std::int32_t>> GetSelected(std::int32_t axis, std::int32_t raw) = 0;
   virtual bool IsColHidden(std::int32_t col) = 0;
   virtual bool IsRowHidden(std::int32_t row) = 0;
   virtual bool HideCols(std::int32_t startCol, std::int32_t endCol, bool hide) = 0;
@@ -141,7 +141,7 @@ class IAFLPResultsPage : public IPageControl {
   virtual bool RemoveRows(std::int32_t from, std::int32_t to) = 0;
 
   // The finished table as records, and as the arrays it was made from.
-  virtual std::shared_ptr<Collection<std::shared_ptr<Bin>>> Bins() = 0;
+  virtual std::shared_ptr<Collection<std::shared_ptr<banddesk::Bin>>> Bins() = 0;
   virtual std::shared_ptr<Collection<std::shared_ptr<AFLPStudyResult>>> AFLPStudyResults() = 0;
   virtual AnalysisView Analysis() const = 0;
 

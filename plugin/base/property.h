@@ -25,8 +25,9 @@ class Property {
   Property(PropertyOwner& owner, const char* name, T initial = T{})
       : owner_(owner), name_(name), value_(std::move(initial)) {}
   Property(const Property&) = delete;
-  Property& operator=(const Property&) = delete;
 
+  // Putting one property into another puts its value.
+  Property& operator=(const Property& other) { return *this = other.value_; }
   Property& operator=(T value) {
     owner_.beforePut(name_);
     const bool changed = !(value == value_);

@@ -240,7 +240,7 @@ class Grid : public ui::Control {
 
   // ---- whole lines at once. A line is a row (Axis::Rows) or a column (Axis::Columns).
   virtual void StoreLine(Axis axis, std::int32_t index, std::span<const LineCell> cells) = 0;
-  // The stored values, or the user attributes, of a line's cells from..to, all of them or the visible ones.
+  // The live texts, or the user attributes, of a line's cells from..to, all of them or the visible ones.
   virtual void VisitTexts(Axis axis, std::int32_t index, std::int32_t from, std::int32_t to, bool visibleOnly,
                           const TextVisitor& visitor) const = 0;
   virtual void VisitUserAttributes(Axis axis, std::int32_t index, std::int32_t from, std::int32_t to,

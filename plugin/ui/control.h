@@ -101,17 +101,21 @@ class TextBox final : public Control {
   void react(std::string_view property, bool changed) override;
 };
 
-// Values: 0 unchecked, 1 checked, 2 greyed.
+// The values of a check box.
+inline constexpr std::int32_t kUnchecked = 0;
+inline constexpr std::int32_t kChecked = 1;
+inline constexpr std::int32_t kGreyed = 2;
+
 class CheckBox final : public Control {
  public:
-  CheckBox(std::string name, std::string caption, std::int32_t value = 0)
+  CheckBox(std::string name, std::string caption, std::int32_t value = kUnchecked)
       : Control(std::move(name)), Caption(*this, "Caption", caption), Value(*this, "Value", value) {}
   Property<std::string> Caption;
   Property<std::int32_t> Value;
   Event<> Click;
 
   // The user's click: checked becomes unchecked, anything else checked.
-  void click() { Value = Value == 1 ? 0 : 1; }
+  void click() { Value = Value == kChecked ? kUnchecked : kChecked; }
 
  protected:
   void react(std::string_view property, bool changed) override;

@@ -1,0 +1,45 @@
+// The empty grid made ready, and the text lines that go below the table when it is printed, copied or
+// exported: the parameters of the analysis and the numbered list of its samples. The same lines also go to a
+// text file, so that grid and file carry one wording.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "plugin/results/logical_table.h"
+#include "plugin/results/page_controls.h"
+#include "plugin/results/sample_labels.h"
+
+namespace banddesk {
+
+// Where lines go: above 0 the open text file of that number, else the grid; -1 merges the line's cells.
+inline constexpr std::int32_t kToGridMerged = -1;
+inline constexpr std::int32_t kToGridPlain = -2;
+
+class GridFill {
+ public:
+  GridFill(PageContext& page, LogicalTable& table, PageControls& controls, SampleLabels& labels)
+      : page_(page), table_(table), controls_(controls), labels_(labels) {}
+
+  std::int32_t m_lParameterRow = 0;  // the grid's rows before the block; 0 without a block
+
+  void InitGrid();
+  void AddParameters(std::int32_t target);
+  void RemoveParameters();
+  void AddResults(std::int32_t target);
+  void AddLine(const std::string& text, std::int32_t target, Colour colour);
+
+  // The parameter lines as they stand in the boxes now.
+  std::vector<std::string> parameterLines() const;
+
+ private:
+  std::string dyesText() const;
+
+  PageContext& page_;
+  LogicalTable& table_;
+  PageControls& controls_;
+  SampleLabels& labels_;
+};
+
+}  // namespace banddesk

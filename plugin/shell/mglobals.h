@@ -1,0 +1,31 @@
+// What all objects of the component share under one host: the way to the explorer folder and the one
+// precondition that several operations ask for.
+#pragma once
+
+#include "plugin/banddesk.h"
+#include "plugin/base/failure.h"
+
+namespace banddesk {
+
+class AFLPExplorerFolder;
+
+class MGlobals final : public Object {
+ public:
+  explicit MGlobals(HostServices& services) : services_(services), frame_(services.Framework(), "MGlobals") {}
+
+  HostServices& services() const { return services_; }
+
+  // Null until a folder exists; the folder enters itself and leaves when it ends.
+  banddesk::AFLPExplorerFolder* AFLPExplorerFolder() const { return folder_; }
+  void SetAFLPExplorerFolder(banddesk::AFLPExplorerFolder* folder) { folder_ = folder; }
+
+  // Whether a study is open; if not, the user is told so before the answer.
+  bool IsStudyOpen() const;
+
+ private:
+  HostServices& services_;
+  FailureFrame frame_;
+  banddesk::AFLPExplorerFolder* folder_ = nullptr;
+};
+
+}  // namespace banddesk
