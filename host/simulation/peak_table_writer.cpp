@@ -19,13 +19,13 @@ constexpr std::string_view header =
 using Text = fmt::memory_buffer;
 
 /// A tenth of the runs has gone off scale somewhere, which every row of the run then says.
-std::string_view offscale(const Run& run) { return run.genotype % 10 == 9 ? "Check" : "Pass"; }
+std::string_view offscale(const SimulatedRun& run) { return run.genotype % 10 == 9 ? "Check" : "Pass"; }
 
-std::string_view sampleName(const Run& run) {
+std::string_view sampleName(const SimulatedRun& run) {
   return std::string_view(run.name).substr(0, run.name.find('.'));
 }
 
-void appendDye(Text& text, const Run& run, char dye, const std::vector<Peak>& peaks) {
+void appendDye(Text& text, const SimulatedRun& run, char dye, const std::vector<Peak>& peaks) {
   std::size_t number = 0;
   for (const Peak& peak : peaks) {
     const auto area = static_cast<std::int64_t>(peak.height * 9);
@@ -40,7 +40,7 @@ void appendDye(Text& text, const Run& run, char dye, const std::vector<Peak>& pe
   }
 }
 
-void appendRun(Text& text, const SimulatedRuns& simulated, const Run& run) {
+void appendRun(Text& text, const SimulatedRuns& simulated, const SimulatedRun& run) {
   for (std::size_t dye = 0; dye < simulated.dyes.size(); ++dye)
     appendDye(text, run, simulated.dyes[dye], run.dyes[dye]);
   if (simulated.ladderDye) appendDye(text, run, *simulated.ladderDye, run.ladder);
@@ -51,14 +51,14 @@ void appendRun(Text& text, const SimulatedRuns& simulated, const Run& run) {
 std::string peakTable(const SimulatedRuns& simulated) {
   Text text;
   text.append(header);
-  for (const Run& run : simulated.runs) appendRun(text, simulated, run);
+  for (const SimulatedRun& run : simulated.runs) appendRun(text, simulated, run);
   return fmt::to_string(text);
 }
 
 void writePeakTable(std::ostream& out, const SimulatedRuns& simulated) {
   out << header;
   Text text;
-  for (const Run& run : simulated.runs) {
+  for (const SimulatedRun& run : simulated.runs) {
     text.clear();
     appendRun(text, simulated, run);
     out.write(text.data(), static_cast<std::streamsize>(text.size()));

@@ -124,8 +124,9 @@ class Simulator {
     return genotype;
   }
 
-  Run makeRun(const SimulatedRuns& all, const Genotype& genotype, std::size_t sample, const char* mark) {
-    Run run;
+  SimulatedRun makeRun(const SimulatedRuns& all, const Genotype& genotype, std::size_t sample,
+                       const char* mark) {
+    SimulatedRun run;
     run.genotype = sample;
     run.name = nameOf(sample, mark, all.runs.size());
     const double width = settings_.laneDriftNt;

@@ -60,7 +60,7 @@ struct Peak {
   std::int32_t locus = spuriousLocus;  // index into the dye's loci
 };
 
-struct Run {
+struct SimulatedRun {
   std::string name;
   std::size_t genotype = 0;             // equal for a sample and its replicate
   std::vector<std::vector<Peak>> dyes;  // parallel to SimulatedRuns::dyes, by ascending size
@@ -71,7 +71,7 @@ struct SimulatedRuns {
   std::string dyes;  // letters
   std::optional<char> ladderDye;
   std::vector<std::vector<Locus>> loci;  // by dye, by ascending size
-  std::vector<Run> runs;
+  std::vector<SimulatedRun> runs;
 };
 
 /// The same runs for the same settings on every machine. Throws std::invalid_argument for settings that make
