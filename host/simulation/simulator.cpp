@@ -109,7 +109,7 @@ class Simulator {
       loci.push_back(drawLocus(loci));
       expectedPeaks += loci.back().frequency;
     }
-    std::ranges::sort(loci, {}, &Locus::sizeNt);
+    std::ranges::stable_sort(loci, {}, &Locus::sizeNt);
     return loci;
   }
 
@@ -143,16 +143,20 @@ class Simulator {
     std::vector<Peak> peaks;
     for (std::size_t i = 0; i < loci.size(); ++i) {
       if (!present[i]) continue;
-      if (!random_.chance(settings_.lostRate))
-        addPeak(peaks, measured(loci[i].sizeNt, drift), heightAround(loci[i].logHeight),
-                static_cast<std::int32_t>(i));
+      // Every draw is a statement of its own: compilers order the arguments of a call as they like.
+      if (!random_.chance(settings_.lostRate)) {
+        const double size = measured(loci[i].sizeNt, drift);
+        const double height = heightAround(loci[i].logHeight);
+        addPeak(peaks, size, height, static_cast<std::int32_t>(i));
+      }
       if (random_.chance(settings_.spuriousRate)) {
         constexpr double weak = 1.5;  // false peaks are faint: e^-1.5 of the median
-        addPeak(peaks, drawSize(), heightAround(portableLog(settings_.medianHeightRfu) - weak),
-                spuriousLocus);
+        const double size = drawSize();
+        const double height = heightAround(portableLog(settings_.medianHeightRfu) - weak);
+        addPeak(peaks, size, height, spuriousLocus);
       }
     }
-    std::ranges::sort(peaks, {}, &Peak::size);
+    std::ranges::stable_sort(peaks, {}, &Peak::size);
     mergeUnresolved(peaks);
     return peaks;
   }
