@@ -1,6 +1,11 @@
 #include "host/import/fields.h"
 
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
 #include <algorithm>
+#include <bit>
 
 #include "host/import/text_scan.h"
 
@@ -9,6 +14,32 @@ namespace {
 
 // A stray quote must not make every row search the whole rest of a large file.
 constexpr std::ptrdiff_t longestQuoted = 64 * 1024;
+
+#if defined(__SSE2__)
+constexpr std::ptrdiff_t blockSize = sizeof(__m128i);
+
+/// Sets a field from all that stands between two tabs; false when its quotes need a closer look.
+inline bool setPlain(Field& field, const char* from, const char* to) {
+  while (from != to && *from == ' ') ++from;
+  while (from != to && to[-1] == ' ') --to;
+  field.quoted = from != to && *from == '"';
+  if (field.quoted) {
+    if (to - from < 3 || to[-1] != '"' || to[-2] == '"') return false;
+    ++from;
+    --to;
+    if (findOrEnd(from, to, '"') != to) return false;
+    field.text = trimmed({from, static_cast<std::size_t>(to - from)});
+    return true;
+  }
+  field.text = {from, static_cast<std::size_t>(to - from)};
+  return true;
+}
+
+inline bool finishPlain(Row& row, std::size_t count) {
+  row.count = count;
+  return true;
+}
+#endif
 
 }  // namespace
 
@@ -25,7 +56,7 @@ bool RowCursor::next(Row& row, std::size_t wanted) {
   row.line = line_;
   row.count = 0;
   setLineEnd();
-  cutFields(row, wanted);
+  if (!cutPlainFields(row, wanted)) cutFields(row, wanted);
   at_ = lineEnd_ == end_ ? end_ : lineEnd_ + 1;
   ++line_;
   return true;
@@ -34,6 +65,39 @@ bool RowCursor::next(Row& row, std::size_t wanted) {
 void RowCursor::setLineEnd() {
   lineEnd_ = findOrEnd(at_, end_, '\n');
   contentEnd_ = lineEnd_ != at_ && lineEnd_[-1] == '\r' ? lineEnd_ - 1 : lineEnd_;
+}
+
+/// The fast way for tab-separated rows, which are most of all rows in large tables: tabs alone decide. False,
+/// with nothing done, where a quoted field holds a tab, or too near to the text's end for whole blocks.
+bool RowCursor::cutPlainFields(Row& row, std::size_t wanted) {
+#if defined(__SSE2__)
+  if (separator_ != '\t' || end_ - contentEnd_ < blockSize) return false;
+  if (row.fields.size() < wanted) {
+    if (wanted == allFields) return false;
+    row.fields.resize(wanted);
+  }
+  Field* field = row.fields.data();
+  Field* const last = field + wanted;
+  const char* from = at_;
+  const __m128i tabs = _mm_set1_epi8('\t');
+  for (const char* block = at_; block < contentEnd_; block += blockSize) {
+    const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(block));
+    auto found = static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(bytes, tabs)));
+    for (; found != 0; found &= found - 1) {
+      const char* tab = block + std::countr_zero(found);
+      if (tab >= contentEnd_) break;
+      if (!setPlain(*field, from, tab)) return false;
+      if (++field == last) return finishPlain(row, wanted);
+      from = tab + 1;
+    }
+  }
+  if (!setPlain(*field, from, contentEnd_)) return false;
+  return finishPlain(row, static_cast<std::size_t>(field + 1 - row.fields.data()));
+#else
+  static_cast<void>(row);
+  static_cast<void>(wanted);
+  return false;
+#endif
 }
 
 void RowCursor::cutFields(Row& row, std::size_t wanted) {

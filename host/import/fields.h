@@ -49,6 +49,7 @@ class RowCursor {
   std::size_t line() const { return line_; }
 
  private:
+  bool cutPlainFields(Row& row, std::size_t wanted);
   void cutFields(Row& row, std::size_t wanted);
   bool readQuoted(Field& field);
   const char* closingQuote(const char* from, const char* to) const;
