@@ -4,15 +4,16 @@
 #include <fmt/format.h>
 #include <map>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
-#include "host/import/file_bytes.h"
 #include "host/import/forms.h"
+#include "host/import/input_file.h"
 #include "host/import/ladder.h"
 #include "host/import/row_reader.h"
 #include "host/import/sample_assembler.h"
-#include "host/import/text_decoding.h"
+#include "host/import/text_stream.h"
 
 namespace banddesk::host::import {
 namespace {
@@ -94,32 +95,38 @@ class Reading {
   }
 
   void readTable(const Source& source, FileReport& report) {
-    const FileBytes bytes(source.file);
-    if (const fs::path* twin = sameContent(source, bytes)) {
+    if (const fs::path* twin = sameContent(source)) {
       report.form = "same content as another file";
       report.notes.push_back(fmt::format("the same content as {}; read once", twin->string()));
       return;
     }
-    DecodedText decoded;
+    TextStream text(source.file);
+    std::string_view piece;
     Form form;
     try {
-      decode(bytes, source.file, decoded);
-      form = recogniseForm(decoded.text, source.file);
+      piece = text.next();
+      form = recogniseForm(piece, source.file);
     } catch (const ImportError& error) {
       if (!source.ofFolder) throw;
       report.form = "no peak table, passed over";
       report.notes.push_back(error.message);
       return;
     }
-    report.form = form.describe() + ", " + decoded.encoding;
-    readRows(source, form, decoded, report);
+    // A spreadsheet's cell may go on over a line's end, and then over a piece's.
+    if (form.separator != '\t') piece = text.joinRest();
+    readRows(source, form, text, piece, report);
+    report.form = form.describe() + ", " + text.encoding();
   }
 
-  void readRows(const Source& source, const Form& form, const DecodedText& decoded, FileReport& report) {
+  void readRows(const Source& source, const Form& form, TextStream& text, std::string_view piece,
+                FileReport& report) {
     const std::size_t before = table_.samples.size();
     assembler_.beginFile(source.file, report);
     RowReader reader(form, source.file, options_.ladder, assembler_, report);
-    reader.readAll(decoded.text, [this](std::size_t bytes) { tell(bytes); });
+    for (piece.remove_prefix(form.firstRowOffset); !piece.empty(); piece = text.next()) {
+      reader.read(piece);
+      tell(text.bytesDone());
+    }
     if (report.rows == 0) throw ImportError({source.file, 0, {}}, "has a header but no rows");
     assembler_.endFile();
     report.samples = table_.samples.size() - before;
@@ -127,9 +134,9 @@ class Reading {
   }
 
   /// The file read earlier that has the same bytes. Only files of equal size are compared at all.
-  const fs::path* sameContent(const Source& source, const FileBytes& bytes) {
-    if (filesOfSize_[source.size] < 2) return nullptr;
-    const auto [at, isNew] = contents_.try_emplace({source.size, contentHash(bytes.view())}, source.file);
+  const fs::path* sameContent(const Source& source) {
+    if (source.size == 0 || filesOfSize_[source.size] < 2) return nullptr;
+    const auto [at, isNew] = contents_.try_emplace({source.size, contentHash(source.file)}, source.file);
     return isNew ? nullptr : &at->second;
   }
 

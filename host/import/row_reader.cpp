@@ -12,7 +12,6 @@ namespace banddesk::host::import {
 namespace {
 
 constexpr std::size_t notYet = static_cast<std::size_t>(-1);
-constexpr std::size_t rowsBetweenProgress = 8192;
 constexpr std::size_t linesKept = 5;
 
 constexpr std::array reasons{"blank size",      "blank height",  "no dye",
@@ -35,22 +34,18 @@ RowReader::RowReader(const Form& form, const std::filesystem::path& file, std::o
       ladder_(ladder),
       assembler_(assembler),
       report_(report),
+      line_(form.firstRowLine),
       fileName_(file.extension() == ".fsa" ? file.filename().string() : file.stem().string()),
       leftOutAt_(reasons.size(), notYet) {
   fileAsSample_.text = fileName_;
 }
 
-void RowReader::readAll(std::string_view text, const std::function<void(std::size_t)>& progress) {
-  RowCursor cursor(text.substr(form_.firstRowOffset), form_.separator, form_.firstRowLine);
+void RowReader::read(std::string_view piece) {
+  RowCursor cursor(piece, form_.separator, line_);
   // Comma-separated text is cut whole: only the number of fields shows that an unquoted B,1 came apart.
   const std::size_t wanted = form_.separator == ',' ? RowCursor::allFields : form_.columns.wanted();
-  Row row;
-  for (std::size_t untilProgress = rowsBetweenProgress; cursor.next(row, wanted);) {
-    readRow(row);
-    if (--untilProgress != 0) continue;
-    untilProgress = rowsBetweenProgress;
-    if (progress) progress(form_.firstRowOffset + cursor.offset());
-  }
+  while (cursor.next(row_, wanted)) readRow(row_);
+  line_ = cursor.line();
 }
 
 void RowReader::readRow(Row& row) {

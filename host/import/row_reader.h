@@ -5,7 +5,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
-#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -24,8 +23,9 @@ class RowReader {
   RowReader(const Form& form, const std::filesystem::path& file, std::optional<Dye> ladder,
             SampleAssembler& assembler, FileReport& report);
 
-  /// Reads all rows after the header. `progress` is told the bytes of text done, every few thousand rows.
-  void readAll(std::string_view text, const std::function<void(std::size_t)>& progress);
+  /// Reads the rows of the next piece of text, the first of which starts after the header. Nothing of it is
+  /// kept.
+  void read(std::string_view piece);
 
  private:
   enum class Reason : std::size_t {
@@ -54,6 +54,8 @@ class RowReader {
   SampleAssembler& assembler_;
   FileReport& report_;
   NumberReader numbers_;
+  Row row_;
+  std::size_t line_;
   Field fileAsSample_;
   std::string fileName_;
   std::vector<std::size_t> leftOutAt_;  // by reason: its place in the report

@@ -65,7 +65,8 @@ void SampleAssembler::beginFile(const std::filesystem::path& file, FileReport& r
   report_ = &report;
   runsByKey_.clear();
   runs_.clear();
-  lastFile_ = lastName_ = {};
+  lastFile_.clear();
+  lastName_.clear();
   firstOfFile_ = samples_.size();
   toldApart_ = 0;
 }

@@ -5,7 +5,6 @@
 #include <array>
 #include <cstdint>
 #include <filesystem>
-#include <functional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -66,7 +65,7 @@ class SampleAssembler {
   std::size_t toldApart_ = 0;
   std::string file_;
   FileReport* report_ = nullptr;
-  std::string_view lastFile_, lastName_;
+  std::string lastFile_, lastName_;  // the name cells of the row before
   std::size_t lastRun_ = 0;
   std::string key_;
 };

@@ -1,9 +1,7 @@
-#include "host/import/text_decoding.h"
+#include "host/import/encodings.h"
 
-#include <algorithm>
 #include <array>
-
-#include "host/import/import_error.h"
+#include <cstddef>
 
 namespace banddesk::host::import {
 namespace {
@@ -28,12 +26,20 @@ void appendUtf8(std::string& to, char32_t code) {
 
 constexpr char32_t replacement = 0xFFFD;
 
-std::string utf8OfUtf16(std::string_view bytes, bool bigEndian) {
+// 0x80 to 0x9F of Windows-1252; the five that it leaves open stand for themselves.
+constexpr std::array<char32_t, 32> windows1252{
+    0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
+    0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
+    0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
+
+}  // namespace
+
+std::string utf8OfUtf16(std::string_view bytes, ByteOrder order) {
   const auto unit = [&](std::size_t i) -> char32_t {
     const auto first = static_cast<unsigned char>(bytes[i]);
     const auto second = static_cast<unsigned char>(bytes[i + 1]);
-    return bigEndian ? static_cast<char32_t>(first << 8 | second)
-                     : static_cast<char32_t>(second << 8 | first);
+    return order == ByteOrder::Big ? static_cast<char32_t>(first << 8 | second)
+                                   : static_cast<char32_t>(second << 8 | first);
   };
   std::string text;
   text.reserve(bytes.size() / 2);
@@ -52,12 +58,6 @@ std::string utf8OfUtf16(std::string_view bytes, bool bigEndian) {
   return text;
 }
 
-// 0x80 to 0x9F of Windows-1252; the five that it leaves open stand for themselves.
-constexpr std::array<char32_t, 32> windows1252{
-    0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
-    0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
-    0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
-
 std::string utf8OfWindows1252(std::string_view bytes) {
   std::string text;
   text.reserve(bytes.size() + bytes.size() / 16);
@@ -67,28 +67,6 @@ std::string utf8OfWindows1252(std::string_view bytes) {
   }
   return text;
 }
-
-/// Control characters other than tab, line feed, carriage return and form feed in the first stretch say: no
-/// text.
-bool looksBinary(std::string_view text) {
-  const std::string_view start = text.substr(0, 64 * 1024);
-  return std::ranges::any_of(start, [](char c) {
-    const auto byte = static_cast<unsigned char>(c);
-    return byte < 0x20 && c != '\t' && c != '\n' && c != '\r' && c != '\f' && c != 0x1A;
-  });
-}
-
-/// Old exporters end lines with a carriage return alone; the rest of the room knows line feeds only.
-void mendLineEnds(DecodedText& decoded) {
-  const std::string_view text = decoded.text;
-  if (text.find('\n') != std::string_view::npos || text.find('\r') == std::string_view::npos) return;
-  std::string mended(text);
-  std::ranges::replace(mended, '\r', '\n');
-  decoded.converted = std::move(mended);
-  decoded.text = decoded.converted;
-}
-
-}  // namespace
 
 bool isUtf8(std::string_view text) {
   const auto byteAt = [&](std::size_t i) {
@@ -113,25 +91,10 @@ bool isUtf8(std::string_view text) {
   return true;
 }
 
-void decode(const FileBytes& bytes, const std::filesystem::path& file, DecodedText& decoded) {
-  std::string_view raw = bytes.view();
-  const bool little = raw.starts_with("\xFF\xFE");
-  if (little || raw.starts_with("\xFE\xFF")) {
-    decoded.converted = utf8OfUtf16(raw.substr(2), !little);
-    decoded.text = decoded.converted;
-    decoded.encoding = little ? "UTF-16 LE" : "UTF-16 BE";
-  } else {
-    if (raw.starts_with("\xEF\xBB\xBF")) raw.remove_prefix(3);
-    decoded.text = raw;
-    decoded.encoding = "UTF-8";
-    if (!bytes.isAscii() && !looksBinary(raw) && !isUtf8(raw)) {
-      decoded.encoding = "Windows-1252";
-      decoded.converted = utf8OfWindows1252(raw);
-      decoded.text = decoded.converted;
-    }
-  }
-  if (looksBinary(decoded.text)) throw ImportError({file, 0, {}}, "is a binary file, not a text table");
-  mendLineEnds(decoded);
+bool isAscii(std::string_view text) {
+  unsigned char seen = 0;
+  for (const char c : text) seen = static_cast<unsigned char>(seen | static_cast<unsigned char>(c));
+  return seen < 0x80;
 }
 
 }  // namespace banddesk::host::import
