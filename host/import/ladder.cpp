@@ -15,6 +15,8 @@ constexpr double shareOfSamples = 0.9;  // that must have a size for it to be co
 constexpr double windowNt = 0.5;        // within which sizes of different samples count as one
 constexpr std::size_t fewestSizes = 5;  // the smallest standards have more
 constexpr double leastShareOfPeaks = 0.5;
+constexpr double widestSpreadNt = 0.1;
+constexpr double leastLeadNt = 0.01;
 
 using SizedPeak = std::pair<double, std::size_t>;  // size, number of the sample
 
@@ -82,13 +84,20 @@ std::optional<LadderProposal> proposeLadder(std::span<const Sample> samples) {
   std::vector<const Sample*> chosen;
   const std::size_t count = std::min(samples.size(), mostSamples);
   for (std::size_t i = 0; i < count; ++i) chosen.push_back(&samples[i * samples.size() / count]);
-  std::optional<LadderProposal> best;
+  std::vector<LadderProposal> candidates;
   for (const Dye dye : allDyes) {
     const LadderProposal seen = describeDye(chosen, dye);
-    if (seen.commonSizes < fewestSizes || seen.shareOfPeaks < leastShareOfPeaks) continue;
-    if (!best || seen.spreadNt < best->spreadNt) best = seen;
+    if (seen.commonSizes >= fewestSizes && seen.shareOfPeaks >= leastShareOfPeaks &&
+        seen.spreadNt <= widestSpreadNt)
+      candidates.push_back(seen);
   }
-  return best;
+  std::ranges::stable_sort(candidates, {}, &LadderProposal::spreadNt);
+  if (candidates.empty()) return std::nullopt;
+  // Samples that are nearly alike have common sizes in every dye, but only the standard's are sized by
+  // themselves.
+  if (candidates.size() > 1 && candidates[1].spreadNt < 2 * candidates[0].spreadNt + leastLeadNt)
+    return std::nullopt;
+  return candidates.front();
 }
 
 }  // namespace banddesk::host::import

@@ -123,10 +123,12 @@ class Reading {
     const std::size_t before = table_.samples.size();
     assembler_.beginFile(source.file, report);
     RowReader reader(form, source.file, options_.ladder, assembler_, report);
-    for (piece.remove_prefix(form.firstRowOffset); !piece.empty(); piece = text.next()) {
+    piece.remove_prefix(form.firstRowOffset);
+    do {
       reader.read(piece);
       tell(text.bytesDone());
-    }
+      piece = text.next();
+    } while (!piece.empty());
     if (report.rows == 0) throw ImportError({source.file, 0, {}}, "has a header but no rows");
     assembler_.endFile();
     report.samples = table_.samples.size() - before;

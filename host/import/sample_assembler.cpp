@@ -129,11 +129,17 @@ SampleAssembler::Added SampleAssembler::add(Run& run, const DyeCell& cell, doubl
 }
 
 void SampleAssembler::endFile() {
-  for (std::size_t i = firstOfFile_; i < samples_.size(); ++i)
+  std::size_t withoutPeaks = 0;
+  for (std::size_t i = firstOfFile_; i < samples_.size(); ++i) {
+    bool hasPeaks = false;
     for (DyePeaks& peaks : samples_[i].dyes) {
       peaks.sizes.shrink_to_fit();
       peaks.heights.shrink_to_fit();
+      hasPeaks = hasPeaks || !peaks.sizes.empty();
     }
+    if (!hasPeaks) ++withoutPeaks;
+  }
+  if (withoutPeaks != 0) report_->notes.push_back(fmt::format("samples without a peak: {}", withoutPeaks));
   if (toldApart_ > notesInFull)
     report_->notes.push_back(
         fmt::format("{} more samples of equal names are told apart likewise", toldApart_ - notesInFull));

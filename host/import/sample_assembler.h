@@ -43,7 +43,7 @@ class SampleAssembler {
   /// unless the row is the same peak once more.
   Added add(Run& run, const DyeCell& dye, double size, double height);
 
-  /// Frees the room that growing took.
+  /// Frees the room that growing took, and notes what shows only at the end.
   void endFile();
 
  private:

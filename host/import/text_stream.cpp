@@ -31,13 +31,14 @@ std::string_view TextStream::nextStretch() {
   buffer_.resize(stretch);
   std::memmove(buffer_.data(), buffer_.data() + pieceSize_, held_ - pieceSize_);
   held_ -= pieceSize_;
-  const std::size_t got = file_.read(buffer_.data() + held_, buffer_.size() - held_);
-  const std::string_view fresh(buffer_.data() + held_, got);
+  std::size_t got = file_.read(buffer_.data() + held_, buffer_.size() - held_);
+  const bool atEnd = held_ + got < buffer_.size();
   const bool first = bytesRead_ == 0;
   bytesRead_ += got;
+  if (first) got -= dropMark(got);
+  const std::string_view fresh(buffer_.data() + held_, got);
   held_ += got;
   const std::string_view held(buffer_.data(), held_);
-  const bool atEnd = held_ < buffer_.size();
   const std::size_t lastLineFeed = held.rfind('\n');
   // Besides what is not ASCII: a line longer than the buffer, and text whose lines may end otherwise.
   if (!isAscii(fresh) || (lastLineFeed == npos && (!atEnd || first))) {
@@ -48,6 +49,15 @@ std::string_view TextStream::nextStretch() {
     throw ImportError({file_.path(), 0, {}}, "is a binary file, not a text table");
   pieceSize_ = atEnd ? held_ : lastLineFeed + 1;
   return held.substr(0, pieceSize_);
+}
+
+/// Takes the byte-order mark of UTF-8 from the buffer's start, so that what follows may be plain all the
+/// same.
+std::size_t TextStream::dropMark(std::size_t held) {
+  constexpr std::string_view mark = "\xEF\xBB\xBF";
+  if (!std::string_view(buffer_.data(), held).starts_with(mark)) return 0;
+  std::memmove(buffer_.data(), buffer_.data() + mark.size(), held - mark.size());
+  return mark.size();
 }
 
 /// Takes the bytes held in the buffer and all that follow, and decodes them.
@@ -69,14 +79,11 @@ void TextStream::decode() {
   if (little || (atStart && raw.starts_with("\xFE\xFF"))) {
     encoding_ = little ? "UTF-16 LE" : "UTF-16 BE";
     whole_ = utf8OfUtf16(raw.substr(2), little ? ByteOrder::Little : ByteOrder::Big);
-  } else if (atStart && raw.starts_with("\xEF\xBB\xBF")) {
-    wholeAt_ = 3;
   }
   if (looksBinary(whole_)) throw ImportError({file_.path(), 0, {}}, "is a binary file, not a text table");
   if (!isUtf8(whole_)) {
     encoding_ = "Windows-1252";
-    whole_ = utf8OfWindows1252(std::string_view(whole_).substr(wholeAt_));
-    wholeAt_ = 0;
+    whole_ = utf8OfWindows1252(whole_);
   }
   // Old exporters end lines with a carriage return alone; the rest of the room knows line feeds only.
   if (whole_.find('\n') == npos) std::ranges::replace(whole_, '\r', '\n');

@@ -33,6 +33,7 @@ class TextStream {
 
   std::string_view nextStretch();
   std::string_view nextOfWhole();
+  std::size_t dropMark(std::size_t held);
   void readWhole(std::size_t held);
   void decode();
 

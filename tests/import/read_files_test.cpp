@@ -1,7 +1,9 @@
 // Bad input, what is left out, several files, and the size standard.
+#include <algorithm>
 #include <cstdlib>
 #include <gmock/gmock.h>
 
+#include "host/import/report_text.h"
 #include "tests/import/table_folder.h"
 
 namespace banddesk::host::import {
@@ -96,6 +98,11 @@ TEST(ReadFiles, RowsWithoutAPeakAreCountedByReasonWithTheirFirstLines) {
   EXPECT_THAT(report.leftOut.back().firstLines, ElementsAre(9, 10, 11, 12, 13));
   EXPECT_EQ(report.rows, 14U);
   EXPECT_THAT(report.peaks, ElementsAre(0, 1, 0, 0, 0));
+  EXPECT_THAT(reportText(table.report),
+              HasSubstr("; 14 rows, 2 samples, peaks: G 1\n  left out: 1 (size standard), line 2\n"));
+  EXPECT_THAT(reportText(table.report),
+              HasSubstr("  left out: 7 (blank size), lines 9, 10, 11, 12, 13, ...\n"));
+  EXPECT_THAT(reportText(table.report), HasSubstr("  samples without a peak: 1\n"));
   ASSERT_EQ(table.samples.size(), 2U) << "a run without any peak is a sample still";
   EXPECT_THAT(table.samples[0].peaks(Dye::G).heights, ElementsAre(0));
 }
@@ -151,6 +158,21 @@ TEST(ReadFiles, AFolderOfOneSampleFilesIsReadInTheOrderOfNames) {
   EXPECT_EQ(last, 40U);
   EXPECT_THAT(namesOf(table), ElementsAre("a#1", "b 2"));
   EXPECT_EQ(table.report.files[2].form, "no peak table, passed over");
+}
+
+TEST(ReadFiles, ATableLargerThanAnyBufferIsReadRowForRow) {
+  // Beyond ASCII from its middle on, in each way that text can be so, or not at all.
+  for (const std::string name : {"M", "M\xC3\xBC", "M\xFC"})
+    for (const char separator : {'\t', ';'}) {
+      std::string text = "Sample;Dye;Size;Height;Comment\n", padding(60, 'x');
+      for (int i = 0; i < 40'000; ++i)
+        text += (i < 20'000 ? "a" : name) + ";B;" + std::to_string(i) + ";7;\"" + padding + "\"\n";
+      std::ranges::replace(text, ';', separator);
+      const PeakTable table = TableFolder().readOne(text);
+      EXPECT_THAT(namesOf(table), ElementsAre("a", name == "M" ? "M" : "M\xC3\xBC"));
+      for (std::size_t i = 0; i < 40'000; ++i)
+        ASSERT_EQ(table.samples[i / 20'000].peaks(Dye::B).sizes.at(i % 20'000), static_cast<double>(i));
+    }
 }
 
 TEST(ReadFiles, RealTablesGiveTheirKnownCounts) {

@@ -120,8 +120,22 @@ TEST(Simulation, WhatIsWrittenReadsBackPeakForPeak) {
         }
       }
     }
-    settings.ladderDye.reset();
-    EXPECT_FALSE(import::TableFolder().readOne(peakTable(simulate(settings))).report.ladder);
+  }
+}
+
+TEST(Simulation, OnlyALadderIsTakenForOne) {
+  struct Case {
+    std::optional<char> ladder;
+    double fixedShare;
+  };
+  for (const Case& at : {Case{'R', 0.1}, Case{{}, 0.1}, Case{'O', 1}, Case{{}, 1}}) {
+    Settings settings;
+    settings.ladderDye = at.ladder;
+    settings.fixedShare = at.fixedShare;
+    const auto proposal = import::TableFolder().readOne(peakTable(simulate(settings))).report.ladder;
+    ASSERT_EQ(proposal.has_value(), at.ladder.has_value())
+        << "with " << at.fixedShare << " of the loci fixed";
+    EXPECT_EQ(proposal ? letterOf(proposal->dye) : ' ', at.ladder.value_or(' '));
   }
 }
 
