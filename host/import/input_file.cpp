@@ -41,9 +41,15 @@ void InputFile::checkKind() {
 }
 
 std::size_t InputFile::read(char* to, std::size_t count) {
+  const std::size_t got = readAt(position_, to, count);
+  position_ += got;
+  return got;
+}
+
+std::size_t InputFile::readAt(std::size_t offset, char* to, std::size_t count) const {
   std::size_t done = 0;
   while (done < count) {
-    const ssize_t got = ::read(descriptor_, to + done, count - done);
+    const ssize_t got = ::pread(descriptor_, to + done, count - done, static_cast<off_t>(offset + done));
     if (got < 0 && errno == EINTR) continue;
     if (got < 0) throw ImportError({path_, 0, {}}, std::string("cannot be read: ") + std::strerror(errno));
     if (got == 0) break;

@@ -21,6 +21,8 @@ class InputFile {
 
   /// Fills `to` as far as the file goes; fewer than `count` bytes only at its end.
   std::size_t read(char* to, std::size_t count);
+  /// The same from a place of its own, for a look ahead; where read() goes on stays as it was.
+  std::size_t readAt(std::size_t offset, char* to, std::size_t count) const;
 
  private:
   void checkKind();
@@ -28,6 +30,7 @@ class InputFile {
   std::filesystem::path path_;
   int descriptor_ = -1;
   std::size_t size_ = 0;
+  std::size_t position_ = 0;
 };
 
 /// Equal for equal bytes; no defence against someone who wants two files to collide.

@@ -115,7 +115,7 @@ class Reading {
     // A spreadsheet's cell may go on over a line's end, and then over a piece's.
     if (form.separator != '\t') piece = text.joinRest();
     readRows(source, form, text, piece, report);
-    report.form = form.describe() + ", " + text.encoding();
+    report.form = fmt::format("{}, {}", form.describe(), text.encodingName());
   }
 
   void readRows(const Source& source, const Form& form, TextStream& text, std::string_view piece,

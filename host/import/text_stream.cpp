@@ -25,93 +25,136 @@ bool looksBinary(std::string_view text) {
 
 }  // namespace
 
-std::string_view TextStream::next() { return state_ == State::Streaming ? nextStretch() : nextOfWhole(); }
-
-std::string_view TextStream::nextStretch() {
-  buffer_.resize(stretch);
-  std::memmove(buffer_.data(), buffer_.data() + pieceSize_, held_ - pieceSize_);
+std::string_view TextStream::next() {
+  if (buffer_.empty()) buffer_.resize(stretch);
   held_ -= pieceSize_;
-  std::size_t got = file_.read(buffer_.data() + held_, buffer_.size() - held_);
-  const bool atEnd = held_ + got < buffer_.size();
-  const bool first = bytesRead_ == 0;
-  bytesRead_ += got;
-  if (first) got -= dropMark(got);
-  const std::string_view fresh(buffer_.data() + held_, got);
-  held_ += got;
-  const std::string_view held(buffer_.data(), held_);
-  const std::size_t lastLineFeed = held.rfind('\n');
-  // Besides what is not ASCII: a line longer than the buffer, and text whose lines may end otherwise.
-  if (!isAscii(fresh) || (lastLineFeed == npos && (!atEnd || first))) {
-    readWhole(held_);
-    return nextOfWhole();
-  }
-  if (first && looksBinary(held))
-    throw ImportError({file_.path(), 0, {}}, "is a binary file, not a text table");
-  pieceSize_ = atEnd ? held_ : lastLineFeed + 1;
-  return held.substr(0, pieceSize_);
-}
-
-/// Takes the byte-order mark of UTF-8 from the buffer's start, so that what follows may be plain all the
-/// same.
-std::size_t TextStream::dropMark(std::size_t held) {
-  constexpr std::string_view mark = "\xEF\xBB\xBF";
-  if (!std::string_view(buffer_.data(), held).starts_with(mark)) return 0;
-  std::memmove(buffer_.data(), buffer_.data() + mark.size(), held - mark.size());
-  return mark.size();
-}
-
-/// Takes the bytes held in the buffer and all that follow, and decodes them.
-void TextStream::readWhole(std::size_t held) {
-  whole_.assign(buffer_.data(), held);
-  const std::size_t rest = file_.size() > bytesRead_ ? file_.size() - bytesRead_ : 0;
-  whole_.resize(held + rest);
-  const std::size_t got = file_.read(whole_.data() + held, rest);
-  whole_.resize(held + got);
-  bytesRead_ += got;
-  state_ = State::Whole;
-  decode();
-}
-
-void TextStream::decode() {
-  const std::string_view raw = whole_;
-  const bool atStart = raw.size() == bytesRead_;
-  const bool little = atStart && raw.starts_with("\xFF\xFE");
-  if (little || (atStart && raw.starts_with("\xFE\xFF"))) {
-    encoding_ = little ? "UTF-16 LE" : "UTF-16 BE";
-    whole_ = utf8OfUtf16(raw.substr(2), little ? ByteOrder::Little : ByteOrder::Big);
-  }
-  if (looksBinary(whole_)) throw ImportError({file_.path(), 0, {}}, "is a binary file, not a text table");
-  if (!isUtf8(whole_)) {
-    encoding_ = "Windows-1252";
-    whole_ = utf8OfWindows1252(whole_);
-  }
-  // Old exporters end lines with a carriage return alone; the rest of the room knows line feeds only.
-  if (whole_.find('\n') == npos) std::ranges::replace(whole_, '\r', '\n');
-}
-
-std::string_view TextStream::nextOfWhole() {
-  const std::string_view rest = std::string_view(whole_).substr(wholeAt_);
-  const std::size_t lineFeed = rest.size() <= stretch ? npos : rest.find('\n', stretch);
-  pieceSize_ = lineFeed == npos ? rest.size() : lineFeed + 1;
-  wholeAt_ += pieceSize_;
-  return rest.substr(0, pieceSize_);
+  std::memmove(buffer_.data(), buffer_.data() + pieceSize_, held_);
+  pieceSize_ = 0;
+  do {
+    // A line longer than the buffer makes it grow.
+    if (held_ == buffer_.size()) buffer_.resize(2 * buffer_.size());
+    readMore();
+    pieceSize_ = wholeLines();
+  } while (pieceSize_ == 0 && !atEnd_);
+  return give();
 }
 
 std::string_view TextStream::joinRest() {
-  if (state_ == State::Streaming) {
-    readWhole(held_);
-  } else {
-    wholeAt_ -= pieceSize_;
+  const std::size_t rest = file_.size() > bytesRead_ ? file_.size() - bytesRead_ : 0;
+  buffer_.resize(held_ + rest + 1);
+  while (!atEnd_) {
+    readMore();
+    if (!atEnd_) buffer_.resize(2 * buffer_.size());  // the file has grown meanwhile
   }
-  const std::string_view rest = std::string_view(whole_).substr(wholeAt_);
-  pieceSize_ = rest.size();
-  wholeAt_ = whole_.size();
-  return rest;
+  pieceSize_ = held_;
+  return give();
 }
 
-std::size_t TextStream::bytesDone() const {
-  return state_ == State::Streaming ? bytesRead_
-                                    : bytesRead_ - std::min(bytesRead_, whole_.size() - wholeAt_);
+void TextStream::readMore() {
+  const std::size_t got = file_.read(buffer_.data() + held_, buffer_.size() - held_);
+  const bool plain = isAscii({buffer_.data() + held_, got});
+  atEnd_ = held_ + got < buffer_.size();
+  held_ += got;
+  const bool atStart = bytesRead_ == 0;
+  bytesRead_ += got;
+  if (atStart && !plain) dropMark();
+  if (atStart && !isUtf16()) requireText({buffer_.data(), held_});
+  if (!plain && encoding_ == Encoding::Ascii && !isAscii({buffer_.data(), held_}))
+    encoding_ = restIsUtf8() ? Encoding::Utf8 : Encoding::Windows1252;
+}
+
+/// Takes a byte-order mark from the buffer's start. After that of UTF-8 the text may be plain all the same.
+void TextStream::dropMark() {
+  const std::string_view held(buffer_.data(), held_);
+  std::size_t length = 2;
+  if (held.starts_with("\xFF\xFE")) {
+    encoding_ = Encoding::Utf16Little;
+  } else if (held.starts_with("\xFE\xFF")) {
+    encoding_ = Encoding::Utf16Big;
+  } else if (held.starts_with("\xEF\xBB\xBF")) {
+    length = 3;
+  } else {
+    return;
+  }
+  held_ -= length;
+  std::memmove(buffer_.data(), buffer_.data() + length, held_);
+}
+
+/// Looks through what the buffer holds and all that follows in the file.
+bool TextStream::restIsUtf8() const {
+  std::vector<char> ahead(buffer_.begin(), buffer_.begin() + static_cast<std::ptrdiff_t>(held_));
+  std::size_t offset = bytesRead_, kept = held_;
+  for (bool more = true; more;) {
+    // Any ASCII character ends what came before it, so a cut after one cuts no character.
+    std::size_t cut = kept;
+    while (cut > 0 && static_cast<unsigned char>(ahead[cut - 1]) >= 0x80) --cut;
+    if (!isUtf8({ahead.data(), cut})) return false;
+    std::memmove(ahead.data(), ahead.data() + cut, kept - cut);
+    kept -= cut;
+    ahead.resize(kept + stretch);
+    const std::size_t got = file_.readAt(offset, ahead.data() + kept, stretch);
+    offset += got;
+    kept += got;
+    more = got != 0;
+  }
+  return isUtf8({ahead.data(), kept});
+}
+
+/// How many bytes of the buffer, from its start, are lines that have ended; all of them at the end of the
+/// file.
+std::size_t TextStream::wholeLines() const {
+  if (atEnd_) return held_;
+  const std::string_view held(buffer_.data(), held_);
+  if (!isUtf16()) return held.rfind('\n') + 1;
+  const std::string_view lineFeed =
+      encoding_ == Encoding::Utf16Big ? std::string_view("\0\n", 2) : std::string_view("\n\0", 2);
+  std::size_t at = held.rfind(lineFeed);
+  while (at != npos && at % 2 != 0) at = held.rfind(lineFeed, at - 1);  // two halves of neighbours look alike
+  return at == npos ? 0 : at + 2;
+}
+
+std::string_view TextStream::decoded(std::string_view raw) {
+  switch (encoding_) {
+    case Encoding::Utf16Little:
+      return converted_ = utf8OfUtf16(raw, ByteOrder::Little);
+    case Encoding::Utf16Big:
+      return converted_ = utf8OfUtf16(raw, ByteOrder::Big);
+    case Encoding::Windows1252:
+      return converted_ = utf8OfWindows1252(raw);
+    default:
+      return raw;
+  }
+}
+
+std::string_view TextStream::give() {
+  std::string_view text = decoded({buffer_.data(), pieceSize_});
+  if (first_) {
+    first_ = false;
+    requireText(text);
+    // Old exporters end lines with a carriage return alone; the rest of the room knows line feeds only.
+    loneReturns_ = atEnd_ && text.find('\n') == npos;
+  }
+  if (!loneReturns_) return text;
+  converted_ = std::string(text);
+  std::ranges::replace(converted_, '\r', '\n');
+  return converted_;
+}
+
+void TextStream::requireText(std::string_view start) const {
+  if (looksBinary(start)) throw ImportError({file_.path(), 0, {}}, "is a binary file, not a text table");
+}
+
+std::string_view TextStream::encodingName() const {
+  switch (encoding_) {
+    case Encoding::Utf16Little:
+      return "UTF-16 LE";
+    case Encoding::Utf16Big:
+      return "UTF-16 BE";
+    case Encoding::Windows1252:
+      return "Windows-1252";
+    default:
+      return "UTF-8";
+  }
 }
 
 }  // namespace banddesk::host::import

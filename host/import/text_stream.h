@@ -11,8 +11,8 @@
 
 namespace banddesk::host::import {
 
-/// Plain ASCII, which most tables are, passes through one small buffer; the file as a whole is held in memory
-/// only from the first stretch that is not.
+/// Holds about one piece in memory, not the file. A byte-order mark decides the encoding; without one it is
+/// UTF-8 where the whole file is, else Windows-1252.
 class TextStream {
  public:
   /// Throws ImportError as InputFile does.
@@ -24,28 +24,32 @@ class TextStream {
   std::string_view joinRest();
 
   /// "UTF-8", "UTF-16 LE", "UTF-16 BE" or "Windows-1252": what it has turned out to be so far.
-  const std::string& encoding() const { return encoding_; }
-  /// Of the file, those that the pieces given so far came from.
-  std::size_t bytesDone() const;
+  std::string_view encodingName() const;
+  /// Of the file, those read for the pieces given so far.
+  std::size_t bytesDone() const { return bytesRead_; }
 
  private:
-  enum class State { Streaming, Whole };
+  enum class Encoding { Ascii, Utf8, Windows1252, Utf16Little, Utf16Big };
 
-  std::string_view nextStretch();
-  std::string_view nextOfWhole();
-  std::size_t dropMark(std::size_t held);
-  void readWhole(std::size_t held);
-  void decode();
+  bool isUtf16() const { return encoding_ == Encoding::Utf16Little || encoding_ == Encoding::Utf16Big; }
+  void requireText(std::string_view start) const;
+  void readMore();
+  void dropMark();
+  bool restIsUtf8() const;
+  std::size_t wholeLines() const;
+  std::string_view decoded(std::string_view raw);
+  std::string_view give();
 
   InputFile file_;
-  State state_ = State::Streaming;
+  Encoding encoding_ = Encoding::Ascii;
   std::vector<char> buffer_;
-  std::size_t pieceSize_ = 0;  // at the buffer's start
-  std::size_t held_ = 0;       // bytes in the buffer: the piece and the begun line after it
+  std::size_t held_ = 0;       // bytes in the buffer: the piece given last and what follows it
+  std::size_t pieceSize_ = 0;  // of these, the piece
   std::size_t bytesRead_ = 0;
-  std::string whole_;
-  std::size_t wholeAt_ = 0;
-  std::string encoding_ = "UTF-8";
+  bool atEnd_ = false;
+  bool first_ = true;
+  bool loneReturns_ = false;
+  std::string converted_;
 };
 
 }  // namespace banddesk::host::import

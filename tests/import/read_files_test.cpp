@@ -162,14 +162,25 @@ TEST(ReadFiles, AFolderOfOneSampleFilesIsReadInTheOrderOfNames) {
 
 TEST(ReadFiles, ATableLargerThanAnyBufferIsReadRowForRow) {
   // Beyond ASCII from its middle on, in each way that text can be so, or not at all.
-  for (const std::string name : {"M", "M\xC3\xBC", "M\xFC"})
+  struct Case {
+    std::string mark, name;
+    bool utf16 = false;
+  };
+  for (const auto& [mark, name, utf16] : {Case{"", "M"}, Case{"\xEF\xBB\xBF", "M"}, Case{"", "M\xC3\xBC"},
+                                          Case{"", "M\xFC"}, Case{"\xFF\xFE", "M\xFC", true}})
     for (const char separator : {'\t', ';'}) {
+      SCOPED_TRACE(name + separator);
       std::string text = "Sample;Dye;Size;Height;Comment\n", padding(60, 'x');
       for (int i = 0; i < 40'000; ++i)
         text += (i < 20'000 ? "a" : name) + ";B;" + std::to_string(i) + ";7;\"" + padding + "\"\n";
       std::ranges::replace(text, ';', separator);
-      const PeakTable table = TableFolder().readOne(text);
-      EXPECT_THAT(namesOf(table), ElementsAre("a", name == "M" ? "M" : "M\xC3\xBC"));
+      if (utf16) {
+        std::string wide(2 * text.size(), '\0');
+        for (std::size_t i = 0; i < text.size(); ++i) wide[2 * i] = text[i];
+        text.swap(wide);
+      }
+      const PeakTable table = TableFolder().readOne(mark + text);
+      ASSERT_THAT(namesOf(table), ElementsAre("a", name == "M" ? "M" : "M\xC3\xBC"));
       for (std::size_t i = 0; i < 40'000; ++i)
         ASSERT_EQ(table.samples[i / 20'000].peaks(Dye::B).sizes.at(i % 20'000), static_cast<double>(i));
     }
