@@ -1,0 +1,66 @@
+// What reading peak tables gives: samples with their peaks by dye, and a report of what was read and left
+// out. No study, no store: these are plain values.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "host/import/dye.h"
+
+namespace banddesk::host::import {
+
+/// Parallel vectors in the order of the file: sizes in nt, heights in RFU.
+struct DyePeaks {
+  std::vector<double> sizes;
+  std::vector<double> heights;
+};
+
+struct Sample {
+  std::string name;
+  std::string sourceFile;  // the path of the table it came from
+  std::array<DyePeaks, dyeCount> dyes;
+
+  DyePeaks& peaks(Dye dye) { return dyes[indexOf(dye)]; }
+  const DyePeaks& peaks(Dye dye) const { return dyes[indexOf(dye)]; }
+};
+
+/// Rows left out for one reason.
+struct LeftOut {
+  std::string reason;
+  std::size_t count = 0;
+  std::vector<std::size_t> firstLines;  // up to five, 1-based
+};
+
+struct FileReport {
+  std::filesystem::path file;
+  std::string form;  // such as "Peak Scanner combined table, tab-separated, UTF-8"
+  std::size_t rows = 0;
+  std::size_t samples = 0;
+  std::array<std::size_t, dyeCount> peaks{};
+  std::vector<LeftOut> leftOut;
+  std::vector<std::string> notes;
+};
+
+/// The dye that looks like the size standard: nearly the same sizes in nearly every sample.
+struct LadderProposal {
+  Dye dye = Dye::R;
+  std::size_t commonSizes = 0;  // sizes that nearly every sample has
+  double shareOfPeaks = 0;      // of the dye's peaks, those at such sizes
+  double spreadNt = 0;          // typical deviation from the common size
+};
+
+struct Report {
+  std::vector<FileReport> files;
+  std::optional<LadderProposal> ladder;
+};
+
+struct PeakTable {
+  std::vector<Sample> samples;
+  Report report;
+};
+
+}  // namespace banddesk::host::import

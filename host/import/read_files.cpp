@@ -1,0 +1,167 @@
+#include "host/import/read_files.h"
+
+#include <algorithm>
+#include <fmt/format.h>
+#include <map>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "host/import/forms.h"
+#include "host/import/input_file.h"
+#include "host/import/ladder.h"
+#include "host/import/row_reader.h"
+#include "host/import/sample_assembler.h"
+#include "host/import/text_stream.h"
+
+namespace banddesk::host::import {
+namespace {
+
+namespace fs = std::filesystem;
+
+struct Source {
+  fs::path file;
+  std::uint64_t size = 0;
+  bool ofFolder = false;
+};
+
+std::uint64_t sizeOf(const fs::path& file) {
+  std::error_code failed;
+  const auto size = fs::file_size(file, failed);
+  return failed ? 0 : size;  // reading the file will say what is wrong with it
+}
+
+void appendFolder(const fs::path& folder, std::vector<Source>& sources) {
+  std::vector<fs::path> files;
+  std::error_code failed;
+  for (fs::directory_iterator entry(folder, failed), end; !failed && entry != end; entry.increment(failed)) {
+    std::error_code unknown;
+    if (entry->is_regular_file(unknown) && !entry->path().filename().string().starts_with('.'))
+      files.push_back(entry->path());
+  }
+  if (failed) throw ImportError({folder, 0, {}}, "the folder cannot be read: " + failed.message());
+  if (files.empty()) throw ImportError({folder, 0, {}}, "the folder has no files");
+  std::ranges::sort(files);
+  for (const fs::path& file : files) sources.push_back({file, sizeOf(file), true});
+}
+
+std::vector<Source> sourcesOf(std::span<const fs::path> files) {
+  std::vector<Source> sources;
+  for (const fs::path& file : files) {
+    std::error_code unknown;
+    if (fs::is_directory(file, unknown)) {
+      appendFolder(file, sources);
+    } else {
+      sources.push_back({file, sizeOf(file), false});
+    }
+  }
+  if (sources.empty()) throw ImportError({{}, 0, {}}, "no file to import is given");
+  return sources;
+}
+
+class Reading {
+ public:
+  Reading(std::vector<Source> sources, const Options& options, const Progress& progress)
+      : sources_(std::move(sources)), options_(options), progress_(progress), assembler_(table_.samples) {
+    for (const Source& source : sources_) {
+      total_ += source.size;
+      ++filesOfSize_[source.size];
+    }
+  }
+
+  PeakTable run() {
+    for (const Source& source : sources_) {
+      readOne(source);
+      done_ += source.size;
+      tell(0);
+    }
+    if (filesRead_ == 0)
+      throw ImportError({sources_.front().file.parent_path(), 0, {}}, "no peak table in the folder");
+    table_.report.ladder = options_.ladder ? std::nullopt : proposeLadder(table_.samples);
+    return std::move(table_);
+  }
+
+ private:
+  void readOne(const Source& source) {
+    FileReport report;
+    report.file = source.file;
+    if (source.ofFolder && source.size == 0) {
+      report.form = "empty file, passed over";
+    } else {
+      readTable(source, report);
+    }
+    table_.report.files.push_back(std::move(report));
+  }
+
+  void readTable(const Source& source, FileReport& report) {
+    if (const fs::path* twin = sameContent(source)) {
+      report.form = "same content as another file";
+      report.notes.push_back(fmt::format("the same content as {}; read once", twin->string()));
+      return;
+    }
+    TextStream text(source.file);
+    std::string_view piece;
+    Form form;
+    try {
+      piece = text.next();
+      form = recogniseForm(piece, source.file);
+    } catch (const ImportError& error) {
+      if (!source.ofFolder) throw;
+      report.form = "no peak table, passed over";
+      report.notes.push_back(error.message);
+      return;
+    }
+    // A spreadsheet's cell may go on over a line's end, and then over a piece's.
+    if (form.separator != '\t') piece = text.joinRest();
+    readRows(source, form, text, piece, report);
+    report.form = fmt::format("{}, {}", form.describe(), text.encodingName());
+  }
+
+  void readRows(const Source& source, const Form& form, TextStream& text, std::string_view piece,
+                FileReport& report) {
+    const std::size_t before = table_.samples.size();
+    assembler_.beginFile(source.file, report);
+    RowReader reader(form, source.file, options_.ladder, assembler_, report);
+    piece.remove_prefix(form.firstRowOffset);
+    do {
+      reader.read(piece);
+      tell(text.bytesDone());
+      piece = text.next();
+    } while (!piece.empty());
+    if (report.rows == 0) throw ImportError({source.file, 0, {}}, "has a header but no rows");
+    assembler_.endFile();
+    report.samples = table_.samples.size() - before;
+    ++filesRead_;
+  }
+
+  /// The file read earlier that has the same bytes. Only files of equal size are compared at all.
+  const fs::path* sameContent(const Source& source) {
+    if (source.size == 0 || filesOfSize_[source.size] < 2) return nullptr;
+    const auto [at, isNew] = contents_.try_emplace({source.size, contentHash(source.file)}, source.file);
+    return isNew ? nullptr : &at->second;
+  }
+
+  void tell(std::uint64_t bytesOfFile) {
+    if (progress_) progress_(std::min(done_ + bytesOfFile, total_), total_);
+  }
+
+  std::vector<Source> sources_;
+  const Options& options_;
+  const Progress& progress_;
+  PeakTable table_;
+  SampleAssembler assembler_;
+  std::map<std::uint64_t, std::size_t> filesOfSize_;
+  std::map<std::pair<std::uint64_t, std::uint64_t>, fs::path> contents_;
+  std::uint64_t done_ = 0;
+  std::uint64_t total_ = 0;
+  std::size_t filesRead_ = 0;
+};
+
+}  // namespace
+
+PeakTable readFiles(std::span<const fs::path> files, const Options& options, const Progress& progress) {
+  return Reading(sourcesOf(files), options, progress).run();
+}
+
+}  // namespace banddesk::host::import

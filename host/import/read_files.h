@@ -1,0 +1,30 @@
+// Reads peak tables from files: the one entry of the import room. It fills no study; that is for who calls
+// it.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <span>
+
+#include "host/import/import_error.h"
+#include "host/import/peak_table.h"
+
+namespace banddesk::host::import {
+
+struct Options {
+  /// The size standard's dye: its rows are counted and left out. Without it all dyes are read.
+  std::optional<Dye> ladder;
+};
+
+/// Told how many bytes of how many are done. An exception thrown from it ends the reading and passes through.
+using Progress = std::function<void(std::uint64_t done, std::uint64_t total)>;
+
+/// Reads the files in their order into one table. A folder stands for its files in the order of their names,
+/// without hidden ones; what is no peak table in a folder is noted and passed over. Throws ImportError;
+/// nothing is handed out then.
+PeakTable readFiles(std::span<const std::filesystem::path> files, const Options& options = {},
+                    const Progress& progress = {});
+
+}  // namespace banddesk::host::import
