@@ -1,0 +1,47 @@
+// The plug-in's component as the host reaches it: its four entry points, from a shared library or linked in,
+// and the objects that its class objects make.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "plugin/banddesk.h"
+
+namespace banddesk::host {
+
+// The component's file as it stands beside the executable.
+inline constexpr const char* kComponentFile = "libbanddesk_plugin.so";
+
+struct ComponentEntries {
+  decltype(&DllRegisterServer) registerServer = nullptr;
+  decltype(&DllUnregisterServer) unregisterServer = nullptr;
+  decltype(&DllGetClassObject) getClassObject = nullptr;
+  decltype(&DllCanUnloadNow) canUnloadNow = nullptr;
+};
+
+// The path of a file in the folder of the running executable.
+std::string besideExecutable(const std::string& fileName);
+
+// Loads the shared library for good: errors that it raised outlive every call into it. Error 76 when there is
+// no such file, 429 when it is no component; the message names the file and the cause.
+ComponentEntries loadEntries(const std::string& path);
+
+class Component final {
+ public:
+  // Registers the component; `services` outlive it and all objects that it makes.
+  Component(const ComponentEntries& entries, HostServices& services);
+
+  const std::vector<std::string>& classNames() const { return classNames_; }
+  // Error 429 when the component does not know the class or was built for another host.
+  ObjectRef create(const std::string& className) const;
+  // Whether none of its objects lives any more.
+  bool isIdle() const { return entries_.canUnloadNow() == kEntryOk; }
+
+ private:
+  ComponentEntries entries_;
+  HostServices& services_;
+  std::vector<std::string> classNames_;
+};
+
+}  // namespace banddesk::host

@@ -1,0 +1,165 @@
+#include "host/framework/host.h"
+
+#include <fmt/format.h>
+#include <utility>
+
+#include "host/binning/gap_bin_calculator.h"
+
+namespace banddesk::host {
+
+Host::Host(HostSettings settings)
+    : settings_(std::move(settings)),
+      framework_(faults_, settings_.applicationPath),
+      platform_(faults_, settings_.codeSet, settings_.decimalSeparator),
+      progress_(faults_),
+      gridUtilities_(faults_),
+      reporting_(std::make_shared<HostReportingService>(faults_)),
+      registry_(faults_, reporting_),
+      objects_(faults_, hooks_),
+      studyService_(faults_, objects_),
+      explorer_(faults_, registry_.itemDefinition()),
+      pages_(faults_) {
+  hooks_.open = [this](const std::shared_ptr<AFLP>& analysis, bool show) {
+    return openAnalysis(analysis, show);
+  };
+  if (!settings_.makeBinCalculator) {
+    settings_.makeBinCalculator = [] { return std::make_shared<GapBinCalculator>(); };
+  }
+}
+
+Host::~Host() {
+  faults_.disarm();
+  while (!pages_.openPages().empty() || studyService_.isOpen()) {
+    // Each round takes one page or the study away, whatever fails meanwhile; nobody is left to be told.
+    try {
+      closeStudy();
+    } catch (const Error&) {
+      continue;
+    }
+  }
+  explorer_.tree().clear(true);
+  folder_.reset();
+  serviceBase_.reset();
+  service_.reset();
+  componentState_.reset();
+}
+
+void Host::loadComponent(const std::string& path) { useComponent(loadEntries(path)); }
+
+void Host::useComponent(const ComponentEntries& entries) {
+  if (component_) raise(ErrorNumber::InvalidArgument, "Host", "A component is in use already.");
+  component_.emplace(entries, *this);
+  pages_.setComponent(&*component_);
+  service_ = cast<IAFLPService>(component_->create("AFLPService"), "AFLPService");
+  serviceBase_ = service_->Service();
+  required(serviceBase_, "ServiceBase").Initialize.raise();
+  if (!settings_.hasFolder) return;
+  folder_ = cast<IAFLPExplorerFolder>(component_->create("AFLPExplorerFolder"), "AFLPExplorerFolder");
+  explorer_.tree().setFolder(folder_);
+}
+
+const Component& Host::component() const {
+  if (!component_) raise(ErrorNumber::ObjectNotSet, "Host", "There is no component.");
+  return *component_;
+}
+
+void Host::openStudy(std::shared_ptr<Store> store) {
+  closeStudy();
+  studyService_.open(std::move(store));
+  explorer_.tree().initialize();
+}
+
+void Host::closeStudy() {
+  pages_.endAll();
+  studyService_.close();
+  reporting_->clear();
+  explorer_.tree().clear();
+}
+
+std::vector<std::string> Host::unsaved() { return unsavedItems(serviceBase()); }
+
+SaveOutcome Host::save(const SaveChoice& choose) { return saveStudy(serviceBase(), pages_, choose); }
+
+void Host::runNewAnalysis() {
+  if (serviceBase().Commands.Item(kNewAnalysisCommand)->Enabled) service().NewAFLP();
+}
+
+void Host::runCommand(const std::shared_ptr<IExplorerItemAccess>& item, const std::string& command) {
+  const auto wanted = cast<IAFLPExplorerItem>(item, "AFLPExplorerItem");
+  if (command == "OpenAFLP") {
+    wanted->OpenAFLP();
+  } else if (command == "RenameAFLP") {
+    wanted->RenameAFLP();
+  } else if (command == "DeleteAFLP") {
+    wanted->DeleteAFLP();
+  } else if (command == "NewReport") {
+    wanted->NewReport();
+  } else {
+    raise(ErrorNumber::InvalidArgument, "Host", fmt::format("There is no command {}.", command));
+  }
+}
+
+IAFLPService& Host::service() const { return required(service_, "AFLPService"); }
+
+ServiceBase& Host::serviceBase() const { return required(serviceBase_, "ServiceBase"); }
+
+std::shared_ptr<ServiceBase> Host::NewServiceBase() {
+  faults_.check("HostServices", "NewServiceBase");
+  return makeServiceBase(faults_);
+}
+
+std::shared_ptr<ExplorerItemBase> Host::NewExplorerItemBase() {
+  faults_.check("HostServices", "NewExplorerItemBase");
+  return std::make_shared<HostExplorerItemBase>(faults_);
+}
+
+std::shared_ptr<PageBase> Host::NewPageBase() {
+  faults_.check("HostServices", "NewPageBase");
+  return std::make_shared<HostPageBase>(faults_, platform_);
+}
+
+std::shared_ptr<Grid> Host::NewGrid(const std::string& name) {
+  faults_.check("HostServices", "NewGrid");
+  if (!settings_.makeGrid) raise(ErrorNumber::NotFoundInRegistry, "Host", "The host has no grids.");
+  return settings_.makeGrid(name);
+}
+
+std::shared_ptr<BinCalculator> Host::NewBinCalculator() {
+  faults_.check("HostServices", "NewBinCalculator");
+  return settings_.makeBinCalculator();
+}
+
+banddesk::ServiceRegistry& Host::ServiceRegistry() {
+  faults_.check("Application", "ServiceRegistry");
+  return registry_.registry();
+}
+
+banddesk::PageManager& Host::PageManager() {
+  faults_.check("Application", "PageManager");
+  return pages_;
+}
+
+banddesk::Explorer& Host::Explorer() {
+  faults_.check("Application", "Explorer");
+  return explorer_;
+}
+
+banddesk::Progress& Host::Progress() {
+  faults_.check("Application", "Progress");
+  return progress_;
+}
+
+// An open page of an analysis that is to be redone has the old results: what it holds goes into the analysis
+// if it can, and the page is made anew.
+ObjectRef Host::openAnalysis(const std::shared_ptr<AFLP>& analysis, bool show) {
+  if (const auto open = pages_.find("AFLP", analysis); open && analysis->IsPending) {
+    if (!pages_.end(open, true)) pages_.end(open, false);
+  }
+  const auto page =
+      pages_.OpenPage("AFLP", analysis, nullptr, true, true, true, true, true, true, nullptr, true, 0);
+  page->SetCaption("AFLP - " + analysis->Name.get());
+  if (show) page->Show();
+  return page;
+}
+
+}  // namespace banddesk::host

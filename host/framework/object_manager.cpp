@@ -1,0 +1,103 @@
+#include "host/framework/object_manager.h"
+
+#include <fmt/format.h>
+#include <utility>
+
+#include "host/store/snapshot.h"
+
+namespace banddesk::host {
+
+void HostObjectManager::attach(std::shared_ptr<Store> store, std::shared_ptr<Study> study) {
+  store_ = std::move(store);
+  study_ = std::move(study);
+  study_->setGuard(nullptr);
+  for (auto& analysis : loadAll()) study_->AFLPs.Add(std::move(analysis));
+  study_->setGuard(&faults_);
+  study_->Persistent().IsDirty = false;
+}
+
+void HostObjectManager::detach() {
+  for (const auto& each : std::exchange(analyses_, {})) {
+    if (const auto analysis = each.lock()) analysis->leaveStudy();
+  }
+  study_.reset();
+  store_.reset();
+}
+
+std::shared_ptr<PersistentObject> HostObjectManager::Create(const std::string& typeName) {
+  faults_.check("ObjectManager", "Create");
+  std::shared_ptr<PersistentObject> object;
+  if (typeName == "AFLP") {
+    const auto analysis = makeAnalysis(required(store_, "Study").newAnalysisId());
+    fillNewLayouts(*analysis);
+    visitOwned(*analysis, [&](PersistentObject& owned) { owned.setGuard(&faults_); });
+    object = analysis;
+  } else if (typeName == "GridColumn") {
+    object = std::make_shared<GridColumn>();
+  } else if (typeName == "AFLPBin") {
+    object = std::make_shared<AFLPBin>();
+  } else {
+    raise(ErrorNumber::NotFoundInRegistry, "ObjectManager",
+          fmt::format("There is no type {} of persistent objects.", typeName));
+  }
+  object->setGuard(&faults_);
+  return object;
+}
+
+std::vector<std::shared_ptr<PersistentObject>> HostObjectManager::Query(const std::string& what,
+                                                                        const std::string&,
+                                                                        const std::string&,
+                                                                        const std::string&, bool, bool) {
+  faults_.check("ObjectManager", "Query");
+  if (what != "AFLPs") {
+    raise(ErrorNumber::InvalidArgument, "ObjectManager", fmt::format("{} cannot be queried.", what));
+  }
+  const auto analyses = loadAll();
+  return {analyses.begin(), analyses.end()};
+}
+
+void HostObjectManager::Save(const std::shared_ptr<PersistentObject>& object, bool) {
+  faults_.check("ObjectManager", "Save");
+  const auto analysis = cast<AFLP>(object, "AFLP");
+  required(store_, "Study").writeAnalysis(snapshotOf(*analysis));
+  settle(*analysis);
+}
+
+void HostObjectManager::Delete(const std::shared_ptr<PersistentObject>& object) {
+  faults_.check("ObjectManager", "Delete");
+  const auto analysis = cast<AFLP>(object, "AFLP");
+  required(store_, "Study").removeAnalysis(analysis->ID());
+}
+
+std::shared_ptr<HostAFLP> HostObjectManager::makeAnalysis(std::int32_t id) {
+  auto analysis = std::make_shared<HostAFLP>(id, hooks_);
+  std::erase_if(analyses_, [](const auto& each) { return each.expired(); });
+  analyses_.push_back(analysis);
+  return analysis;
+}
+
+std::vector<std::shared_ptr<HostAFLP>> HostObjectManager::loadAll() {
+  std::vector<std::shared_ptr<HostAFLP>> analyses;
+  for (const std::int32_t id : required(store_, "Study").analysisIds()) analyses.push_back(load(id));
+  return analyses;
+}
+
+std::shared_ptr<HostAFLP> HostObjectManager::load(std::int32_t id) {
+  for (const auto& each : analyses_) {
+    if (auto analysis = each.lock(); analysis && analysis->ID() == id) return analysis;
+  }
+  auto analysis = makeAnalysis(id);
+  analysis->Study = study_;
+  restore(store_->readAnalysis(id), *analysis);
+  settle(*analysis);
+  return analysis;
+}
+
+void HostObjectManager::settle(AFLP& analysis) {
+  visitOwned(analysis, [&](PersistentObject& owned) {
+    owned.Persistent() = {.IsNew = false, .IsDirty = false};
+    owned.setGuard(&faults_);
+  });
+}
+
+}  // namespace banddesk::host

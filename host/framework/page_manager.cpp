@@ -1,0 +1,156 @@
+#include "host/framework/page_manager.h"
+
+#include <algorithm>
+#include <array>
+#include <exception>
+#include <fmt/format.h>
+
+#include "plugin/base/text.h"
+
+namespace banddesk::host {
+namespace {
+
+struct PageDefinition {
+  const char* name;
+  const char* caption;
+  const char* className;  // of the component; null for a page of the host's own
+  bool isModal;
+};
+
+constexpr std::array<PageDefinition, 7> kDefinitions = {{
+    {"AFLPParams", "New AFLP Analysis", "AFLPParamsPage", false},
+    {"AFLP", "AFLP", "AFLPResultsPage", false},
+    {"ColumnSelector", "Select Columns", nullptr, true},
+    {"ColumnSort", "Sort Columns", nullptr, true},
+    {"SingleSample", "Single Result", nullptr, false},
+    {"OverlayGraphView", "Overlay Graph", nullptr, false},
+    {"StackedView", "Stacked Graph", nullptr, false},
+}};
+
+const PageDefinition& definitionOf(const std::string& name) {
+  const auto* const found = std::ranges::find_if(
+      kDefinitions, [&](const PageDefinition& each) { return equalsIgnoringCase(each.name, name); });
+  if (found == kDefinitions.end()) {
+    raise(ErrorNumber::NotFoundInRegistry, "PageManager", fmt::format("There is no page {}.", name));
+  }
+  return *found;
+}
+
+// Runs a step of an end that must go on to the next step; the first failure is kept.
+template <class Step>
+void keepGoing(std::exception_ptr& failure, Step step) {
+  try {
+    step();
+  } catch (...) {
+    if (!failure) failure = std::current_exception();
+  }
+}
+
+}  // namespace
+
+std::shared_ptr<banddesk::Page> HostPageManager::OpenPage(const std::string& name, const ObjectRef& bound,
+                                                          PageOwner* owner, bool, bool, bool, bool, bool,
+                                                          bool, const char*, bool hidden, std::int32_t) {
+  faults_.check("PageManager", "OpenPage");
+  const PageDefinition& definition = definitionOf(name);
+  if (definition.className != nullptr) {
+    if (const auto open = find(definition.name, bound)) {
+      if (!hidden) open->Show();
+      return open;
+    }
+  }
+  auto page = std::make_shared<HostPage>(faults_, watch, definition.name, definition.caption, bound, owner);
+  if (definition.isModal) {
+    const bool accepted = runModal(*page);
+    page->owner().raiseExit(*page, !accepted);
+    return page;
+  }
+  if (definition.className != nullptr) start(*page, definition.className);
+  pages_.push_back(page);
+  if (!hidden) page->Show();
+  return page;
+}
+
+void HostPageManager::start(HostPage& page, const char* className) {
+  auto control = cast<IPageControl>(required(component_, "Component").create(className), className);
+  control->UserControl_Initialize();
+  auto base = cast<HostPageBase>(control->Page(), "PageBase");
+  page.hold(control, base);
+  base->setInitializing(true);
+  std::exception_ptr failure;
+  keepGoing(failure, [&] { base->Initialize.raise(); });
+  base->setInitializing(false);
+  if (!failure) return;
+  // It may have told others of itself before it failed.
+  std::exception_ptr ignored;
+  keepGoing(ignored, [&] { base->Terminate.raise(); });
+  page.hold();
+  std::rethrow_exception(failure);
+}
+
+bool HostPageManager::runModal(const HostPage& page) const {
+  const auto layout = cast<GridLayout>(page.bound(), "GridLayout");
+  const auto run = [&]<class Draft>(Draft draft, const std::function<bool(Draft&)>& user) {
+    if (!user || !user(draft)) return false;
+    draft.accept();
+    return true;
+  };
+  return page.DefinitionName() == "ColumnSelector" ? run(ColumnSelection(*layout), selectColumns)
+                                                   : run(ColumnSorting(*layout), sortColumns);
+}
+
+bool HostPageManager::validate(HostPage& page) const {
+  bool isValid = true;
+  if (page.base()) page.base()->Validate.raise(isValid);
+  return isValid;
+}
+
+bool HostPageManager::end(const std::shared_ptr<HostPage>& page, bool accept) {
+  if (std::ranges::find(pages_, page) == pages_.end()) return true;
+  if (accept && page->base()) {
+    if (!validate(*page)) return false;
+    page->base()->Save.raise();
+  }
+  // Out of the list first: what its owner opens in answer must not find it.
+  std::erase(pages_, page);
+  std::exception_ptr failure;
+  keepGoing(failure, [&] { page->owner().raiseExit(*page, !accept); });
+  if (page->base()) keepGoing(failure, [&] { page->base()->Terminate.raise(); });
+  if (watch.onEnd) keepGoing(failure, [&] { watch.onEnd(*page); });
+  page->hold();
+  if (failure) std::rethrow_exception(failure);
+  return true;
+}
+
+void HostPageManager::endAll() {
+  while (!pages_.empty()) end(pages_.back(), false);
+}
+
+void HostPageManager::userEvent(const HostPage& page, const std::function<void()>& action) const {
+  markIfPersistent(page.bound());
+  action();
+}
+
+bool HostPageManager::fireTimers() const {
+  bool fired = false;
+  const auto open = pages_;
+  for (const auto& page : open) {
+    if (!page->control()) continue;
+    for (ui::Control* control : page->control()->Controls().all()) {
+      auto* timer = dynamic_cast<ui::Timer*>(control);
+      if (timer == nullptr || !timer->Enabled) continue;
+      timer->fire();
+      fired = true;
+    }
+  }
+  return fired;
+}
+
+std::shared_ptr<HostPage> HostPageManager::find(std::string_view name, const ObjectRef& bound) const {
+  for (const auto& page : pages_) {
+    if (equalsIgnoringCase(page->DefinitionName(), name) && page->bound() == bound) return page;
+  }
+  return nullptr;
+}
+
+}  // namespace banddesk::host

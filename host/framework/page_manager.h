@@ -1,0 +1,64 @@
+// Opens and ends pages. The plug-in's pages are made by name from its component; the column pages run
+// modally and are over when OpenPage returns; the views of results are the host's own.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/framework/column_pages.h"
+#include "host/framework/component.h"
+#include "host/framework/pages.h"
+#include "host/study/fault_injector.h"
+#include "plugin/shell/host_contract.h"
+
+namespace banddesk::host {
+
+class HostPageManager final : public PageManager {
+ public:
+  explicit HostPageManager(FaultInjector& faults) : faults_(faults) {}
+
+  // The component that makes the pages; it outlives them.
+  void setComponent(const Component* component) { component_ = component; }
+
+  // A page of the plug-in that is open for the object already is shown again instead of opened twice. A page
+  // whose initialisation fails is terminated, and the error goes to the caller.
+  std::shared_ptr<banddesk::Page> OpenPage(const std::string& name, const ObjectRef& bound, PageOwner* owner,
+                                           bool, bool, bool, bool, bool, bool, const char*, bool hidden,
+                                           std::int32_t) override;
+
+  // Ends a page. To accept it, it must be valid, and is saved into its object first; an invalid one stays
+  // open and the answer is false. Then the owner hears OnExit, and the page Terminate.
+  bool end(const std::shared_ptr<HostPage>& page, bool accept);
+  void endAll();  // cancelled, the latest first
+
+  bool validate(HostPage& page) const;
+
+  // The user does something to a page, by way of `action`. The page may take it over into its object only
+  // when it is saved, so the object counts as changed from now on.
+  void userEvent(const HostPage& page, const std::function<void()>& action) const;
+
+  // Lets the time of all running timers of the open pages pass; false if none was running.
+  bool fireTimers() const;
+
+  const std::vector<std::shared_ptr<HostPage>>& openPages() const { return pages_; }
+  // Null if there is none.
+  std::shared_ptr<HostPage> find(std::string_view name, const ObjectRef& bound) const;
+
+  PageWatch watch;
+  // The user's work on a column page: true accepts the draft. Absent: cancelled.
+  std::function<bool(ColumnSelection&)> selectColumns;
+  std::function<bool(ColumnSorting&)> sortColumns;
+
+ private:
+  void start(HostPage& page, const char* className);
+  bool runModal(const HostPage& page) const;
+
+  FaultInjector& faults_;
+  const Component* component_ = nullptr;
+  std::vector<std::shared_ptr<HostPage>> pages_;
+};
+
+}  // namespace banddesk::host

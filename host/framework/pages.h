@@ -1,0 +1,117 @@
+// A page as the host holds it, and the helper inside it that the plug-in's page makes. Opening and ending
+// pages is the page manager's work.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "host/framework/platform.h"
+#include "host/study/fault_injector.h"
+#include "plugin/banddesk.h"
+
+namespace banddesk::host {
+
+// Marks an owner of pages whose end can be noticed.
+class LivingOwner {
+ public:
+  std::weak_ptr<void> life() const { return life_; }
+
+ protected:
+  ~LivingOwner() = default;
+
+ private:
+  std::shared_ptr<void> life_ = std::make_shared<char>();
+};
+
+// The owner of an open page, who may be gone when the page ends.
+class OwnerLink {
+ public:
+  explicit OwnerLink(PageOwner* owner);
+  void raiseExit(Page& page, bool cancelled) const;
+
+ private:
+  PageOwner* owner_;
+  bool isLiving_ = false;  // else it must outlive the page
+  std::weak_ptr<void> life_;
+};
+
+class HostPage;
+
+class HostPageBase final : public PageBase, public LivingOwner {
+ public:
+  HostPageBase(FaultInjector& faults, HostPlatform& platform) : faults_(faults), platform_(platform) {}
+
+  std::string Caption() const override;
+  void SetCaption(const std::string& caption) override;
+  ObjectRef BoundObject() const override;  // null before it is bound
+  // Nothing while the page is being initialised: what a page shows at first is no change.
+  void MarkChanged() override;
+  void ShowHelp(std::int32_t command, std::int32_t data) override;
+
+  // Null unbinds. A bound page outlives its binding.
+  void bind(HostPage* page) { page_ = page; }
+  void setInitializing(bool initializing) { isInitializing_ = initializing; }
+
+ private:
+  HostPage& page() const;
+
+  FaultInjector& faults_;
+  HostPlatform& platform_;
+  HostPage* page_ = nullptr;
+  bool isInitializing_ = false;
+};
+
+// Told of what happens to pages, by whoever shows them.
+struct PageWatch {
+  std::function<void(HostPage&)> onShow;
+  std::function<void(HostPage&)> onEnd;
+  std::function<void(HostPage&)> onChange;  // caption or view index
+};
+
+class HostPage final : public Page {
+ public:
+  HostPage(FaultInjector& faults, const PageWatch& watch, std::string definitionName, std::string caption,
+           ObjectRef bound, PageOwner* owner)
+      : faults_(faults),
+        watch_(watch),
+        definitionName_(std::move(definitionName)),
+        caption_(std::move(caption)),
+        bound_(std::move(bound)),
+        owner_(owner) {}
+
+  const std::string& DefinitionName() const override { return definitionName_; }
+  ObjectRef BoundObject() const override;
+  std::string Caption() const override { return caption_; }
+  void SetCaption(const std::string& caption) override;
+  void SetViewIndex(std::int16_t index) override;
+  void Show() override;
+
+  const ObjectRef& bound() const { return bound_; }
+  std::int16_t viewIndex() const { return viewIndex_; }
+  bool isShown() const { return isShown_; }
+  const OwnerLink& owner() const { return owner_; }
+  // The plug-in's page; null for a page of the host's own, and after the end.
+  const std::shared_ptr<IPageControl>& control() const { return control_; }
+  const std::shared_ptr<HostPageBase>& base() const { return base_; }
+
+  // Makes this the page of a control and its helper; without arguments it is the page of none again.
+  void hold(std::shared_ptr<IPageControl> control = nullptr, std::shared_ptr<HostPageBase> base = nullptr);
+
+ private:
+  FaultInjector& faults_;
+  const PageWatch& watch_;
+  std::string definitionName_;
+  std::string caption_;
+  ObjectRef bound_;
+  OwnerLink owner_;
+  std::int16_t viewIndex_ = 0;
+  bool isShown_ = false;
+  std::shared_ptr<IPageControl> control_;
+  std::shared_ptr<HostPageBase> base_;
+};
+
+// Marks the object changed if it is a persistent one.
+void markIfPersistent(const ObjectRef& object);
+
+}  // namespace banddesk::host

@@ -1,0 +1,88 @@
+// The platform under the pages. Its questions go to whoever sits in front: answers waiting in a queue are
+// taken first (tests), then the hook (a desktop, a command line), else the careful answer: OK, or Cancel
+// where there is a choice. What it is asked is kept for tests to see.
+#pragma once
+
+#include <deque>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "host/framework/text_files.h"
+#include "host/study/fault_injector.h"
+#include "plugin/ui/dialogs.h"
+#include "plugin/ui/platform.h"
+
+namespace banddesk::host {
+
+struct MessageShown {
+  std::string text;
+  std::int32_t style;
+  std::string title;
+};
+
+struct HelpShown {
+  std::string topic;
+  std::int32_t command;
+  std::int32_t data;
+};
+
+struct SaveAnswer {
+  std::string fileName;  // the full path
+  std::int32_t filterIndex = 1;
+};
+
+class HostPlatform final : public ui::Platform {
+ public:
+  HostPlatform(FaultInjector& faults, const std::string& codeSet, char decimalSeparator)
+      : faults_(faults), files_(faults, codeSet), decimalSeparator_(decimalSeparator) {}
+
+  ui::BoxAnswer MsgBox(const std::string& text, std::int32_t style, const std::string& title) override;
+  void Beep() override;
+  std::int32_t MousePointer() const override { return pointer_; }
+  void SetMousePointer(std::int32_t pointer) override;
+  void SetFocus(ui::Control& control) override;
+  bool ShowSave(ui::SaveDialog& dialog) override;
+  void RunModal(ui::Form& form) override;
+  void ShowPopup(ui::MenuItem& menu, ui::MenuItem* defaultItem) override;
+  void ShowHelp(const std::string& topic, std::int32_t command, std::int32_t data) override;
+  ui::TextFiles& Files() override { return files_; }
+  std::string JoinPath(const std::string& folder, const std::string& relative) override;
+  char DecimalSeparator() const override { return decimalSeparator_; }
+
+  // Answers for the next questions, the first one first. No save answer in its optional is a cancel.
+  std::deque<ui::BoxAnswer> boxAnswers;
+  std::deque<std::optional<SaveAnswer>> saveAnswers;
+  std::deque<std::function<void(ui::Form&)>> formAnswers;
+  std::deque<std::function<void(ui::MenuItem& menu, ui::MenuItem* defaultItem)>> popupAnswers;
+
+  // Who answers when no answer waits.
+  std::function<ui::BoxAnswer(const MessageShown&)> onMsgBox;
+  std::function<std::optional<SaveAnswer>(ui::SaveDialog&)> onShowSave;
+  std::function<void(ui::Form&)> onRunModal;
+  std::function<void(ui::MenuItem& menu, ui::MenuItem* defaultItem)> onShowPopup;
+  // Who is told.
+  std::function<void(const HelpShown&)> onShowHelp;
+  std::function<void()> onBeep;
+  std::function<void(std::int32_t pointer)> onMousePointer;
+  std::function<void(ui::Control&)> onSetFocus;
+
+  const std::vector<MessageShown>& messages() const { return messages_; }
+  const std::vector<HelpShown>& help() const { return help_; }
+  int beeps() const { return beeps_; }
+  // The control that was last given the focus by code, by its name; empty before.
+  const std::string& focus() const { return focus_; }
+
+ private:
+  FaultInjector& faults_;
+  DiskTextFiles files_;
+  char decimalSeparator_;
+  std::int32_t pointer_ = ui::kPointerDefault;
+  std::vector<MessageShown> messages_;
+  std::vector<HelpShown> help_;
+  int beeps_ = 0;
+  std::string focus_;
+};
+
+}  // namespace banddesk::host

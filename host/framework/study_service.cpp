@@ -1,0 +1,168 @@
+#include "host/framework/study_service.h"
+
+#include <algorithm>
+#include <exception>
+#include <fmt/format.h>
+#include <utility>
+
+#include "plugin/base/numbers.h"
+
+namespace banddesk::host {
+namespace {
+
+ResultRecord& resultIn(StudyRecord& record, std::int32_t resultId) {
+  const auto found = std::ranges::find(record.results, resultId, &ResultRecord::id);
+  if (found == record.results.end()) {
+    raise(ErrorNumber::InvalidArgument, "StudyService", fmt::format("The study has no result {}.", resultId));
+  }
+  return *found;
+}
+
+}  // namespace
+
+std::shared_ptr<banddesk::Study> HostStudyService::Study() {
+  faults_.check("StudyService", "Study");
+  return study_;
+}
+
+bool HostStudyService::IsStudyOpen() {
+  faults_.check("StudyService", "IsStudyOpen");
+  return isOpen_;
+}
+
+banddesk::Options& HostStudyService::Options() {
+  faults_.check("StudyService", "Options");
+  return options_;
+}
+
+std::int16_t HostStudyService::DisplayViewIndex() {
+  faults_.check("StudyService", "DisplayViewIndex");
+  return displayViewIndex;
+}
+
+// The stamp of an analysis that is to be redone becomes the study's: it will be of the present results.
+std::int32_t HostStudyService::CheckAnalysis(std::shared_ptr<AFLP>& analysis) {
+  constexpr std::int32_t kOpenAsStored = 1;
+  faults_.check("StudyService", "CheckAnalysis");
+  if (checkAnalysis) return checkAnalysis(analysis);
+  AFLP& checked = required(analysis, "AFLP");
+  const std::int32_t stamp = required(study_, "Study").ResultStamp;
+  if (checked.IsPending || checked.ResultStamp == stamp || !decideStale) return kOpenAsStored;
+  switch (decideStale(checked)) {
+    case StaleAnalysis::DoNotOpen:
+      return kDoNotOpen;
+    case StaleAnalysis::Redo:
+      checked.ResultStamp = stamp;
+      return kRedo;
+    case StaleAnalysis::OpenAsStored:
+      break;
+  }
+  return kOpenAsStored;
+}
+
+void HostStudyService::open(std::shared_ptr<Store> store) {
+  if (isOpen_) raise(ErrorNumber::InvalidArgument, "StudyService", "Another study is open.");
+  store_ = std::move(store);
+  try {
+    study_ = makeStudy(required(store_, "Store").readStudy(), store_, faults_);
+    objects_.attach(store_, study_);
+  } catch (const Error&) {
+    drop();
+    throw;
+  }
+  isOpen_ = true;
+  StudyOpened.raise(study_);
+}
+
+void HostStudyService::close() {
+  if (!isOpen_) return;
+  isOpen_ = false;
+  // The study goes even if a listener fails.
+  try {
+    StudyClosed.raise();
+  } catch (const Error&) {
+    drop();
+    throw;
+  }
+  drop();
+}
+
+void HostStudyService::drop() {
+  objects_.detach();
+  study_.reset();
+  store_.reset();
+}
+
+void HostStudyService::changeResults(const std::function<void(StudyRecord&)>& changeRecord,
+                                     const std::function<void(banddesk::Study&)>& changeObjects) {
+  const std::shared_ptr<banddesk::Study> study = study_;
+  StudyRecord record = recordOf(required(study, "Study"));
+  ++record.resultStamp;
+  changeRecord(record);
+  changeObjects(*study);
+  study->ResultStamp = record.resultStamp;
+  study->Persistent().IsDirty = false;
+  study->ResultChanged.raise();
+}
+
+void HostStudyService::addResults(const std::vector<NewResult>& results) {
+  std::vector<ResultRecord> added;
+  std::array<DyeRecord, kDyeCount> before{};
+  std::array<DyeRecord, kDyeCount> after{};
+  changeResults(
+      [&](StudyRecord& record) {
+        before = record.dyes;
+        showDyesOf(results, record.dyes);
+        after = record.dyes;
+        added = store_->addResults(record, results);
+      },
+      [&](banddesk::Study& study) {
+        for (const ResultRecord& record : added) study.Results.Add(makeResult(record, store_, faults_));
+      });
+  for (std::size_t i = 0; i < kDyeCount; ++i) {
+    if (before[i] == after[i]) continue;
+    Dye& dye = *study_->Dyes.Item(integerText(static_cast<std::int64_t>(i)));
+    dye.Visible = after[i].isVisible;
+    study_->DyeVisibibilityChanged.raise(dye);
+  }
+}
+
+void HostStudyService::setResultExcluded(std::int32_t resultId, bool isExcluded) {
+  changeResults(
+      [&](StudyRecord& record) {
+        resultIn(record, resultId).isExcluded = isExcluded;
+        store_->writeStudy(record);
+      },
+      [&](banddesk::Study& study) { study.Results.Item(integerText(resultId))->IsExcluded = isExcluded; });
+}
+
+void HostStudyService::deleteResult(std::int32_t resultId) {
+  changeResults(
+      [&](StudyRecord& record) {
+        resultIn(record, resultId).isDeleted = true;
+        store_->writeStudy(record);
+      },
+      [&](banddesk::Study& study) { study.Results.Item(integerText(resultId))->IsDeleted = true; });
+}
+
+void HostStudyService::changeDye(std::int32_t dye, const std::function<void(DyeRecord&)>& change) {
+  const std::shared_ptr<banddesk::Study> study = study_;
+  const std::shared_ptr<Dye> wanted = required(study, "Study").Dyes.Item(integerText(dye));
+  StudyRecord record = recordOf(*study);
+  DyeRecord& changed = record.dyes[static_cast<std::size_t>(dye)];
+  change(changed);
+  store_->writeStudy(record);
+  wanted->Color = changed.color;
+  wanted->Visible = changed.isVisible;
+  study->DyeVisibibilityChanged.raise(*wanted);
+}
+
+void HostStudyService::setDyeColor(std::int32_t dye, Colour color) {
+  changeDye(dye, [&](DyeRecord& record) { record.color = color; });
+}
+
+void HostStudyService::setDyeVisible(std::int32_t dye, bool isVisible) {
+  changeDye(dye, [&](DyeRecord& record) { record.isVisible = isVisible; });
+}
+
+}  // namespace banddesk::host

@@ -1,0 +1,66 @@
+// The study that is open, and what is done to it: opening and closing, results coming, excluded and deleted,
+// dyes shown and coloured. Each change is in the store before the objects tell of it.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "host/framework/object_manager.h"
+#include "host/framework/services.h"
+#include "host/store/store.h"
+#include "host/study/fault_injector.h"
+#include "plugin/shell/host_contract.h"
+
+namespace banddesk::host {
+
+enum class StaleAnalysis { DoNotOpen, OpenAsStored, Redo };
+
+class HostStudyService final : public StudyService {
+ public:
+  HostStudyService(FaultInjector& faults, HostObjectManager& objects)
+      : faults_(faults), objects_(objects), options_(faults) {}
+
+  std::shared_ptr<banddesk::Study> Study() override;
+  bool IsStudyOpen() override;
+  banddesk::Options& Options() override;
+  std::int16_t DisplayViewIndex() override;
+  std::int32_t CheckAnalysis(std::shared_ptr<AFLP>& analysis) override;
+
+  // Error 5 while another study is open.
+  void open(std::shared_ptr<Store> store);
+  // Nothing while none is open.
+  void close();
+  bool isOpen() const { return isOpen_; }
+
+  // The following need an open study (error 91).
+  void addResults(const std::vector<NewResult>& results);
+  void setResultExcluded(std::int32_t resultId, bool isExcluded);
+  void deleteResult(std::int32_t resultId);
+  void setDyeColor(std::int32_t dye, Colour color);
+  void setDyeVisible(std::int32_t dye, bool isVisible);
+
+  HostOptions& options() { return options_; }
+  std::int16_t displayViewIndex = 0;
+
+  // Asked when the study's results have changed since an analysis was made; absent: opened as stored.
+  std::function<StaleAnalysis(const AFLP&)> decideStale;
+  // Takes the place of the whole check.
+  std::function<std::int32_t(std::shared_ptr<AFLP>&)> checkAnalysis;
+
+ private:
+  void drop();
+  void changeResults(const std::function<void(StudyRecord&)>& changeRecord,
+                     const std::function<void(banddesk::Study&)>& changeObjects);
+  void changeDye(std::int32_t dye, const std::function<void(DyeRecord&)>& change);
+
+  FaultInjector& faults_;
+  HostObjectManager& objects_;
+  HostOptions options_;
+  std::shared_ptr<Store> store_;
+  std::shared_ptr<banddesk::Study> study_;
+  bool isOpen_ = false;
+};
+
+}  // namespace banddesk::host

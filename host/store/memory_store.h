@@ -1,0 +1,40 @@
+// A study in memory. It lives as long as somebody holds it, so a study can be closed and opened again from
+// it.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "host/store/store.h"
+
+namespace banddesk::host {
+
+class MemoryStore final : public Store {
+ public:
+  // Dyes without fragments are not visible. The results get the ids 1, 2, 3 and so on.
+  explicit MemoryStore(std::string studyName, std::vector<NewResult> results = {});
+
+  std::shared_ptr<const SampleFragments> readFragments(std::int32_t resultId) override;
+  StudyRecord readStudy() override { return record_; }
+  void writeStudy(const StudyRecord& record) override;
+  std::vector<ResultRecord> addResults(const StudyRecord& record,
+                                       const std::vector<NewResult>& results) override;
+  std::int32_t newAnalysisId() override { return ++lastAnalysisId_; }
+  std::vector<std::int32_t> analysisIds() override;
+  AnalysisSnapshot readAnalysis(std::int32_t id) override;
+  void writeAnalysis(const AnalysisSnapshot& snapshot) override;
+  void removeAnalysis(std::int32_t id) override;
+
+ private:
+  ResultRecord addResult(std::string sampleName, SampleFragments fragments);
+
+  StudyRecord record_;
+  std::unordered_map<std::int32_t, std::shared_ptr<const SampleFragments>> fragments_;  // by result id
+  std::vector<AnalysisSnapshot> analyses_;
+  std::int32_t lastResultId_ = 0;
+  std::int32_t lastAnalysisId_ = 0;
+};
+
+}  // namespace banddesk::host

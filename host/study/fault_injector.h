@@ -1,0 +1,66 @@
+// The one seam at which failures are injected: the host's methods, the collections and the puts of persistent
+// objects all ask here before they act. Nothing fails and nothing is kept unless a test arms it.
+#pragma once
+
+#include <optional>
+#include <set>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "plugin/base/collection.h"
+#include "plugin/base/error.h"
+#include "plugin/shell/persistent.h"
+
+namespace banddesk::host {
+
+class FaultInjector final : public AccessGuard {
+ public:
+  using Operation = std::pair<std::string, std::string>;  // type and member
+
+  // Raises the armed error when this is the call it waits for.
+  void check(std::string_view type, std::string_view member) override {
+    if (isActive_) checkActive(type, member);
+  }
+
+  // The `call`-th use of the operation from now on (1 is the next one) fails, once, with `error`.
+  void failAt(std::string type, std::string member, int call, Error error);
+  // Whether the armed failure has come to pass.
+  bool hasFailed() const { return hasFailed_; }
+  void disarm();
+
+  // From now on notes every operation that is used.
+  void startRecording();
+  const std::set<Operation>& recorded() const { return recorded_; }
+
+ private:
+  struct Armed {
+    std::string type;
+    std::string member;
+    int callsLeft;
+    Error error;
+  };
+
+  void checkActive(std::string_view type, std::string_view member);
+
+  bool isActive_ = false;
+  bool isRecording_ = false;
+  bool hasFailed_ = false;
+  std::optional<Armed> armed_;
+  std::set<Operation> recorded_;
+};
+
+// Puts a plain collection of the host under the same seam.
+class GuardedCollection final : public CollectionObserver {
+ public:
+  // `name` is a literal.
+  GuardedCollection(FaultInjector& faults, const char* name) : faults_(faults), name_(name) {}
+  void beforeAccess(const char* operation) override { faults_.check(name_, operation); }
+  void afterChange() override {}
+
+ private:
+  FaultInjector& faults_;
+  const char* name_;
+};
+
+}  // namespace banddesk::host

@@ -1,0 +1,16 @@
+#include "host/study/fragments.h"
+
+#include "plugin/base/error.h"
+#include "plugin/base/numbers.h"
+
+namespace banddesk::host {
+
+DyeFragments SampleFragments::OfDye(std::int16_t dye) const {
+  if (dye < 0 || static_cast<std::size_t>(dye) >= kDyeCount) {
+    raise(ErrorNumber::SubscriptOutOfRange, "Fragments", "There is no dye " + integerText(dye) + ".");
+  }
+  const Dye& wanted = dyes[static_cast<std::size_t>(dye)];
+  return {wanted.sizes, wanted.heights};
+}
+
+}  // namespace banddesk::host

@@ -1,0 +1,102 @@
+#include "host/study/study.h"
+
+#include "plugin/base/numbers.h"
+
+namespace banddesk::host {
+namespace {
+
+void settle(PersistentObject& object, FaultInjector& faults) {
+  object.Persistent() = {.IsNew = false, .IsDirty = false};
+  object.setGuard(&faults);
+}
+
+std::shared_ptr<Dye> makeDye(std::size_t index, const DyeRecord& record, FaultInjector& faults) {
+  auto dye = std::make_shared<Dye>();
+  dye->Index = static_cast<std::int32_t>(index);
+  dye->Color = record.color;
+  dye->Visible = record.isVisible;
+  settle(*dye, faults);
+  return dye;
+}
+
+}  // namespace
+
+// Light enough for black text on them: check boxes and cells carry these colours as their ground.
+std::array<DyeRecord, kDyeCount> defaultDyes() {
+  return {DyeRecord{0xFFA060, false}, DyeRecord{0x40C840, false}, DyeRecord{0x20D8F8, false},
+          DyeRecord{0x6060FF, false}};
+}
+
+void showDyesOf(const std::vector<NewResult>& results, std::array<DyeRecord, kDyeCount>& dyes) {
+  for (const NewResult& result : results) {
+    for (std::size_t dye = 0; dye < kDyeCount; ++dye) {
+      if (!result.fragments.dyes[dye].sizes.empty()) dyes[dye].isVisible = true;
+    }
+  }
+}
+
+SampleData& HostSample::Data() {
+  faults_.check("Sample", "Data");
+  return *this;
+}
+
+void HostSample::Unload() {
+  faults_.check("Sample", "Unload");
+  fragments_.reset();
+}
+
+const FragmentTable& HostSample::Fragments() {
+  faults_.check("SampleData", "Fragments");
+  return *load();
+}
+
+ObjectRef HostSample::Record() {
+  faults_.check("SampleData", "Record");
+  return std::make_shared<SampleRecord>(Name, load());
+}
+
+const std::shared_ptr<const SampleFragments>& HostSample::load() {
+  if (!fragments_) fragments_ = source_->readFragments(resultId_);
+  return fragments_;
+}
+
+std::shared_ptr<Result> makeResult(const ResultRecord& record, const std::shared_ptr<FragmentSource>& source,
+                                   FaultInjector& faults) {
+  auto sample = std::make_shared<HostSample>(record.id, source, faults);
+  sample->Name = record.sampleName;
+  settle(*sample, faults);
+  auto result = std::make_shared<Result>();
+  result->ResultID = record.id;
+  result->Sample = std::move(sample);
+  if (record.isExcluded) result->IsExcluded = true;
+  if (record.isDeleted) result->IsDeleted = true;
+  settle(*result, faults);
+  return result;
+}
+
+std::shared_ptr<Study> makeStudy(const StudyRecord& record, const std::shared_ptr<FragmentSource>& source,
+                                 FaultInjector& faults) {
+  auto study = std::make_shared<Study>();
+  study->Name = record.name;
+  study->OwnerId = record.ownerId;
+  study->ResultStamp = record.resultStamp;
+  for (std::size_t i = 0; i < kDyeCount; ++i) study->Dyes.Add(makeDye(i, record.dyes[i], faults));
+  for (const ResultRecord& result : record.results) study->Results.Add(makeResult(result, source, faults));
+  settle(*study, faults);
+  return study;
+}
+
+StudyRecord recordOf(const Study& study) {
+  StudyRecord record{study.Name, study.OwnerId, study.ResultStamp, {}, {}};
+  for (const auto& dye : study.Dyes) {
+    record.dyes[static_cast<std::size_t>(dye->Index.get())] = {dye->Color, dye->Visible};
+  }
+  for (const auto& result : study.Results) {
+    record.results.push_back({result->ResultID, result->Sample->Name,
+                              result->IsExcluded.get().value_or(false),
+                              result->IsDeleted.get().value_or(false)});
+  }
+  return record;
+}
+
+}  // namespace banddesk::host

@@ -1,0 +1,89 @@
+// The study's objects over a fragment source: samples that load their fragments when asked and let them go
+// again. What changes a study (exclusions, imports, colours) is the study service's work.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "host/study/fault_injector.h"
+#include "host/study/fragments.h"
+#include "plugin/shell/persistent.h"
+
+namespace banddesk::host {
+
+struct DyeRecord {
+  Colour color = ui::kWhite;
+  bool isVisible = false;
+  friend bool operator==(const DyeRecord&, const DyeRecord&) = default;
+};
+
+struct ResultRecord {
+  std::int32_t id = 0;  // positive
+  std::string sampleName;
+  bool isExcluded = false;
+  bool isDeleted = false;
+  friend bool operator==(const ResultRecord&, const ResultRecord&) = default;
+};
+
+// All of a study but its fragments and analyses.
+struct StudyRecord {
+  std::string name;
+  std::int32_t ownerId = 1;
+  std::int32_t resultStamp = 1;  // grows with each change of the results
+  std::array<DyeRecord, kDyeCount> dyes;
+  std::vector<ResultRecord> results;
+  friend bool operator==(const StudyRecord&, const StudyRecord&) = default;
+};
+
+// A result that is not in a study yet.
+struct NewResult {
+  std::string sampleName;
+  SampleFragments fragments;
+};
+
+// Four dyes in the default colours, none of them visible.
+std::array<DyeRecord, kDyeCount> defaultDyes();
+// Makes the dyes visible that the results have fragments of.
+void showDyesOf(const std::vector<NewResult>& results, std::array<DyeRecord, kDyeCount>& dyes);
+
+// What the views of a single sample show.
+class SampleRecord final : public Object {
+ public:
+  SampleRecord(std::string sampleName, std::shared_ptr<const SampleFragments> sampleFragments)
+      : name(std::move(sampleName)), fragments(std::move(sampleFragments)) {}
+  const std::string name;
+  const std::shared_ptr<const SampleFragments> fragments;
+};
+
+class HostSample final : public Sample, private SampleData {
+ public:
+  HostSample(std::int32_t resultId, std::shared_ptr<FragmentSource> source, FaultInjector& faults)
+      : resultId_(resultId), source_(std::move(source)), faults_(faults) {}
+
+  SampleData& Data() override;
+  void Unload() override;
+  bool isLoaded() const { return fragments_ != nullptr; }
+
+ private:
+  const FragmentTable& Fragments() override;
+  ObjectRef Record() override;
+  const std::shared_ptr<const SampleFragments>& load();
+
+  std::int32_t resultId_;
+  std::shared_ptr<FragmentSource> source_;
+  FaultInjector& faults_;
+  std::shared_ptr<const SampleFragments> fragments_;
+};
+
+// The objects of a stored study, its analyses left out. They are neither new nor dirty.
+std::shared_ptr<Study> makeStudy(const StudyRecord& record, const std::shared_ptr<FragmentSource>& source,
+                                 FaultInjector& faults);
+std::shared_ptr<Result> makeResult(const ResultRecord& record, const std::shared_ptr<FragmentSource>& source,
+                                   FaultInjector& faults);
+// The record of a study as it stands.
+StudyRecord recordOf(const Study& study);
+
+}  // namespace banddesk::host
