@@ -1,0 +1,29 @@
+// What the user asks of an analysis on the command line, as typed; the pages check it.
+#pragma once
+
+#include <array>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace banddesk::cli {
+
+enum class Cells { Count = 0, Presence = 1, Height = 2 };
+
+struct AnalysisRequest {
+  std::string maxBinWidth = "1.00";         // nt
+  std::string yThreshold = "0";             // RFU
+  std::optional<std::array<bool, 4>> dyes;  // which slots take part; absent: those with fragments
+  Cells cells = Cells::Count;
+  bool keepFullBins = false;
+  bool keepEmptySamples = false;
+  bool showExcluded = false;
+};
+
+struct Outputs {
+  std::optional<std::filesystem::path> csv;
+  std::optional<std::filesystem::path> json;
+};
+
+}  // namespace banddesk::cli

@@ -1,0 +1,77 @@
+#include "cli/analyze_command.h"
+
+#include <chrono>
+#include <fmt/format.h>
+#include <fstream>
+
+#include "cli/json_report.h"
+#include "cli/output_file.h"
+#include "cli/progress_line.h"
+#include "cli/session.h"
+#include "cli/summary.h"
+#include "host/framework/table_import.h"
+#include "host/import/read_files.h"
+#include "host/import/report_text.h"
+
+namespace banddesk::cli {
+namespace {
+
+constexpr int kHeadRows = 12;
+constexpr int kHeadColumns = 16;
+
+std::string dyeLetters(const host::TableImport& imported) {
+  std::string letters;
+  for (const auto& slot : imported.slots) letters.push_back(slot ? host::import::letterOf(*slot) : '-');
+  return letters;
+}
+
+host::TableImport readTables(const AnalyzeArguments& arguments, ProgressLine& bar) {
+  bar.begin("Reading");
+  auto table = host::import::readFiles(arguments.files, {arguments.ladder}, [&](auto done, auto total) {
+    bar.show(total == 0 ? 0 : static_cast<double>(done) / static_cast<double>(total));
+  });
+  bar.clear();
+  fmt::print("{}", host::import::reportText(table.report));
+  return host::importTable(std::move(table));
+}
+
+void writeOutputs(const Outputs& outputs, Session& session, const std::string& studyName,
+                  const std::string& dyes) {
+  if (outputs.csv) session.exportCsv(*outputs.csv);
+  if (outputs.json) {
+    writeWhole(*outputs.json, [&](const std::filesystem::path& target) {
+      std::ofstream out(target, std::ios::binary);
+      writeJson(out, session, studyName, dyes);
+      out.close();
+      if (!out) raise(ErrorNumber::DeviceIo, "Output", "it cannot be written");
+    });
+  }
+}
+
+}  // namespace
+
+void runAnalyze(const AnalyzeArguments& arguments) {
+  const auto started = std::chrono::steady_clock::now();
+  ProgressLine bar;
+  host::TableImport imported = readTables(arguments, bar);
+  const std::string dyes = dyeLetters(imported);
+  if (imported.leftOver) {
+    fmt::print("the dye {} has no place beside four others and was left out\n",
+               host::import::letterOf(*imported.leftOver));
+  }
+  const std::string studyName = arguments.files.front().stem().string();
+
+  bar.begin("Analysing");
+  Session session([&](double share) { bar.show(share); });
+  session.openStudy(studyName, std::move(imported.results));
+  session.analyze(arguments.request);
+  bar.begin("Writing");
+  writeOutputs(arguments.outputs, session, studyName, dyes);
+  bar.clear();
+
+  const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - started;
+  if (arguments.printHead) fmt::print("\n{}\n", tableHead(session, kHeadRows, kHeadColumns));
+  fmt::print("{}", summaryText(session, dyes, taken.count()));
+}
+
+}  // namespace banddesk::cli

@@ -1,0 +1,81 @@
+// The options of `banddesk analyze`.
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+#include <map>
+
+#include "cli/analyze_command.h"
+
+namespace banddesk::cli {
+namespace {
+
+std::array<bool, 4> readDyes(const std::string& digits) {
+  std::array<bool, 4> dyes{};
+  for (const char digit : digits) {
+    if (digit < '1' || digit > '4') {
+      throw CLI::ValidationError("--dyes", fmt::format("\"{}\" is not made of the digits 1 to 4", digits));
+    }
+    dyes[static_cast<std::size_t>(digit - '1')] = true;
+  }
+  return dyes;
+}
+
+host::import::Dye readDye(const std::string& text) {
+  if (const auto dye = host::import::dyeOf(text)) return *dye;
+  throw CLI::ValidationError("--ladder", fmt::format("\"{}\" is none of the dyes B, G, Y, R, O", text));
+}
+
+void addParameterOptions(CLI::App& command, AnalyzeArguments& arguments) {
+  AnalysisRequest& request = arguments.request;
+  command.add_option("--max-bin-width", request.maxBinWidth, "Largest width of a bin in nt, 0.05 to 10")
+      ->type_name("NT")
+      ->capture_default_str();
+  command.add_option("--y-threshold", request.yThreshold, "Height in RFU from which a fragment counts")
+      ->type_name("RFU")
+      ->capture_default_str();
+  command
+      .add_option_function<std::string>(
+          "--dyes", [&request](const std::string& digits) { request.dyes = readDyes(digits); },
+          "The dyes to look at, such as 123 [those with fragments]")
+      ->type_name("DIGITS");
+  command
+      .add_option_function<std::string>(
+          "--ladder", [&arguments](const std::string& text) { arguments.ladder = readDye(text); },
+          "The size standard's dye, which is left out: B, G, Y, R or O")
+      ->type_name("DYE");
+}
+
+void addViewOptions(CLI::App& command, AnalysisRequest& request) {
+  const std::map<std::string, Cells> cells{
+      {"count", Cells::Count}, {"presence", Cells::Presence}, {"height", Cells::Height}};
+  command
+      .add_option("--cells", request.cells, "What the sample cells show: count, presence or height [count]")
+      ->transform(CLI::Transformer(cells, CLI::ignore_case))
+      ->check(CLI::IsMember({Cells::Count, Cells::Presence, Cells::Height}).description(""))
+      ->type_name("WHAT");
+  command.add_flag("--keep-full-bins", request.keepFullBins,
+                   "Keep bins in which every sample has a fragment");
+  command.add_flag("--keep-empty-samples", request.keepEmptySamples,
+                   "Keep samples without a fragment in any bin");
+  command.add_flag("--show-excluded", request.showExcluded, "Show excluded bins and samples, in grey");
+}
+
+}  // namespace
+
+CLI::App& addAnalyzeCommand(CLI::App& app, AnalyzeArguments& arguments) {
+  CLI::App& command = *app.add_subcommand("analyze", "Analyse peak tables and export the AFLP table");
+  command.add_option("FILE", arguments.files, "Peak tables, or folders of them")->required();
+  addParameterOptions(command, arguments);
+  addViewOptions(command, arguments.request);
+  command.add_option("--csv", arguments.outputs.csv, "Write the table as it is shown")->type_name("OUT");
+  command
+      .add_option("--json", arguments.outputs.json,
+                  "Write the analysis itself: bins, samples, counts, heights")
+      ->type_name("OUT");
+  command.add_flag("--head", arguments.printHead, "Print the head of the table");
+  command.footer(
+      "Example:\n  banddesk analyze run1.txt run2.txt --ladder R --max-bin-width 1.5 --y-threshold 50 --csv "
+      "table.csv");
+  return command;
+}
+
+}  // namespace banddesk::cli

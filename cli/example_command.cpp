@@ -1,0 +1,65 @@
+#include "cli/example_command.h"
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+#include <fstream>
+
+#include "cli/analyze_command.h"
+#include "cli/output_file.h"
+#include "host/simulation/peak_table_writer.h"
+#include "host/simulation/simulator.h"
+#include "plugin/base/error.h"
+
+namespace banddesk::cli {
+namespace {
+
+namespace fs = std::filesystem;
+
+void writeExampleTable(const fs::path& path, std::uint64_t seed) {
+  host::simulation::Settings settings;
+  settings.seed = seed;
+  settings.samples = 24;
+  settings.replicates = 3;
+  const auto runs = host::simulation::simulate(settings);
+  writeWhole(path, [&](const fs::path& target) {
+    std::ofstream out(target, std::ios::binary);
+    host::simulation::writePeakTable(out, runs);
+    out.close();
+    if (!out) raise(ErrorNumber::DeviceIo, "Output", "it cannot be written");
+  });
+}
+
+}  // namespace
+
+CLI::App& addExampleCommand(CLI::App& app, ExampleArguments& arguments) {
+  CLI::App& command = *app.add_subcommand("example", "Simulate a study and analyse it");
+  command.add_option("--out", arguments.out, "The folder for the table and its exports")
+      ->type_name("FOLDER")
+      ->capture_default_str();
+  command.add_option("--seed", arguments.seed, "Another seed, another study")->capture_default_str();
+  command.footer("Example:\n  banddesk example --out example");
+  return command;
+}
+
+void runExample(const ExampleArguments& arguments) {
+  std::error_code trouble;
+  fs::create_directories(arguments.out, trouble);
+  if (trouble) {
+    raise(ErrorNumber::PathNotFound, "Example",
+          fmt::format("{}: {}", arguments.out.string(), trouble.message()));
+  }
+  AnalyzeArguments analyze;
+  const fs::path table = arguments.out / "peaks.txt";
+  writeExampleTable(table, arguments.seed);
+  analyze.files = {table};
+  analyze.ladder = host::import::Dye::R;
+  analyze.request.yThreshold = "50";
+  analyze.outputs.csv = arguments.out / "table.csv";
+  analyze.outputs.json = arguments.out / "analysis.json";
+  analyze.printHead = true;
+  runAnalyze(analyze);
+  fmt::print("\nThe simulated peak table: {}\nIts AFLP table:           {}\nThe analysis as JSON:     {}\n",
+             table.string(), analyze.outputs.csv->string(), analyze.outputs.json->string());
+}
+
+}  // namespace banddesk::cli

@@ -1,0 +1,89 @@
+#include "cli/json_report.h"
+
+#include <nlohmann/json.hpp>
+
+namespace banddesk::cli {
+namespace {
+
+using nlohmann::ordered_json;
+
+ordered_json parameters(const Session& session, const std::string& studyName) {
+  const AFLP& analysis = session.analysis();
+  const AnalysisView view = session.page().Analysis();
+  const ui::ControlSet& controls = session.page().Controls();
+  ordered_json dyes = ordered_json::array();
+  for (int dye = 0; dye < 4; ++dye) {
+    if (control<ui::CheckBox>(controls, "chkDye(" + std::to_string(dye) + ")").Value == ui::kChecked) {
+      dyes.push_back("D" + std::to_string(dye + 1));
+    }
+  }
+  const auto isChecked = [&](const char* name) {
+    return control<ui::CheckBox>(controls, name).Value == ui::kChecked;
+  };
+  static constexpr const char* kCells[] = {"count", "presence", "height"};
+  return {{"name", analysis.Name.get()},
+          {"study", studyName},
+          {"maxBinWidthNt", view.maxBinWidth},
+          {"yThresholdRfu", view.yThreshold},
+          {"dyes", dyes},
+          {"cells", kCells[analysis.SampleBinOption.get()]},
+          {"excludeFullBins", isChecked("chkExcludeFullBins")},
+          {"excludeEmptySamples", isChecked("chkExcludeEmptySamples")},
+          {"showExcluded", isChecked("chkShowExcluded")}};
+}
+
+ordered_json binJson(const BinReading& bin, const AnalysisView& view, const std::string& dyes) {
+  const auto length = static_cast<std::size_t>(view.resultCount);
+  const std::size_t begin = static_cast<std::size_t>(bin.bin) * length;
+  return {{"bin", bin.bin},
+          {"row", bin.row},
+          {"dye", "D" + std::to_string(bin.dye + 1)},
+          {"tableDye", dyes.substr(static_cast<std::size_t>(bin.dye), 1)},
+          {"number", bin.number},
+          {"samples", bin.samples},
+          {"fragments", bin.fragments},
+          {"minSizeNt", bin.minSize},
+          {"maxSizeNt", bin.maxSize},
+          {"meanSizeNt", bin.meanSize},
+          {"sizeVarianceNt2", bin.sizeVariance},
+          {"meanHeightRfu", bin.meanHeight},
+          {"manuallyExcluded", bin.manuallyExcluded},
+          {"manuallyIncluded", bin.manuallyIncluded},
+          {"filterExcluded", bin.filterExcluded},
+          {"suppressed", bin.isSuppressed()},
+          {"hidden", bin.hidden},
+          {"counts", view.fragmentCounts.subspan(begin, length)},
+          {"maxHeightsRfu", view.maxYHeights.subspan(begin, length)}};
+}
+
+ordered_json sampleJson(const SampleReading& sample) {
+  return {{"key", sample.key},
+          {"name", sample.name},
+          {"column", sample.column},
+          {"excluded", sample.excluded},
+          {"filterExcluded", sample.filterExcluded},
+          {"hidden", sample.hidden}};
+}
+
+}  // namespace
+
+// Bin by bin: a large analysis is never held a second time as a whole document.
+void writeJson(std::ostream& out, const Session& session, const std::string& studyName,
+               const std::string& dyes) {
+  const AnalysisView view = session.page().Analysis();
+  out << "{\n\"parameters\": " << parameters(session, studyName).dump() << ",\n\"samples\": [";
+  const char* separator = "\n";
+  for (const SampleReading& sample : readSamples(session)) {
+    out << separator << sampleJson(sample).dump(-1, ' ', false, ordered_json::error_handler_t::replace);
+    separator = ",\n";
+  }
+  out << "\n],\n\"bins\": [";
+  separator = "\n";
+  for (const BinReading& bin : readBins(session)) {
+    out << separator << binJson(bin, view, dyes).dump();
+    separator = ",\n";
+  }
+  out << "\n]\n}\n";
+}
+
+}  // namespace banddesk::cli

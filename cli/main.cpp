@@ -1,0 +1,59 @@
+// The command line `banddesk`. Exit status: 0 done; 2 bad input or a failure, with one line on standard
+// error.
+#include <CLI/CLI.hpp>
+#include <clocale>
+#include <cstdio>
+#include <exception>
+#include <fmt/format.h>
+
+#include "cli/analyze_command.h"
+#include "cli/example_command.h"
+#include "plugin/base/error.h"
+
+namespace {
+
+constexpr int kFailure = 2;
+
+int fail(const std::string& message) {
+  std::string line = message.substr(0, message.find_last_not_of("\r\n") + 1);
+  for (char& c : line) {
+    if (c == '\n' || c == '\r') c = ' ';
+  }
+  fmt::print(stderr, "banddesk: {}\n", line);
+  return kFailure;
+}
+
+int run(int argc, char** argv) {
+  using namespace banddesk::cli;
+  CLI::App app{"Banddesk makes AFLP tables from the fragments of many samples.", "banddesk"};
+  app.require_subcommand(1);
+  app.footer("Each command explains itself: banddesk analyze --help");
+  AnalyzeArguments analyze;
+  ExampleArguments example;
+  CLI::App& analyzeCommand = addAnalyzeCommand(app, analyze);
+  CLI::App& exampleCommand = addExampleCommand(app, example);
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::Success& success) {
+    return app.exit(success);
+  } catch (const CLI::ParseError& error) {
+    return fail(fmt::format("{} (banddesk --help tells more)", error.what()));
+  }
+  if (analyzeCommand.parsed()) runAnalyze(analyze);
+  if (exampleCommand.parsed()) runExample(example);
+  return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  // The character set of exported text follows the user's locale; numbers never do.
+  std::setlocale(LC_CTYPE, "");
+  try {
+    return run(argc, argv);
+  } catch (const banddesk::Error& error) {
+    return fail(error.description());
+  } catch (const std::exception& error) {
+    return fail(error.what());
+  }
+}

@@ -1,0 +1,37 @@
+#include "cli/output_file.h"
+
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include "plugin/base/error.h"
+
+namespace banddesk::cli {
+namespace fs = std::filesystem;
+
+void writeWhole(const fs::path& path, const std::function<void(const fs::path&)>& write) {
+  const auto fail = [&](const std::string& why) {
+    raise(ErrorNumber::DeviceIo, "Output", fmt::format("{}: {}", path.string(), why));
+  };
+  std::error_code trouble;
+  if (fs::is_directory(path, trouble)) fail("it is a folder");
+  if (fs::exists(path, trouble) && !fs::is_regular_file(path, trouble)) {
+    write(path);  // a device or a pipe has no place to be moved to
+    return;
+  }
+  const fs::path part = path.parent_path() / fmt::format(".{}.{}.part", path.filename().string(), ::getpid());
+  try {
+    write(part);
+    fs::rename(part, path);
+  } catch (const Error& error) {
+    fs::remove(part, trouble);
+    fail(error.description());
+  } catch (const fs::filesystem_error& error) {
+    fs::remove(part, trouble);
+    fail(error.code().message());
+  } catch (...) {
+    fs::remove(part, trouble);
+    throw;
+  }
+}
+
+}  // namespace banddesk::cli

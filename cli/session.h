@@ -1,0 +1,52 @@
+// One study in memory and its analysis, driven over the same road that a user of the pages takes: the
+// service's command, the parameters page with its controls, OK, the results page, its export. No rule of the
+// analysis lives here.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "cli/analysis_request.h"
+#include "host/framework/host.h"
+
+namespace banddesk::cli {
+
+class Session {
+ public:
+  // `onProgress` is told how far the work is, from 0 to 1.
+  explicit Session(std::function<void(double)> onProgress = {});
+
+  void openStudy(const std::string& name, std::vector<host::NewResult> results);
+  // Makes a new analysis. Raises an Error when the pages refuse a value or the work fails.
+  void analyze(const AnalysisRequest& request);
+
+  // Each writes a whole file or raises an Error that names it.
+  void exportCsv(const std::filesystem::path& path);
+
+  IAFLPResultsPage& page() const { return *page_; }
+  AFLP& analysis() const { return *analysis_; }
+  Grid& grid() const;
+  host::Host& host() { return host_; }
+
+ private:
+  std::shared_ptr<host::HostPage> openPage(const char* definition) const;
+  void fillParameters(const ui::ControlSet& controls, const AnalysisRequest& request) const;
+  void chooseView(const AnalysisRequest& request);
+  void act(const std::function<void()>& action);
+  void exportBy(const std::filesystem::path& path, std::int32_t filterIndex);
+
+  host::Host host_;
+  std::shared_ptr<AFLP> analysis_;
+  std::shared_ptr<IAFLPResultsPage> page_;
+  std::shared_ptr<host::HostPage> hostPage_;
+};
+
+// A control of a page by its name; a missing one is an Error.
+template <class Wanted>
+Wanted& control(const ui::ControlSet& controls, std::string_view name) {
+  return required(controls.find<Wanted>(name), "Control");
+}
+
+}  // namespace banddesk::cli

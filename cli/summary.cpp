@@ -1,0 +1,84 @@
+#include "cli/summary.h"
+
+#include <algorithm>
+#include <array>
+#include <fmt/format.h>
+#include <vector>
+
+#include "cli/table_reading.h"
+#include "plugin/base/text.h"
+
+namespace banddesk::cli {
+namespace {
+
+constexpr std::size_t kWidestCell = 14;
+
+struct DyeCounts {
+  std::size_t fragments = 0;  // that count, in bins
+  std::size_t bins = 0;
+};
+
+std::string cut(std::string_view text) {
+  const auto all = characters(text);
+  if (all.size() <= kWidestCell) return std::string(text);
+  std::string shortened;
+  for (std::size_t i = 0; i + 1 < kWidestCell; ++i) shortened.append(all[i]);
+  return shortened + "…";
+}
+
+std::string aligned(const std::vector<std::vector<std::string>>& lines) {
+  std::vector<std::size_t> widths;
+  for (const auto& line : lines) {
+    widths.resize(std::max(widths.size(), line.size()));
+    for (std::size_t i = 0; i < line.size(); ++i) widths[i] = std::max(widths[i], characterCount(line[i]));
+  }
+  std::string text;
+  for (const auto& line : lines) {
+    for (std::size_t i = 0; i < line.size(); ++i) {
+      text.append(widths[i] - characterCount(line[i]) + (i > 0 ? 2 : 0), ' ').append(line[i]);
+    }
+    text.push_back('\n');
+  }
+  return text;
+}
+
+}  // namespace
+
+std::string summaryText(const Session& session, const std::string& dyes, double seconds) {
+  const auto bins = readBins(session);
+  const auto samples = readSamples(session);
+  std::array<DyeCounts, 4> counts{};
+  for (const BinReading& bin : bins) {
+    DyeCounts& count = counts[static_cast<std::size_t>(bin.dye)];
+    count.fragments += static_cast<std::size_t>(bin.fragments);
+    ++count.bins;
+  }
+  std::string text = fmt::format("{} samples\n", samples.size());
+  for (std::size_t dye = 0; dye < counts.size(); ++dye) {
+    if (counts[dye].bins == 0) continue;
+    text += fmt::format("D{} ({}): {} fragments in {} bins\n", dye + 1, dyes.substr(dye, 1),
+                        counts[dye].fragments, counts[dye].bins);
+  }
+  const auto excludedBins =
+      std::count_if(bins.begin(), bins.end(), [](const auto& bin) { return bin.isSuppressed(); });
+  const auto excludedSamples = std::count_if(
+      samples.begin(), samples.end(), [](const auto& each) { return each.excluded || each.filterExcluded; });
+  text += fmt::format("excluded: {} of {} bins, {} of {} samples\n", excludedBins, bins.size(),
+                      excludedSamples, samples.size());
+  return text + fmt::format("time: {:.2f} s\n", seconds);
+}
+
+std::string tableHead(const Session& session, int rows, int columns) {
+  const Grid& grid = session.grid();
+  std::vector<std::vector<std::string>> lines;
+  for (std::int32_t row = 0; row <= grid.RowCount() && static_cast<int>(lines.size()) <= rows; ++row) {
+    if (grid.IsRowHidden(row)) continue;
+    std::vector<std::string>& line = lines.emplace_back();
+    for (std::int32_t col = 1; col <= grid.ColCount() && static_cast<int>(line.size()) < columns; ++col) {
+      if (!grid.IsColHidden(col)) line.push_back(cut(grid.GetValue(row, col)));
+    }
+  }
+  return aligned(lines);
+}
+
+}  // namespace banddesk::cli

@@ -1,0 +1,46 @@
+#include "cli/table_reading.h"
+
+#include "plugin/base/numbers.h"
+
+namespace banddesk::cli {
+
+std::vector<BinReading> readBins(const Session& session) {
+  IAFLPResultsPage& page = session.page();
+  const AnalysisView view = page.Analysis();
+  const auto number = [&](const char* key, std::int32_t row) {
+    return leadingNumber(page.CellText(key, row));
+  };
+  std::vector<BinReading> bins;
+  for (std::int32_t row = 1; row <= page.NumRows(); ++row) {
+    BinReading reading;
+    reading.bin = page.Bin(row);
+    reading.row = row;
+    const auto at = static_cast<std::size_t>(reading.bin);
+    reading.dye = view.binDye[at];
+    reading.number = roundToLong(number("6", row));
+    reading.samples = roundToLong(number("8", row));
+    reading.fragments = roundToLong(number("119", row));
+    reading.minSize = number("9", row);
+    reading.maxSize = number("10", row);
+    reading.meanSize = number("83", row);
+    reading.meanHeight = number("84", row);
+    reading.sizeVariance = number("85", row);
+    reading.manuallyExcluded = view.manualExcluded[at] != 0;
+    reading.manuallyIncluded = view.manualIncluded[at] != 0;
+    reading.filterExcluded = view.autoExcluded[at] != 0;
+    reading.hidden = page.IsRowHidden(row);
+    bins.push_back(reading);
+  }
+  return bins;
+}
+
+std::vector<SampleReading> readSamples(const Session& session) {
+  std::vector<SampleReading> samples;
+  for (const auto& column : session.analysis().SampleGrid->Columns) {
+    samples.push_back({column->Key, column->ToolTip, column->ColumnOrder, column->IsExcluded,
+                       column->IsAutoExcluded, session.page().IsColHidden(column->ColumnOrder)});
+  }
+  return samples;
+}
+
+}  // namespace banddesk::cli

@@ -1,0 +1,38 @@
+// The bin information and the samples of a finished table, read through the logical table: what the summary
+// and the JSON report tell.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "cli/session.h"
+
+namespace banddesk::cli {
+
+struct BinReading {
+  std::int32_t bin = 0;  // index into the arrays of the analysis
+  std::int32_t row = 0;
+  std::int32_t dye = 0;  // slot
+  std::int32_t number = 0;
+  std::int32_t samples = 0;
+  std::int32_t fragments = 0;
+  double minSize = 0, maxSize = 0, meanSize = 0, sizeVariance = 0;  // nt
+  double meanHeight = 0;                                            // RFU
+  bool manuallyExcluded = false, manuallyIncluded = false, filterExcluded = false;
+  bool hidden = false;
+
+  bool isSuppressed() const { return manuallyExcluded || (filterExcluded && !manuallyIncluded); }
+};
+
+struct SampleReading {
+  std::string key;
+  std::string name;
+  std::int32_t column = 0;  // logical
+  bool excluded = false, filterExcluded = false, hidden = false;
+};
+
+std::vector<BinReading> readBins(const Session& session);        // in the order of the rows
+std::vector<SampleReading> readSamples(const Session& session);  // in the order of the results
+
+}  // namespace banddesk::cli
