@@ -1,0 +1,152 @@
+#include "tests/plugin/desk.h"
+
+#include <filesystem>
+#include <fstream>
+#include <numeric>
+#include <sstream>
+
+namespace banddesk::test {
+namespace {
+
+class ScriptedCalculator final : public BinCalculator {
+ public:
+  ScriptedCalculator(std::shared_ptr<CalculatorDesk> desk, int dye) : desk_(std::move(desk)), dye_(dye) {}
+
+  void SetMaxBinWidth(double nt) override { width_ = nt; }
+  void SetYThreshold(double rfu) override { threshold_ = rfu; }
+  void AddFragments(std::int32_t result, std::int32_t, const FragmentTable& fragments, std::int16_t dye,
+                    std::int32_t, std::int32_t) override {
+    const auto sizes = fragments.OfDye(dye).sizes;
+    desk_->added.push_back({dye, result, {sizes.begin(), sizes.end()}});
+    results_ = std::max(results_, result + 1);
+  }
+  void Calculate() override { desk_->calculated.emplace_back(width_, threshold_); }
+  std::int32_t BinCount() const override { return static_cast<std::int32_t>(desk_->script[dye_].size()); }
+  std::int32_t SampleCount(std::int32_t bin) const override {
+    const auto& counts = at(bin).counts;
+    return static_cast<std::int32_t>(counts.size() - static_cast<std::size_t>(std::count(counts.begin(), counts.end(), 0)));
+  }
+  std::int32_t FragmentCount(std::int32_t bin) const override {
+    return std::accumulate(at(bin).counts.begin(), at(bin).counts.end(), 0);
+  }
+  double XMin(std::int32_t bin) const override { return at(bin).mean - 0.25; }
+  double XMax(std::int32_t bin) const override { return at(bin).mean + 0.25; }
+  double XMean(std::int32_t bin) const override { return at(bin).mean; }
+  double XVariance(std::int32_t) const override { return 1.0 / 3.0; }
+  double YMean(std::int32_t) const override { return 0.00000125; }
+  void GetResultData(std::int32_t bin, std::vector<std::int32_t>& counts, std::vector<double>& heights) const override {
+    counts = at(bin).counts;
+    heights = at(bin).heights;
+    if (heights.empty()) {
+      for (const auto count : counts) heights.push_back(count == 0 ? 0 : 100);
+    }
+    counts.resize(static_cast<std::size_t>(results_));
+    heights.resize(static_cast<std::size_t>(results_));
+  }
+
+ private:
+  const ScriptedBin& at(std::int32_t bin) const { return desk_->script[dye_].at(static_cast<std::size_t>(bin)); }
+  std::shared_ptr<CalculatorDesk> desk_;
+  int dye_;
+  std::int32_t results_ = 0;
+  double width_ = 0, threshold_ = 0;
+};
+
+host::HostSettings settings(const std::shared_ptr<CalculatorDesk>& calculators) {
+  host::HostSettings made;
+  made.makeGrid = [](const std::string& name) { return std::make_shared<host::GridControl>(name); };
+  // A page makes its calculators dye by dye.
+  made.makeBinCalculator = [calculators, next = 0]() mutable {
+    return std::make_shared<ScriptedCalculator>(calculators, next++ % 4);
+  };
+  made.applicationPath = "/opt/desk/bin";
+  made.codeSet = "UTF-8";
+  return made;
+}
+
+}  // namespace
+
+Desk::Desk(Script script, std::vector<std::string> samples) : host(settings(calculators)) {
+  calculators->script = std::move(script);
+  std::vector<host::NewResult> results;
+  for (const std::string& sample : samples) {
+    host::NewResult& result = results.emplace_back();
+    result.sampleName = sample;
+    for (auto& dye : result.fragments.dyes) dye = {{100 + static_cast<double>(results.size())}, {500}};
+  }
+  store = std::make_shared<host::MemoryStore>("Plants", std::move(results));
+  host.loadComponent(BANDDESK_PLUGIN);
+}
+
+void Desk::openStudy() { host.openStudy(store); }
+
+std::shared_ptr<host::HostPage> Desk::pageNamed(const std::string& definition) const {
+  const auto& pages = host.pages().openPages();
+  for (auto page = pages.rbegin(); page != pages.rend(); ++page) {
+    if ((*page)->DefinitionName() == definition) return *page;
+  }
+  throw std::logic_error("no page " + definition);
+}
+
+std::shared_ptr<host::HostPage> Desk::parametersPage() {
+  if (!host.study().isOpen()) openStudy();
+  host.runNewAnalysis();
+  return pageNamed("AFLPParams");
+}
+
+IAFLPResultsPage& Desk::accept(const std::shared_ptr<host::HostPage>& parameters) {
+  if (!host.pages().end(parameters, true)) throw std::logic_error("the parameters were refused");
+  return page();
+}
+
+IAFLPResultsPage& Desk::newAnalysis() { return accept(parametersPage()); }
+
+IAFLPResultsPage& Desk::reopen(const std::shared_ptr<AFLP>& analysis) {
+  host.pages().endAll();
+  host.service().OpenAFLP(analysis);
+  return page();
+}
+
+IAFLPResultsPage& Desk::page() const { return dynamic_cast<IAFLPResultsPage&>(*pageNamed("AFLP")->control()); }
+
+AFLP& Desk::analysis() const { return dynamic_cast<AFLP&>(*pageNamed("AFLP")->bound()); }
+
+host::GridControl& Desk::grid() const { return control<host::GridControl>("grdAFLP"); }
+
+std::string Desk::visibleTable() const {
+  host::GridControl& grid = this->grid();
+  std::string text;
+  for (std::int32_t row = 0; row <= grid.RowCount(); ++row) {
+    if (grid.IsRowHidden(row)) continue;
+    std::string line;
+    for (std::int32_t col = 1; col <= grid.ColCount(); ++col) {
+      if (grid.IsColHidden(col)) continue;
+      GridStyle style;
+      grid.GridParam().GetData().GetStyleRowCol(row, col, style, StyleMode::Copy, 1);
+      const auto interior = style.GetInterior();
+      line += (line.empty() ? "" : " ") + grid.GetValue(row, col);
+      if (interior && interior->bkColor == 0xC0C0C0) line += "*";
+    }
+    text += line + "\n";
+  }
+  return text;
+}
+
+std::string fileText(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  std::ostringstream text;
+  text << in.rdbuf();
+  return text.str();
+}
+
+std::string scratch(const std::string& name) {
+  const auto* test = ::testing::UnitTest::GetInstance()->current_test_info();
+  const auto folder = std::filesystem::temp_directory_path() /
+                      (std::string("banddesk-") + test->test_suite_name() + "-" + test->name());
+  std::filesystem::create_directories(folder);
+  const auto path = folder / name;
+  std::filesystem::remove(path);
+  return path.string();
+}
+
+}  // namespace banddesk::test

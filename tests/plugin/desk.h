@@ -1,0 +1,87 @@
+// A host with the real component, a study and analyses whose bins are scripted: what the tests of the plug-in drive. No
+// binning rule plays a part here.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "host/framework/host.h"
+#include "host/grid/grid_control.h"
+#include "host/store/memory_store.h"
+#include "plugin/banddesk.h"
+
+namespace banddesk::test {
+
+// One bin as a calculator would find it: its statistics, and per result the fragments and the largest height.
+struct ScriptedBin {
+  double mean = 0;
+  std::vector<std::int32_t> counts;
+  std::vector<double> heights;  // absent: 100 RFU for each count that is not 0
+};
+
+using Script = std::map<int, std::vector<ScriptedBin>>;  // by dye
+
+struct CalculatorCall {
+  int dye;
+  std::int32_t result;
+  std::vector<double> sizes;
+};
+
+// What the calculators of one desk are to answer, and what they were told.
+struct CalculatorDesk {
+  Script script;
+  std::vector<CalculatorCall> added;
+  std::vector<std::pair<double, double>> calculated;  // width and threshold of each Calculate
+};
+
+class Desk {
+ public:
+  explicit Desk(Script script = {}, std::vector<std::string> samples = {"a", "b", "c"});
+
+  // Opens the study; every sample has one fragment of 100 nt in each dye.
+  void openStudy();
+  // The command, the parameters page as it stands, OK: the results page.
+  IAFLPResultsPage& newAnalysis();
+  // The same with the parameters page in hand.
+  std::shared_ptr<host::HostPage> parametersPage();
+  IAFLPResultsPage& accept(const std::shared_ptr<host::HostPage>& parameters);
+  // The results page of an analysis that is opened again.
+  IAFLPResultsPage& reopen(const std::shared_ptr<AFLP>& analysis);
+
+  std::shared_ptr<host::HostPage> pageNamed(const std::string& definition) const;
+  IAFLPResultsPage& page() const;
+  AFLP& analysis() const;
+  host::GridControl& grid() const;
+
+  template <class Wanted>
+  static Wanted& control(IPageControl& page, const std::string& name) {
+    Wanted* found = page.Controls().find<Wanted>(name);
+    if (found == nullptr) throw std::logic_error("no control " + name);
+    return *found;
+  }
+  template <class Wanted>
+  Wanted& control(const std::string& name) const {
+    return control<Wanted>(page(), name);
+  }
+  void choose(const std::string& menuItem) const { control<ui::MenuItem>(menuItem).choose(); }
+  // Half a second passes.
+  bool wait() { return host.pages().fireTimers(); }
+
+  // The visible table as text, a line a row, cells separated by blanks; "*" behind a grey cell.
+  std::string visibleTable() const;
+
+  std::shared_ptr<CalculatorDesk> calculators = std::make_shared<CalculatorDesk>();
+  std::shared_ptr<host::MemoryStore> store;
+  host::Host host;
+};
+
+// The whole of a text file.
+std::string fileText(const std::string& path);
+// A path in a folder of this test's own, which is empty at first.
+std::string scratch(const std::string& name);
+
+}  // namespace banddesk::test
