@@ -1,0 +1,146 @@
+#include "host/grid/cell_store.h"
+
+#include <charconv>
+
+namespace banddesk::host {
+
+std::optional<std::int32_t> wholeNumber(std::string_view text) {
+  if (text.empty() || text.size() > 11) return {};
+  const std::size_t sign = text[0] == '-' ? 1 : 0;
+  if (text.size() > sign + 1 && text[sign] == '0') return {};
+  if (text == "-0") return {};
+  std::int32_t number = 0;
+  const auto end = text.data() + text.size();
+  const auto result = std::from_chars(text.data(), end, number);
+  if (result.ec != std::errc{} || result.ptr != end) return {};
+  return number;
+}
+
+std::string_view numberText(std::int32_t number, NumberText& buffer) {
+  const auto result = std::to_chars(buffer.data(), buffer.data() + buffer.size(), number);
+  return {buffer.data(), static_cast<std::size_t>(result.ptr - buffer.data())};
+}
+
+void CellStore::clearValue(Cell& cell) {
+  if (cell.kind() == CellKind::Text) texts_.release(cell.text());
+  cell.setValue(CellKind::Empty, 0);
+}
+
+void CellStore::setNumber(Cell& cell, std::int32_t number) {
+  if (cell.kind() == CellKind::Text) texts_.release(cell.text());
+  cell.setValue(CellKind::Number, static_cast<std::uint32_t>(number));
+}
+
+void CellStore::setText(Cell& cell, std::string_view text) {
+  if (text.empty()) {
+    clearValue(cell);
+  } else if (const auto number = wholeNumber(text)) {
+    setNumber(cell, *number);
+  } else {
+    // Held before the old one is let go: they may be the same text.
+    const TextPool::Id id = texts_.acquire(text);
+    clearValue(cell);
+    cell.setValue(CellKind::Text, id);
+  }
+}
+
+std::string_view CellStore::text(const Cell* cell, NumberText& buffer) const {
+  if (cell == nullptr || cell->kind() == CellKind::Empty) return {};
+  if (cell->kind() == CellKind::Number) return numberText(cell->number(), buffer);
+  return texts_.at(cell->text());
+}
+
+void CellStore::grow(Slot outer, Slot inner) {
+  if (outer >= lines_.size()) lines_.resize(std::size_t{outer} + 1);
+  auto& cells = lines_[outer].cells;
+  const std::size_t needed = std::size_t{inner} + 1;
+  widestLine_ = std::max(widestLine_, needed);
+  // Doubles as long as it stays below the widest line: a full table ends with no room to spare.
+  if (needed > cells.capacity()) cells.reserve(std::max(needed, std::min(2 * cells.size(), widestLine_)));
+  cells.resize(needed);
+}
+
+const CellStore::Aside* CellStore::findAside(Slot row, Slot col) const {
+  const Slot outer = isFlipped_ ? col : row;
+  const Slot inner = isFlipped_ ? row : col;
+  if (outer >= lines_.size()) return nullptr;
+  const auto& asides = lines_[outer].asides;
+  const auto found = std::ranges::lower_bound(asides, inner, {}, &Aside::inner);
+  return found != asides.end() && found->inner == inner ? &*found : nullptr;
+}
+
+std::string_view CellStore::userAttribute(Slot row, Slot col) const {
+  const Aside* aside = findAside(row, col);
+  return aside == nullptr ? std::string_view{} : texts_.at(aside->userAttribute);
+}
+
+std::string_view CellStore::toolTip(Slot row, Slot col) const {
+  const Aside* aside = findAside(row, col);
+  return aside == nullptr ? std::string_view{} : texts_.at(aside->toolTip);
+}
+
+void CellStore::setAside(Slot row, Slot col, TextPool::Id Aside::*field, std::string_view text) {
+  if (text.empty() && findAside(row, col) == nullptr) return;
+  const Slot outer = isFlipped_ ? col : row;
+  const Slot inner = isFlipped_ ? row : col;
+  if (outer >= lines_.size()) lines_.resize(std::size_t{outer} + 1);
+  auto& asides = lines_[outer].asides;
+  auto place = std::ranges::lower_bound(asides, inner, {}, &Aside::inner);
+  if (place == asides.end() || place->inner != inner) place = asides.insert(place, Aside{inner});
+  const TextPool::Id former = (*place).*field;
+  (*place).*field = texts_.acquire(text);
+  texts_.release(former);
+  if (place->userAttribute == 0 && place->toolTip == 0) asides.erase(place);
+}
+
+void CellStore::setUserAttribute(Slot row, Slot col, std::string_view text) {
+  setAside(row, col, &Aside::userAttribute, text);
+}
+
+void CellStore::setToolTip(Slot row, Slot col, std::string_view text) {
+  setAside(row, col, &Aside::toolTip, text);
+}
+
+void CellStore::clear(Axis axis, std::span<const Slot> slots) {
+  if ((axis == Axis::Columns) != isFlipped_) return emptyAcross(slots);
+  for (const Slot slot : slots) emptyLine(slot);
+}
+
+void CellStore::emptyLine(Slot outer) {
+  if (outer >= lines_.size()) return;
+  Line& line = lines_[outer];
+  for (Cell& cell : line.cells) clearValue(cell);
+  for (const Aside& aside : line.asides) {
+    texts_.release(aside.userAttribute);
+    texts_.release(aside.toolTip);
+  }
+  line = {};
+}
+
+void CellStore::emptyAcross(std::span<const Slot> inners) {
+  std::vector<Slot> sorted(inners.begin(), inners.end());
+  std::ranges::sort(sorted);
+  for (Line& line : lines_) {
+    for (const Slot inner : sorted) {
+      if (inner >= line.cells.size()) break;
+      clearValue(line.cells[inner]);
+      line.cells[inner] = {};
+    }
+    std::erase_if(line.asides, [&](const Aside& aside) {
+      if (!std::ranges::binary_search(sorted, aside.inner)) return false;
+      texts_.release(aside.userAttribute);
+      texts_.release(aside.toolTip);
+      return true;
+    });
+  }
+}
+
+std::size_t CellStore::bytesOfCells() const {
+  std::size_t bytes = lines_.capacity() * sizeof(Line);
+  for (const Line& line : lines_) {
+    bytes += line.cells.capacity() * sizeof(Cell) + line.asides.capacity() * sizeof(Aside);
+  }
+  return bytes;
+}
+
+}  // namespace banddesk::host

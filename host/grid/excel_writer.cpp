@@ -1,0 +1,232 @@
+#include "host/grid/excel_writer.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <locale.h>
+#include <memory>
+#include <unistd.h>
+
+#include "host/grid/excel_formats.h"
+#include "host/grid/grid_control.h"
+#include "plugin/base/error.h"
+#include "plugin/base/text.h"
+
+namespace banddesk::host {
+namespace {
+
+constexpr std::int32_t kMostRows = 1'048'576;
+constexpr std::int32_t kMostCols = 16'384;
+constexpr std::size_t kLongestText = 32'767;   // in UTF-16 units
+constexpr std::uint32_t kWidestColumn = 1790;  // pixels
+
+[[noreturn]] void fail(const std::string& fileName, ErrorNumber number, const std::string& why) {
+  raise(number, "Grid", fmt::format("The file \"{}\" cannot be written: {}", fileName, why));
+}
+
+[[noreturn]] void failBySystem(const std::string& fileName, int cause) {
+  ErrorNumber number = ErrorNumber::DeviceIo;
+  if (cause == EACCES || cause == EPERM || cause == EBUSY || cause == ETXTBSY || cause == EROFS) {
+    number = ErrorNumber::PermissionDenied;
+  }
+  if (cause == ENOENT || cause == ENOTDIR) number = ErrorNumber::PathNotFound;
+  if (cause == ENOSPC) number = ErrorNumber::DiskFull;
+  fail(fileName, number, fmt::format("{}.", std::strerror(cause)));
+}
+
+// A file beside the target that takes its place when all is well, and vanishes otherwise.
+class PartFile {
+ public:
+  explicit PartFile(const std::string& target)
+      : target_(target), name_(fmt::format("{}.{}.part", target, ::getpid())) {
+    const int file = ::open(name_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    if (file < 0) failBySystem(target_, errno);
+    ::close(file);
+  }
+  PartFile(const PartFile&) = delete;
+  PartFile& operator=(const PartFile&) = delete;
+  ~PartFile() { ::unlink(name_.c_str()); }
+
+  const std::string& name() const { return name_; }
+  void takePlace() {
+    if (std::rename(name_.c_str(), target_.c_str()) != 0) failBySystem(target_, errno);
+  }
+
+ private:
+  const std::string& target_;
+  std::string name_;
+};
+
+// Numbers are printed with a decimal point while this lives, whatever the user's locale.
+class PointLocale {
+ public:
+  PointLocale() : point_(::newlocale(LC_NUMERIC_MASK, "C", nullptr)), former_(::uselocale(point_)) {}
+  PointLocale(const PointLocale&) = delete;
+  PointLocale& operator=(const PointLocale&) = delete;
+  ~PointLocale() {
+    ::uselocale(former_);
+    ::freelocale(point_);
+  }
+
+ private:
+  locale_t point_;
+  locale_t former_;
+};
+
+struct FreeWorkbook {
+  void operator()(lxw_workbook* workbook) const { lxw_workbook_free(workbook); }
+};
+using Workbook = std::unique_ptr<lxw_workbook, FreeWorkbook>;
+
+// Valid UTF-8 for the file; counts how long the spreadsheet takes it to be.
+std::string cleaned(std::string_view text, std::size_t& units) {
+  std::string clean;
+  for (const std::string_view character : characters(text)) {
+    const bool isBroken = character.size() == 1 && static_cast<unsigned char>(character[0]) >= 0x80;
+    clean += isBroken ? std::string_view("\xEF\xBF\xBD") : character;
+    units += character.size() == 4 ? 2U : 1U;
+  }
+  return clean;
+}
+
+class Sheet {
+ public:
+  Sheet(const GridControl& grid, const std::string& fileName)
+      : grid_(grid),
+        fileName_(fileName),
+        firstRow_(grid.ColHeadersVisible() ? 0 : 1),
+        firstCol_(grid.RowHeadersVisible() ? 0 : 1) {
+    if (grid.RowCount() - firstRow_ >= kMostRows) {
+      fail(fileName, ErrorNumber::InvalidArgument,
+           fmt::format("a sheet holds {} rows, the table has {}.", kMostRows,
+                       grid.RowCount() - firstRow_ + 1));
+    }
+    if (grid.ColCount() - firstCol_ >= kMostCols) {
+      fail(fileName, ErrorNumber::InvalidArgument,
+           fmt::format("a sheet holds {} columns, the table has {}.", kMostCols,
+                       grid.ColCount() - firstCol_ + 1));
+    }
+  }
+
+  void write(const std::string& partName) {
+    const PointLocale locale;
+    lxw_workbook_options options{};
+    options.constant_memory = canStream() ? LXW_TRUE : LXW_FALSE;
+    options.use_zip64 = LXW_FALSE;
+    Workbook workbook(workbook_new_opt(partName.c_str(), &options));
+    if (!workbook) fail(fileName_, ErrorNumber::OutOfMemory, "there is not enough memory.");
+    sheet_ = workbook_add_worksheet(workbook.get(), "Table");
+    if (sheet_ == nullptr) fail(fileName_, ErrorNumber::DeviceIo, "no temporary file can be made.");
+    formats_ = std::make_unique<ExcelFormats>(workbook.get());
+    layOut();
+    for (std::int32_t row = firstRow_; row <= grid_.RowCount(); ++row) writeRow(row);
+    const lxw_error result = workbook_close(workbook.release());
+    if (result != LXW_NO_ERROR)
+      fail(fileName_, ErrorNumber::DeviceIo, std::string(lxw_strerror(result)) + ".");
+  }
+
+ private:
+  // Row after row to the disk; a block over several rows cannot be written that way.
+  bool canStream() const {
+    return std::ranges::all_of(grid_.coverings().all(),
+                               [](const Block& block) { return block.top == block.bottom; });
+  }
+
+  lxw_row_t sheetRow(std::int32_t row) const { return static_cast<lxw_row_t>(row - firstRow_); }
+  lxw_col_t sheetCol(std::int32_t col) const { return static_cast<lxw_col_t>(col - firstCol_); }
+
+  void layOut() {
+    for (std::int32_t col = firstCol_; col <= grid_.ColCount(); ++col) {
+      lxw_row_col_options options{};
+      options.hidden = grid_.IsColHidden(col);
+      const auto pixels = std::min(static_cast<std::uint32_t>(grid_.colWidth(col)), kWidestColumn);
+      check(worksheet_set_column_pixels_opt(sheet_, sheetCol(col), sheetCol(col), pixels, nullptr, &options));
+    }
+    const std::int32_t rows = std::min(grid_.FrozenRows(), grid_.RowCount()) + 1 - firstRow_;
+    const std::int32_t frozenCols = std::min(grid_.FrozenCols(), grid_.ColCount());
+    const std::int32_t cols = frozenCols > 0 ? frozenCols + 1 - firstCol_ : 0;
+    if (rows > 0 || cols > 0) {
+      worksheet_freeze_panes(sheet_, static_cast<lxw_row_t>(rows), static_cast<lxw_col_t>(cols));
+    }
+  }
+
+  void writeRow(std::int32_t row) {
+    if (grid_.IsRowHidden(row)) {
+      lxw_row_col_options options{};
+      options.hidden = LXW_TRUE;
+      check(worksheet_set_row_opt(sheet_, sheetRow(row), LXW_DEF_ROW_HEIGHT, nullptr, &options));
+    }
+    const std::vector<Block> covered = grid_.coverings().inRow(row);
+    auto next = covered.begin();
+    for (std::int32_t col = firstCol_; col <= grid_.ColCount(); ++col) {
+      while (next != covered.end() && next->right < col) ++next;
+      if (next == covered.end() || !next->contains(row, col)) {
+        writeCell(row, col, row, col);
+      } else {
+        if (std::max(next->top, firstRow_) == row) writeBlock(*next, row, col);
+        col = std::min(next->right, grid_.ColCount());
+      }
+    }
+  }
+
+  // The block's upper left cell in the sheet is (row, col); its text may stand in a header that is not shown.
+  void writeBlock(const Block& block, std::int32_t row, std::int32_t col) {
+    const std::int32_t bottom = std::min(block.bottom, grid_.RowCount());
+    const std::int32_t right = std::min(block.right, grid_.ColCount());
+    if (bottom > row || right > col) {
+      check(worksheet_merge_range(sheet_, sheetRow(row), sheetCol(col), sheetRow(bottom), sheetCol(right), "",
+                                  formats_->format(grid_.look(block.top, block.left), 0)));
+    }
+    writeCell(block.top, block.left, row, col);
+  }
+
+  // Writes the grid's cell (row, col) at the sheet's place of (atRow, atCol).
+  void writeCell(std::int32_t row, std::int32_t col, std::int32_t atRow, std::int32_t atCol) {
+    const StyleAttributes& look = grid_.look(row, col);
+    NumberText buffer;
+    const std::string_view text = grid_.textAt(row, col, buffer);
+    const lxw_row_t place = sheetRow(atRow);
+    if (text.empty()) {
+      if (ExcelFormats::showsEmpty(look)) {
+        check(worksheet_write_blank(sheet_, place, sheetCol(atCol), formats_->format(look, 0)));
+      }
+    } else if (const auto number = excelNumber(text)) {
+      check(worksheet_write_number(sheet_, place, sheetCol(atCol), number->value,
+                                   formats_->format(look, number->decimals)));
+    } else {
+      std::size_t units = 0;
+      const std::string clean = cleaned(text, units);
+      if (units > kLongestText) {
+        fail(fileName_, ErrorNumber::InvalidArgument,
+             fmt::format("the text of row {}, column {} is longer than {} characters.", row, col,
+                         kLongestText));
+      }
+      check(worksheet_write_string(sheet_, place, sheetCol(atCol), clean.c_str(), formats_->format(look, 0)));
+    }
+  }
+
+  void check(lxw_error result) const {
+    if (result != LXW_NO_ERROR)
+      fail(fileName_, ErrorNumber::DeviceIo, std::string(lxw_strerror(result)) + ".");
+  }
+
+  const GridControl& grid_;
+  const std::string& fileName_;
+  std::int32_t firstRow_;
+  std::int32_t firstCol_;
+  lxw_worksheet* sheet_ = nullptr;
+  std::unique_ptr<ExcelFormats> formats_;
+};
+
+}  // namespace
+
+void writeExcelFile(const GridControl& grid, const std::string& fileName) {
+  Sheet sheet(grid, fileName);
+  PartFile part(fileName);
+  sheet.write(part.name());
+  part.takePlace();
+}
+
+}  // namespace banddesk::host

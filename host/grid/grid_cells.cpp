@@ -1,0 +1,230 @@
+#include "host/grid/grid_control.h"
+
+namespace banddesk::host {
+namespace {
+
+// The value that a style puts into many cells: its text is looked up once.
+class ValueChange {
+ public:
+  ValueChange(CellStore& store, const GridStyle& style, StyleMode mode)
+      : store_(store),
+        acts_(mode == StyleMode::Copy || (mode != StyleMode::Registered && style.attributes().value)) {
+    if (acts_ && mode != StyleMode::Remove) {
+      store_.setText(model_, style.attributes().value.value_or(std::string()));
+    }
+  }
+  ValueChange(const ValueChange&) = delete;
+  ValueChange& operator=(const ValueChange&) = delete;
+  ~ValueChange() { store_.clearValue(model_); }
+
+  void operator()(Cell& cell) {
+    if (!acts_) return;
+    if (model_.kind() == CellKind::Text) store_.texts().retain(model_.text(), 1);
+    if (cell.kind() == CellKind::Text) store_.texts().release(cell.text());
+    cell.setValue(model_.kind(), static_cast<std::uint32_t>(model_.number()));
+  }
+
+ private:
+  CellStore& store_;
+  bool acts_;
+  Cell model_;
+};
+
+std::optional<std::string> textOrNothing(std::string_view text) {
+  if (text.empty()) return {};
+  return std::string(text);
+}
+
+}  // namespace
+
+Layer GridControl::layerOf(std::int32_t row, std::int32_t col) {
+  if (row == 0) return Layer::ColHeader;
+  return col == 0 ? Layer::RowHeader : Layer::Body;
+}
+
+Cell& GridControl::cellAt(std::int32_t row, std::int32_t col) {
+  return store_.at(rows_.order.ensure(row), cols_.order.ensure(col));
+}
+
+Block GridControl::blockOf(const GridRange& range) const {
+  if (range.isTable()) return {0, 0, rows_.count, cols_.count};
+  return {std::max(range.Top, 0), std::max(range.Left, 0), range.Bottom, range.Right};
+}
+
+std::string_view GridControl::textAt(std::int32_t row, std::int32_t col, NumberText& buffer) const {
+  return store_.text(cell(row, col), buffer);
+}
+
+const StyleAttributes& GridControl::look(std::int32_t row, std::int32_t col) const {
+  const Cell* found = cell(row, col);
+  return looks_.look(found == nullptr ? 0 : found->style(), layerOf(row, col));
+}
+
+std::string GridControl::GetValue(std::int32_t row, std::int32_t col) const {
+  NumberText buffer;
+  return std::string(textAt(row, col, buffer));
+}
+
+bool GridControl::SetValueRange(std::int32_t row, std::int32_t col, std::string_view text, std::int32_t) {
+  if (row < 0 || col < 0 || refuses(row, col)) return false;
+  store_.setText(cellAt(row, col), text);
+  return true;
+}
+
+std::string GridControl::GetUserAttribute(std::int32_t row, std::int32_t col) const {
+  return std::string(store_.userAttribute(rows_.order.at(row), cols_.order.at(col)));
+}
+
+void GridControl::SetUserAttribute(std::int32_t row, std::int32_t col, std::string_view text) {
+  if (row < 0 || col < 0) return;
+  store_.setUserAttribute(rows_.order.ensure(row), cols_.order.ensure(col), text);
+}
+
+std::string GridControl::GetToolTip(std::int32_t row, std::int32_t col) const {
+  return std::string(store_.toolTip(rows_.order.at(row), cols_.order.at(col)));
+}
+
+void GridControl::SetToolTip(std::int32_t row, std::int32_t col, std::string_view text) {
+  if (row < 0 || col < 0) return;
+  store_.setToolTip(rows_.order.ensure(row), cols_.order.ensure(col), text);
+}
+
+bool GridControl::SetStyleRange(const GridRange& range, const GridStyle& style, StyleMode mode) {
+  const Block block = blockOf(range);
+  if (block.isEmpty() || mode == StyleMode::Registered) return true;
+  if (lockReadOnly_) return changeCells(block, style, mode);
+  changeBlock(block, style, mode);
+  return true;
+}
+
+bool GridControl::changeCells(const Block& block, const GridStyle& style, StyleMode mode) {
+  bool areAllTaken = true;
+  for (std::int32_t row = block.top; row <= block.bottom; ++row) {
+    for (std::int32_t col = block.left; col <= block.right; ++col) {
+      areAllTaken &= StoreStyleRowCol(row, col, style, mode, 1);
+    }
+  }
+  return areAllTaken;
+}
+
+void GridControl::changeBlock(const Block& block, const GridStyle& style, StyleMode mode) {
+  StyleChange& look = sets_.change(lookPart(style.attributes()), mode);
+  ValueChange value(store_, style, mode);
+  const auto change = [&](Cell& cell) {
+    cell.setStyle(look(cell.style()));
+    value(cell);
+  };
+  if (mode == StyleMode::Remove) {
+    // Takes off only what is there, so it makes room for nothing.
+    store_.forExisting(rows_.order.list(block.top, block.bottom), cols_.order.list(block.left, block.right),
+                       [&](std::size_t, std::size_t, Cell& cell) { change(cell); });
+  } else {
+    store_.forAll(rows_.order.ensureAll(block.top, block.bottom),
+                  cols_.order.ensureAll(block.left, block.right), change);
+  }
+  const StyleAttributes& attributes = style.attributes();
+  if (mode != StyleMode::Copy && !attributes.userAttribute && !attributes.toolTip) return;
+  for (std::int32_t row = block.top; row <= block.bottom; ++row) {
+    for (std::int32_t col = block.left; col <= block.right; ++col) changeAsides(row, col, style, mode);
+  }
+}
+
+void GridControl::changeAsides(std::int32_t row, std::int32_t col, const GridStyle& style, StyleMode mode) {
+  const StyleAttributes& attributes = style.attributes();
+  const auto wanted = [mode](const std::optional<std::string>& text) {
+    return mode == StyleMode::Remove ? std::string_view{} : text ? std::string_view(*text) : "";
+  };
+  const bool isCopy = mode == StyleMode::Copy;
+  const Slot rowSlot = rows_.order.at(row);
+  const Slot colSlot = cols_.order.at(col);
+  if (rowSlot == kNoSlot || colSlot == kNoSlot) return;  // nothing there to take off
+  if (isCopy || attributes.userAttribute) {
+    store_.setUserAttribute(rowSlot, colSlot, wanted(attributes.userAttribute));
+  }
+  if (isCopy || attributes.toolTip) store_.setToolTip(rowSlot, colSlot, wanted(attributes.toolTip));
+}
+
+bool GridControl::StoreStyleRowCol(std::int32_t row, std::int32_t col, const GridStyle& style, StyleMode mode,
+                                   std::int32_t) {
+  if (row < 0 || col < 0 || refuses(row, col)) return false;
+  if (mode == StyleMode::Registered) return true;
+  Cell& cell = cellAt(row, col);
+  cell.setStyle(sets_.change(lookPart(style.attributes()), mode)(cell.style()));
+  ValueChange(store_, style, mode)(cell);
+  changeAsides(row, col, style, mode);
+  return true;
+}
+
+bool GridControl::GetStyleRowCol(std::int32_t row, std::int32_t col, GridStyle& style, StyleMode mode,
+                                 std::int32_t) {
+  GridStyle own;
+  if (const Cell* found = cell(row, col)) own.attributes() = sets_.at(found->style());
+  NumberText buffer;
+  own.attributes().value = textOrNothing(textAt(row, col, buffer));
+  own.attributes().userAttribute = textOrNothing(GetUserAttribute(row, col));
+  own.attributes().toolTip = textOrNothing(GetToolTip(row, col));
+  if (mode == StyleMode::Copy || mode == StyleMode::Override) style.ChangeStyle(own, mode);
+  return row >= 0 && col >= 0;
+}
+
+void GridControl::SetCoveredCells(std::int32_t top, std::int32_t left, std::int32_t bottom,
+                                  std::int32_t right) {
+  coverings_.cover({std::max(top, 0), std::max(left, 0), bottom, right});
+}
+
+void GridControl::SetCurrentCell(std::int32_t row, std::int32_t col) {
+  if (row < 0 || col < 0) return;
+  if (edit_ && (edit_->row != row || edit_->col != col)) endEdit(true);
+  currentRow_ = row;
+  currentCol_ = col;
+  scrollTo(row, col);
+}
+
+std::string GridControl::GetCurrentCellText(std::int32_t row, std::int32_t col) const {
+  return edit_ && edit_->row == row && edit_->col == col ? edit_->text : GetValue(row, col);
+}
+
+void GridControl::StoreLine(Axis which, std::int32_t index, std::span<const LineCell> cells) {
+  if (index < 0) return;
+  std::int32_t lastBase = -1;
+  StyleChange* rebase = nullptr;
+  for (const LineCell& given : cells) {
+    const std::int32_t row = which == Axis::Rows ? index : given.position;
+    const std::int32_t col = which == Axis::Rows ? given.position : index;
+    if (given.position < 0 || refuses(row, col)) continue;
+    Cell& cell = cellAt(row, col);
+    store_.setNumber(cell, given.value);
+    if (given.baseStyle < 0) continue;
+    if (rebase == nullptr || given.baseStyle != lastBase) {
+      lastBase = given.baseStyle;
+      rebase = &sets_.rebase(lastBase);
+    }
+    cell.setStyle((*rebase)(cell.style()));
+  }
+}
+
+void GridControl::VisitTexts(Axis which, std::int32_t index, std::int32_t from, std::int32_t to,
+                             bool visibleOnly, const TextVisitor& visitor) const {
+  const LineAxis& along = axis(which == Axis::Rows ? Axis::Columns : Axis::Rows);
+  const Slot line = axis(which).order.at(index);
+  NumberText buffer;
+  for (std::int32_t position = std::max(from, 0); position <= to; ++position) {
+    if (visibleOnly && along.visibility.isHidden(position)) continue;
+    const Slot other = along.order.at(position);
+    visitor(position,
+            store_.text(which == Axis::Rows ? store_.find(line, other) : store_.find(other, line), buffer));
+  }
+}
+
+void GridControl::VisitUserAttributes(Axis which, std::int32_t index, std::int32_t from, std::int32_t to,
+                                      const TextVisitor& visitor) const {
+  const LineAxis& along = axis(which == Axis::Rows ? Axis::Columns : Axis::Rows);
+  const Slot line = axis(which).order.at(index);
+  for (std::int32_t position = std::max(from, 0); position <= to; ++position) {
+    const Slot other = along.order.at(position);
+    visitor(position,
+            which == Axis::Rows ? store_.userAttribute(line, other) : store_.userAttribute(other, line));
+  }
+}
+
+}  // namespace banddesk::host

@@ -1,0 +1,104 @@
+#include "host/grid/style_sets.h"
+
+#include <functional>
+
+#include "plugin/base/error.h"
+
+namespace banddesk::host {
+namespace {
+
+constexpr std::size_t kMostStyles = std::size_t{1} << 24;
+
+template <class Style, class Other, class Action>
+void eachAttribute(Style& style, Other& other, Action action) {
+  action(style.value, other.value);
+  action(style.userAttribute, other.userAttribute);
+  action(style.toolTip, other.toolTip);
+  action(style.baseStyle, other.baseStyle);
+  action(style.interior, other.interior);
+  action(style.textColor, other.textColor);
+  action(style.horizontalAlignment, other.horizontalAlignment);
+  action(style.verticalAlignment, other.verticalAlignment);
+  action(style.format, other.format);
+  action(style.places, other.places);
+  action(style.readOnly, other.readOnly);
+  action(style.wrapText, other.wrapText);
+  action(style.draw3dFrame, other.draw3dFrame);
+  action(style.font, other.font);
+  action(style.styleToolTip, other.styleToolTip);
+}
+
+std::size_t mixed(std::size_t seed, std::size_t hash) {
+  return seed ^ (hash + 0x9E3779B97F4A7C15U + (seed << 6U) + (seed >> 2U));
+}
+
+template <class T>
+std::size_t hashOf(const T& value) {
+  return std::hash<T>{}(value);
+}
+std::size_t hashOf(const GridFont& font) { return std::hash<double>{}(font.size); }
+std::size_t hashOf(const GridBrush& brush) {
+  return mixed(mixed(hashOf(brush.pattern), hashOf(brush.color)), hashOf(brush.bkColor));
+}
+
+}  // namespace
+
+std::size_t StyleHash::operator()(const StyleAttributes& style) const {
+  std::size_t hash = 0;
+  eachAttribute(style, style, [&hash](const auto& attribute, const auto&) {
+    hash = mixed(hash, attribute ? hashOf(*attribute) + 1 : 0);
+  });
+  return hash;
+}
+
+StyleAttributes lookPart(const StyleAttributes& style) {
+  StyleAttributes look = style;
+  look.value.reset();
+  look.userAttribute.reset();
+  look.toolTip.reset();
+  return look;
+}
+
+StyleChange::StyleChange(StyleSets& sets, StyleAttributes look, StyleMode mode)
+    : sets_(sets), look_(std::move(look)), mode_(mode) {}
+
+StyleId StyleChange::workOut(StyleId own) {
+  StyleAttributes changed = sets_.at(own);
+  if (mode_ == StyleMode::Override) overlay(changed, look_);
+  if (mode_ == StyleMode::Copy) changed = look_;
+  if (mode_ == StyleMode::Remove) {
+    eachAttribute(changed, look_, [](auto& attribute, const auto& taken) {
+      if (taken) attribute.reset();
+    });
+  }
+  const StyleId result = sets_.intern(changed);
+  if (own >= memo_.size()) memo_.resize(own + 1, kUnknown);
+  return memo_[own] = result;
+}
+
+StyleSets::StyleSets() { intern({}); }
+
+StyleId StyleSets::intern(const StyleAttributes& look) {
+  if (const auto known = ids_.find(look); known != ids_.end()) return known->second;
+  if (byId_.size() == kMostStyles) {
+    raise(ErrorNumber::OutOfMemory, "Grid", "The grid holds too many different cell styles.");
+  }
+  const auto added = ids_.emplace(look, static_cast<StyleId>(byId_.size())).first;
+  byId_.push_back(&added->first);
+  return added->second;
+}
+
+StyleChange& StyleSets::change(const StyleAttributes& look, StyleMode mode) {
+  if (!last_ || !last_->is(look, mode)) last_ = std::make_unique<StyleChange>(*this, look, mode);
+  return *last_;
+}
+
+StyleChange& StyleSets::rebase(std::int32_t baseStyle) {
+  const auto known = rebased_.find(baseStyle);
+  if (known != rebased_.end()) return known->second;
+  StyleAttributes base;
+  base.baseStyle = baseStyle;
+  return rebased_.emplace(baseStyle, StyleChange(*this, base, StyleMode::Override)).first->second;
+}
+
+}  // namespace banddesk::host
