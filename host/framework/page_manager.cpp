@@ -105,7 +105,8 @@ bool HostPageManager::validate(HostPage& page) const {
   return isValid;
 }
 
-bool HostPageManager::end(const std::shared_ptr<HostPage>& page, bool accept) {
+bool HostPageManager::end(const std::shared_ptr<HostPage>& given, bool accept) {
+  const std::shared_ptr<HostPage> page = given;  // it may be the list's own entry that is given
   if (std::ranges::find(pages_, page) == pages_.end()) return true;
   if (accept && page->base()) {
     if (!validate(*page)) return false;
