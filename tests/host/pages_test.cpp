@@ -62,6 +62,19 @@ TEST(Pages, EndEvenIfTheirOwnerFails) {
   EXPECT_THAT(test.host.pages().openPages(), IsEmpty());
 }
 
+TEST(Pages, ThatFailAtTheirEndDoNotKeepTheStudyOpen) {
+  TestHost test;
+  test.openStudy();
+  test.open("AFLP", test.addAnalysis("First"));
+  test.open("AFLP", test.addAnalysis("Second"));
+  test.script.log.clear();
+  test.script.failingStep = "terminate";
+  EXPECT_EQ(numberOf([&] { test.host.closeStudy(); }), ErrorNumber::Internal);
+  EXPECT_THAT(test.script.log, ElementsAre("terminate", "terminate", "closed"));
+  EXPECT_FALSE(test.host.study().isOpen());
+  EXPECT_THAT(test.host.pages().openPages(), IsEmpty());
+}
+
 TEST(Pages, OutliveAnOwnerThatIsGone) {
   TestHost test;
   test.openStudy();

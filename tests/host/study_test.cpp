@@ -199,6 +199,7 @@ TEST(Faults, StrikeOnceAtTheCallTheyWaitForAndLeaveThePutUndone) {
        }},
       {"ObjectManager", "Save", [&] { test.host.objects().Save(analysis, true); }},
       {"Command", "Enabled", [&] { test.host.serviceBase().Commands.Item(1)->Enabled = false; }},
+      {"BinCalculator", "Calculate", [&] { test.host.NewBinCalculator()->Calculate(); }},
       {"ServiceRegistry.Instances", "Item", [&] { test.host.registry().Instances.Item(1); }},
   };
   for (const Case& one : cases) {
