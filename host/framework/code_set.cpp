@@ -2,19 +2,15 @@
 
 #include <array>
 #include <cerrno>
+#include <clocale>
+#include <cstdint>
 #include <iconv.h>
 #include <langinfo.h>
-#include <locale.h>
 #include <memory>
 
 #include "plugin/base/text.h"
 
 namespace banddesk::host {
-namespace {
-
-const auto kNoConverter = reinterpret_cast<iconv_t>(-1);
-
-}  // namespace
 
 std::string systemCodeSet() {
   const locale_t locale = newlocale(LC_CTYPE_MASK, "", nullptr);
@@ -27,7 +23,7 @@ std::string systemCodeSet() {
 TextEncoder::TextEncoder(const std::string& codeSet) {
   if (equalsIgnoringCase(codeSet, "UTF-8") || equalsIgnoringCase(codeSet, "UTF8")) return;
   const iconv_t converter = iconv_open(codeSet.c_str(), "UTF-8");
-  if (converter != kNoConverter) converter_ = converter;
+  if (reinterpret_cast<std::intptr_t>(converter) != -1) converter_ = converter;
 }
 
 TextEncoder::~TextEncoder() {

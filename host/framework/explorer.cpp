@@ -36,7 +36,7 @@ HostExplorerTree::Node HostExplorerTree::makeNode(const std::shared_ptr<IExplore
   return {item, std::move(base), std::nullopt};
 }
 
-void HostExplorerTree::setFolder(std::shared_ptr<IExplorerItemAccess> folder) {
+void HostExplorerTree::setFolder(const std::shared_ptr<IExplorerItemAccess>& folder) {
   clear(true);
   folder_ = makeNode(folder);
   changed();

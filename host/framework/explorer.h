@@ -48,7 +48,7 @@ class HostExplorerTree final : public ExplorerTree {
   HostExplorerTree(FaultInjector& faults, const ExplorerItemDefinition& definition)
       : faults_(faults), definition_(definition) {}
 
-  void setFolder(std::shared_ptr<IExplorerItemAccess> folder);
+  void setFolder(const std::shared_ptr<IExplorerItemAccess>& folder);
   // Asks the folder for its label and children anew.
   void initialize();
   // Takes the children out, and with `withFolder` the folder too.

@@ -4,6 +4,8 @@
 #include <utility>
 
 #include "host/binning/gap_bin_calculator.h"
+#include "host/framework/first_failure.h"
+#include "host/framework/guarded_calculator.h"
 
 namespace banddesk::host {
 
@@ -29,14 +31,9 @@ Host::Host(HostSettings settings)
 
 Host::~Host() {
   faults_.disarm();
-  while (!pages_.openPages().empty() || studyService_.isOpen()) {
-    // Each round takes one page or the study away, whatever fails meanwhile; nobody is left to be told.
-    try {
-      closeStudy();
-    } catch (const Error&) {
-      continue;
-    }
-  }
+  FirstFailure unheard;
+  unheard.run([&] { closeStudy(); });
+  explorer_.tree().onChange = nullptr;
   explorer_.tree().clear(true);
   folder_.reset();
   serviceBase_.reset();
@@ -56,6 +53,7 @@ void Host::useComponent(const ComponentEntries& entries) {
   if (!settings_.hasFolder) return;
   folder_ = cast<IAFLPExplorerFolder>(component_->create("AFLPExplorerFolder"), "AFLPExplorerFolder");
   explorer_.tree().setFolder(folder_);
+  if (studyService_.isOpen()) explorer_.tree().initialize();
 }
 
 const Component& Host::component() const {
@@ -70,17 +68,19 @@ void Host::openStudy(std::shared_ptr<Store> store) {
 }
 
 void Host::closeStudy() {
-  pages_.endAll();
-  studyService_.close();
+  FirstFailure failure;
+  failure.run([&] { pages_.endAll(); });
+  failure.run([&] { studyService_.close(); });
   reporting_->clear();
   explorer_.tree().clear();
+  failure.raise();
 }
 
-std::vector<std::string> Host::unsaved() { return unsavedItems(serviceBase()); }
+std::vector<std::string> Host::unsaved() const { return unsavedItems(serviceBase()); }
 
 SaveOutcome Host::save(const SaveChoice& choose) { return saveStudy(serviceBase(), pages_, choose); }
 
-void Host::runNewAnalysis() {
+void Host::runNewAnalysis() const {
   if (serviceBase().Commands.Item(kNewAnalysisCommand)->Enabled) service().NewAFLP();
 }
 
@@ -126,7 +126,9 @@ std::shared_ptr<Grid> Host::NewGrid(const std::string& name) {
 
 std::shared_ptr<BinCalculator> Host::NewBinCalculator() {
   faults_.check("HostServices", "NewBinCalculator");
-  return settings_.makeBinCalculator();
+  auto calculator = settings_.makeBinCalculator();
+  required(calculator, "BinCalculator");
+  return std::make_shared<GuardedCalculator>(faults_, std::move(calculator));
 }
 
 banddesk::ServiceRegistry& Host::ServiceRegistry() {

@@ -38,7 +38,7 @@ class Host final : public HostServices, private Application {
   explicit Host(HostSettings settings);
   ~Host() override;
 
-  // ---- the component: once, before any study is opened
+  // ---- the component, once; what is wrong with it is an error that names it
   // From a shared library, by default the one beside the executable; it is never unloaded.
   void loadComponent(const std::string& path = besideExecutable(kComponentFile));
   // One that is linked in.
@@ -47,13 +47,13 @@ class Host final : public HostServices, private Application {
 
   // ---- the study
   void openStudy(std::shared_ptr<Store> store);  // closes the one that is open
-  // Ends all pages first, cancelled; what is unsaved is lost.
+  // Ends all pages first, cancelled; what is unsaved is lost. The study is closed even if something fails.
   void closeStudy();
-  std::vector<std::string> unsaved();
+  std::vector<std::string> unsaved() const;
   SaveOutcome save(const SaveChoice& choose = {});
 
   // ---- what the user does
-  void runNewAnalysis();  // nothing while the command is not enabled
+  void runNewAnalysis() const;  // nothing while the command is not enabled
   // "OpenAFLP", "RenameAFLP", "DeleteAFLP" or "NewReport" on an item of the tree; error 5 for any other.
   void runCommand(const std::shared_ptr<IExplorerItemAccess>& item, const std::string& command);
 

@@ -5,6 +5,7 @@
 #include <exception>
 #include <fmt/format.h>
 
+#include "host/framework/first_failure.h"
 #include "plugin/base/text.h"
 
 namespace banddesk::host {
@@ -34,16 +35,6 @@ const PageDefinition& definitionOf(const std::string& name) {
     raise(ErrorNumber::NotFoundInRegistry, "PageManager", fmt::format("There is no page {}.", name));
   }
   return *found;
-}
-
-// Runs a step of an end that must go on to the next step; the first failure is kept.
-template <class Step>
-void keepGoing(std::exception_ptr& failure, Step step) {
-  try {
-    step();
-  } catch (...) {
-    if (!failure) failure = std::current_exception();
-  }
 }
 
 }  // namespace
@@ -77,15 +68,14 @@ void HostPageManager::start(HostPage& page, const char* className) {
   auto base = cast<HostPageBase>(control->Page(), "PageBase");
   page.hold(control, base);
   base->setInitializing(true);
-  std::exception_ptr failure;
-  keepGoing(failure, [&] { base->Initialize.raise(); });
+  FirstFailure failure;
+  failure.run([&] { base->Initialize.raise(); });
   base->setInitializing(false);
   if (!failure) return;
   // It may have told others of itself before it failed.
-  std::exception_ptr ignored;
-  keepGoing(ignored, [&] { base->Terminate.raise(); });
+  failure.run([&] { base->Terminate.raise(); });
   page.hold();
-  std::rethrow_exception(failure);
+  failure.raise();
 }
 
 bool HostPageManager::runModal(const HostPage& page) const {
@@ -105,25 +95,30 @@ bool HostPageManager::validate(HostPage& page) const {
   return isValid;
 }
 
-bool HostPageManager::end(const std::shared_ptr<HostPage>& page, bool accept) {
-  if (std::ranges::find(pages_, page) == pages_.end()) return true;
+bool HostPageManager::end(const std::shared_ptr<HostPage>& given, bool accept) {
+  const auto place = std::ranges::find(pages_, given);
+  if (place == pages_.end()) return true;
+  // Held here: the reference may be to the list's own entry.
+  std::shared_ptr<HostPage> page = *place;
   if (accept && page->base()) {
     if (!validate(*page)) return false;
     page->base()->Save.raise();
   }
   // Out of the list first: what its owner opens in answer must not find it.
   std::erase(pages_, page);
-  std::exception_ptr failure;
-  keepGoing(failure, [&] { page->owner().raiseExit(*page, !accept); });
-  if (page->base()) keepGoing(failure, [&] { page->base()->Terminate.raise(); });
-  if (watch.onEnd) keepGoing(failure, [&] { watch.onEnd(*page); });
+  FirstFailure failure;
+  failure.run([&] { page->owner().raiseExit(*page, !accept); });
+  if (page->base()) failure.run([&] { page->base()->Terminate.raise(); });
+  if (watch.onEnd) failure.run([&] { watch.onEnd(*page); });
   page->hold();
-  if (failure) std::rethrow_exception(failure);
+  failure.raise();
   return true;
 }
 
 void HostPageManager::endAll() {
-  while (!pages_.empty()) end(pages_.back(), false);
+  FirstFailure failure;
+  while (!pages_.empty()) failure.run([&] { end(pages_.back(), false); });
+  failure.raise();
 }
 
 void HostPageManager::userEvent(const HostPage& page, const std::function<void()>& action) const {

@@ -32,7 +32,7 @@ class HostPageManager final : public PageManager {
   // Ends a page. To accept it, it must be valid, and is saved into its object first; an invalid one stays
   // open and the answer is false. Then the owner hears OnExit, and the page Terminate.
   bool end(const std::shared_ptr<HostPage>& page, bool accept);
-  void endAll();  // cancelled, the latest first
+  void endAll();  // cancelled, the latest first; a failure comes when all have ended
 
   bool validate(HostPage& page) const;
 

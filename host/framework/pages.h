@@ -79,6 +79,7 @@ class HostPage final : public Page {
         caption_(std::move(caption)),
         bound_(std::move(bound)),
         owner_(owner) {}
+  ~HostPage() override { hold(); }
 
   const std::string& DefinitionName() const override { return definitionName_; }
   ObjectRef BoundObject() const override;

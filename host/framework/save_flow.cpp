@@ -19,8 +19,7 @@ bool isDeleted(const ObjectRef& item) {
 }
 
 bool storePages(HostPageManager& pages, const ObjectRef& item) {
-  const auto open = pages.openPages();
-  for (const auto& page : open) {
+  for (const auto& page : pages.openPages()) {
     if (page->bound() != item || !page->base()) continue;
     if (!pages.validate(*page)) return false;
     page->base()->Save.raise();
@@ -44,7 +43,7 @@ SaveOutcome saveStudy(ServiceBase& service, HostPageManager& pages, const SaveCh
 
   SaveOutcome outcome;
   for (const std::string& description : chosen) {
-    const ObjectRef item = items.Item(description);
+    const ObjectRef& item = items.Item(description);
     if (!isDeleted(item) && !storePages(pages, item)) {
       outcome.refused.push_back(description);
       continue;

@@ -1,10 +1,10 @@
 #include "host/framework/study_service.h"
 
 #include <algorithm>
-#include <exception>
 #include <fmt/format.h>
 #include <utility>
 
+#include "host/framework/first_failure.h"
 #include "plugin/base/numbers.h"
 
 namespace banddesk::host {
@@ -63,13 +63,13 @@ std::int32_t HostStudyService::CheckAnalysis(std::shared_ptr<AFLP>& analysis) {
 void HostStudyService::open(std::shared_ptr<Store> store) {
   if (isOpen_) raise(ErrorNumber::InvalidArgument, "StudyService", "Another study is open.");
   store_ = std::move(store);
-  try {
+  FirstFailure failure;
+  failure.run([&] {
     study_ = makeStudy(required(store_, "Store").readStudy(), store_, faults_);
     objects_.attach(store_, study_);
-  } catch (const Error&) {
-    drop();
-    throw;
-  }
+  });
+  if (failure) drop();
+  failure.raise();
   isOpen_ = true;
   StudyOpened.raise(study_);
 }
@@ -77,14 +77,10 @@ void HostStudyService::open(std::shared_ptr<Store> store) {
 void HostStudyService::close() {
   if (!isOpen_) return;
   isOpen_ = false;
-  // The study goes even if a listener fails.
-  try {
-    StudyClosed.raise();
-  } catch (const Error&) {
-    drop();
-    throw;
-  }
+  FirstFailure failure;
+  failure.run([&] { StudyClosed.raise(); });
   drop();
+  failure.raise();
 }
 
 void HostStudyService::drop() {

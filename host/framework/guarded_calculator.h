@@ -1,0 +1,50 @@
+// A bin calculator under the seam at which failures are injected; the work is done by the one it wraps.
+#pragma once
+
+#include <memory>
+#include <utility>
+#include <vector>
+
+#include "host/study/fault_injector.h"
+#include "plugin/analysis/bin_calculator.h"
+
+namespace banddesk::host {
+
+class GuardedCalculator final : public BinCalculator {
+ public:
+  GuardedCalculator(FaultInjector& faults, std::shared_ptr<BinCalculator> calculator)
+      : faults_(faults), calculator_(std::move(calculator)) {}
+
+  void SetMaxBinWidth(double nt) override { at("MaxBinWidth").SetMaxBinWidth(nt); }
+  void SetYThreshold(double rfu) override { at("YThreshold").SetYThreshold(rfu); }
+  void AddFragments(std::int32_t resultIndex, std::int32_t zero, const FragmentTable& fragments,
+                    std::int16_t dye, std::int32_t one, std::int32_t alsoOne) override {
+    at("AddFragments").AddFragments(resultIndex, zero, fragments, dye, one, alsoOne);
+  }
+  void Calculate() override { at("Calculate").Calculate(); }
+  std::int32_t BinCount() const override { return at("BinCount").BinCount(); }
+  std::int32_t SampleCount(std::int32_t bin) const override { return at("SampleCount").SampleCount(bin); }
+  std::int32_t FragmentCount(std::int32_t bin) const override {
+    return at("FragmentCount").FragmentCount(bin);
+  }
+  double XMin(std::int32_t bin) const override { return at("XMin").XMin(bin); }
+  double XMax(std::int32_t bin) const override { return at("XMax").XMax(bin); }
+  double XMean(std::int32_t bin) const override { return at("XMean").XMean(bin); }
+  double XVariance(std::int32_t bin) const override { return at("XVariance").XVariance(bin); }
+  double YMean(std::int32_t bin) const override { return at("YMean").YMean(bin); }
+  void GetResultData(std::int32_t bin, std::vector<std::int32_t>& counts,
+                     std::vector<double>& heights) const override {
+    at("GetResultData").GetResultData(bin, counts, heights);
+  }
+
+ private:
+  BinCalculator& at(const char* operation) const {
+    faults_.check("BinCalculator", operation);
+    return *calculator_;
+  }
+
+  FaultInjector& faults_;
+  std::shared_ptr<BinCalculator> calculator_;
+};
+
+}  // namespace banddesk::host

@@ -1,0 +1,188 @@
+#include "host/framework/platform.h"
+
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <iterator>
+#include <sys/resource.h>
+
+#include "tests/host/fake_component.h"
+
+namespace banddesk::host {
+namespace {
+
+namespace fs = std::filesystem;
+
+class TextFile : public testing::Test {
+ protected:
+  TextFile() { fs::create_directories(folder_); }
+  ~TextFile() override { fs::remove_all(folder_); }
+  std::string path(const std::string& name) const { return (folder_ / name).string(); }
+  static std::string bytesOf(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+  }
+  FaultInjector faults_;
+
+ private:
+  fs::path folder_ =
+      fs::path(testing::TempDir()) / testing::UnitTest::GetInstance()->current_test_info()->name();
+};
+
+TEST_F(TextFile, IsWrittenInTheCodeSetOfTheSystem) {
+  struct Case {
+    const char* codeSet;
+    std::string bytes;
+  };
+  const std::string text = "Größe ≥ 5 µl \xFFx";
+  const std::vector<Case> cases = {
+      {"UTF-8", text + "\r\n"},
+      {"no such set", text + "\r\n"},
+      {"ISO-8859-1",
+       "Gr\xF6\xDF"
+       "e ? 5 \xB5l ?x\r\n"},
+  };
+  for (const Case& one : cases) {
+    SCOPED_TRACE(one.codeSet);
+    DiskTextFiles files(faults_, one.codeSet);
+    files.OpenForOutput(path("a.csv"), 1);
+    files.Print(1, text);
+    EXPECT_EQ(files.FreeFile(), 2);
+    files.Close(1);
+    EXPECT_EQ(files.FreeFile(), 1);
+    EXPECT_EQ(bytesOf(path("a.csv")), one.bytes);
+  }
+}
+
+TEST_F(TextFile, TellsTheCauseOfAFailure) {
+  DiskTextFiles files(faults_, "UTF-8");
+  const auto write = [&](const std::string& name) {
+    files.OpenForOutput(name, 1);
+    files.Print(1, "x");
+    files.Close(1);
+  };
+  EXPECT_EQ(numberOf([&] { write(path("none/a.csv")); }), ErrorNumber::PathNotFound);
+  EXPECT_EQ(numberOf([&] { write(path("")); }), ErrorNumber::DeviceIo) << "a folder";
+  EXPECT_EQ(numberOf([&] { write(fs::read_symlink("/proc/self/exe")); }), ErrorNumber::PermissionDenied);
+  EXPECT_EQ(numberOf([&] { write("/dev/full"); }), ErrorNumber::DiskFull);
+  EXPECT_EQ(numberOf([&] { files.Print(1, "x"); }), ErrorNumber::InvalidArgument) << "given up at its close";
+}
+
+TEST_F(TextFile, LosesAndDoublesNothingWhenAWriteIsRepeated) {
+  DiskTextFiles files(faults_, "UTF-8");
+  const std::string name = path("a.csv");
+  rlimit before{};
+  ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
+  const auto oldHandler = std::signal(SIGXFSZ, SIG_IGN);
+  const rlimit small{100'000, before.rlim_max};
+  ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
+  std::string expected;
+  int failures = 0;
+  files.OpenForOutput(name, 1);
+  for (int i = 0; i < 20'000; ++i) {
+    const std::string line = "line " + std::to_string(i);
+    expected += line + "\r\n";
+    if (numberOf([&] { files.Print(1, line); }) == ErrorNumber::None) continue;
+    ++failures;
+    setrlimit(RLIMIT_FSIZE, &before);
+    files.Print(1, line);
+  }
+  files.Close(1);
+  setrlimit(RLIMIT_FSIZE, &before);
+  (void)std::signal(SIGXFSZ, oldHandler);
+  EXPECT_EQ(failures, 1);
+  EXPECT_EQ(bytesOf(name), expected);
+}
+
+TEST(Platform, JoinsPathsOfEitherSlash) {
+  FaultInjector faults;
+  HostPlatform platform(faults, "UTF-8", '.');
+  EXPECT_EQ(platform.JoinPath("/opt/banddesk/bin", "..\\Export\\"), "/opt/banddesk/Export/");
+  EXPECT_EQ(platform.JoinPath("/opt/banddesk/", "a/./b.csv"), "/opt/banddesk/a/b.csv");
+}
+
+TEST(Platform, TakesAnswersFromTheQueueThenTheHookThenTheCarefulOne) {
+  FaultInjector faults;
+  HostPlatform platform(faults, "UTF-8", '.');
+  const auto ask = [&] { return platform.MsgBox("Again?", ui::kExclamationRetryCancel, ""); };
+  EXPECT_EQ(ask(), ui::BoxAnswer::Cancel);
+  EXPECT_EQ(platform.MsgBox("Done.", ui::kInformation, "AFLP Analysis"), ui::BoxAnswer::Ok);
+  platform.onMsgBox = [](const MessageShown&) { return ui::BoxAnswer::Ok; };
+  platform.boxAnswers = {ui::BoxAnswer::Retry};
+  EXPECT_EQ(ask(), ui::BoxAnswer::Retry);
+  EXPECT_EQ(ask(), ui::BoxAnswer::Ok);
+
+  ui::SaveDialog dialog("ctlDialog");
+  dialog.CancelError = true;
+  platform.saveAnswers = {SaveAnswer{"/tmp/a.nts", 2}, std::nullopt};
+  dialog.ShowSave(platform);
+  EXPECT_EQ(dialog.FileName.get(), "/tmp/a.nts");
+  EXPECT_EQ(dialog.FilterIndex, 2);
+  EXPECT_EQ(numberOf([&] { dialog.ShowSave(platform); }), ErrorNumber::DialogCancelled);
+}
+
+TEST(Component, IsRefusedWithItsFileAndTheCause) {
+  const std::string noLibrary = fs::path(testing::TempDir()) / "no_library.so";
+  std::ofstream(noLibrary) << "text";
+  const auto refusal = [](const std::function<void(Host&)>& use) -> std::pair<ErrorNumber, std::string> {
+    Host host({});
+    try {
+      use(host);
+    } catch (const Error& error) {
+      return {error.number(), error.description()};
+    }
+    return {};
+  };
+  using testing::HasSubstr;
+  using testing::Pair;
+  EXPECT_THAT(refusal([](Host& host) { host.loadComponent("/nowhere/plugin.so"); }),
+              Pair(ErrorNumber::PathNotFound, HasSubstr("/nowhere/plugin.so")));
+  EXPECT_THAT(refusal([&](Host& host) { host.loadComponent(noLibrary); }),
+              Pair(ErrorNumber::NotFoundInRegistry, HasSubstr(noLibrary)));
+  EXPECT_THAT(refusal([](Host& host) { host.useComponent(strangerEntries()); }),
+              Pair(ErrorNumber::NotFoundInRegistry, HasSubstr("another version")));
+  TestHost test;
+  EXPECT_THAT(test.script.log, testing::ElementsAre("service initialize"));
+  EXPECT_EQ(numberOf([&] { test.host.component().create("AFLPPoster"); }), ErrorNumber::NotFoundInRegistry);
+  EXPECT_EQ(numberOf([&] { test.open("Poster", nullptr); }), ErrorNumber::NotFoundInRegistry);
+}
+
+TEST(Framework, SortsColumnsAndCountsProgress) {
+  TestHost test;
+  test.openStudy();
+  auto& framework = test.host.framework();
+  const auto& columns = test.addAnalysis("First")->BinGrid->Columns;
+  columns.Item("85")->ColumnOrder = 1;  // beside the first one
+  const auto sorted = framework.SortedBy(columns, 0, 0, "ColumnOrder", 0);
+  EXPECT_EQ(sorted[0]->Key.get() + sorted[1]->Key.get() + sorted[2]->Key.get(), "6857");
+  EXPECT_EQ(numberOf([&] { framework.SortedBy(columns, 0, 0, "Weight", 0); }), ErrorNumber::InvalidArgument);
+
+  auto& progress = test.host.progress();
+  progress.Start(50, 0);
+  progress.Step();
+  EXPECT_DOUBLE_EQ(progress.Position(), 0.5);
+  progress.SetSteps(0);
+  progress.Step();
+  EXPECT_DOUBLE_EQ(progress.Position(), 0.5);
+  progress.SetPosition(70);
+  EXPECT_DOUBLE_EQ(progress.Position(), 70);
+  progress.Finish();
+  EXPECT_DOUBLE_EQ(progress.Position(), 0);
+}
+
+TEST(GridUtilities, GiveTextThatStandsOutAgainstItsGround) {
+  TestHost test;
+  struct Case {
+    Colour ground, text;
+  };
+  for (const Case& one :
+       {Case{ui::kWhite, 0}, Case{0, ui::kWhite}, Case{0xFF0000, ui::kWhite}, Case{ui::kYellow, 0},
+        Case{0x00FF00, 0}, Case{0x0000FF, ui::kWhite}, Case{ui::kButtonFace, ui::kWindowText}}) {
+    EXPECT_EQ(test.host.GridUtilities().ContrastColor(one.ground), one.text) << std::hex << one.ground;
+  }
+}
+
+}  // namespace
+}  // namespace banddesk::host
