@@ -45,6 +45,7 @@ ComponentEntries loadEntries(const std::string& path) {
       ::dlopen(std::filesystem::absolute(path).c_str(), RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE);
   if (library == nullptr) refuse(fmt::format("{} cannot be loaded: {}.", path, ::dlerror()));
   ComponentEntries entries;
+  entries.name = path;
   find(library, path, "DllRegisterServer", entries.registerServer);
   find(library, path, "DllUnregisterServer", entries.unregisterServer);
   find(library, path, "DllGetClassObject", entries.getClassObject);
@@ -56,7 +57,8 @@ Component::Component(const ComponentEntries& entries, HostServices& services)
     : entries_(entries), services_(services) {
   ClassList classes;
   if (const std::int32_t status = entries_.registerServer(classes); status != kEntryOk) {
-    refuse(fmt::format("The component refused to register (0x{:08X}).", static_cast<std::uint32_t>(status)));
+    refuse(
+        fmt::format("{} refused to register (0x{:08X}).", entries_.name, static_cast<std::uint32_t>(status)));
   }
   classNames_ = std::move(classes.names);
 }
@@ -66,14 +68,14 @@ ObjectRef Component::create(const std::string& className) const {
   const std::int32_t status =
       entries_.getClassObject(className.c_str(), kContractStamp, services_, classObject);
   if (status == kEntryContractDiffers) {
-    refuse("The component was built for another version of the host.");
+    refuse(fmt::format("{} was built for another version of the host.", entries_.name));
   }
   if (status != kEntryOk || !classObject) {
-    refuse(fmt::format("The component has no class {} (0x{:08X}).", className,
+    refuse(fmt::format("{} has no class {} (0x{:08X}).", entries_.name, className,
                        static_cast<std::uint32_t>(status)));
   }
   ObjectRef object = classObject->CreateInstance();
-  if (!object) refuse(fmt::format("The component made no {}.", className));
+  if (!object) refuse(fmt::format("{} made no {}.", entries_.name, className));
   return object;
 }
 

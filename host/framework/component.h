@@ -18,6 +18,7 @@ struct ComponentEntries {
   decltype(&DllUnregisterServer) unregisterServer = nullptr;
   decltype(&DllGetClassObject) getClassObject = nullptr;
   decltype(&DllCanUnloadNow) canUnloadNow = nullptr;
+  std::string name = "The component";  // as messages call it
 };
 
 // The path of a file in the folder of the running executable.
