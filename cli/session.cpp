@@ -33,7 +33,7 @@ void Session::openStudy(const std::string& name, std::vector<host::NewResult> re
   host_.openStudy(std::make_shared<host::MemoryStore>(name, std::move(results)));
 }
 
-std::shared_ptr<host::HostPage> Session::openPage(const char* definition) const {
+std::shared_ptr<host::HostPage> Session::openPage(const char* definition) {
   for (const auto& page : host_.pages().openPages()) {
     if (page->DefinitionName() == definition) return page;
   }

@@ -31,7 +31,7 @@ class Session {
   host::Host& host() { return host_; }
 
  private:
-  std::shared_ptr<host::HostPage> openPage(const char* definition) const;
+  std::shared_ptr<host::HostPage> openPage(const char* definition);
   void fillParameters(const ui::ControlSet& controls, const AnalysisRequest& request) const;
   void chooseView(const AnalysisRequest& request);
   void act(const std::function<void()>& action);

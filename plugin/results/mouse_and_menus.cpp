@@ -22,7 +22,8 @@ void MouseAndMenus::grdAFLP_OnRButtonClickedRowCol(double row, double col) {
 }
 
 bool MouseAndMenus::isSampleSelected() const {
-  for (const std::int32_t col : *table_.GetSelected(kColumns, kIndexes)) {
+  const auto selected = table_.GetSelected(kColumns, kIndexes);
+  for (const std::int32_t col : *selected) {
     if (col >= table_.m_lFirstSampleCol) return true;
   }
   return false;

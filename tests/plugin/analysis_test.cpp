@@ -1,8 +1,7 @@
-// From fragments to the filtered table: the run, the display modes, exclusion by filters, by dyes and by hand, and what
-// is kept of it.
+// From fragments to the filtered table: the run, the display modes, exclusion by filters, by dyes and by
+// hand, and what is kept of it.
 #include <gmock/gmock.h>
 #include <rapidcheck.h>
-
 #include <set>
 
 #include "tests/plugin/desk.h"
@@ -155,20 +154,22 @@ struct Marks {
   std::set<std::size_t> bins, samples;
 };
 
-Marks plainFilters(const std::vector<std::vector<int>>& counts, const std::vector<bool>& dyeIsOn, bool full, bool empty,
-                   std::size_t sampleCount) {
+Marks plainFilters(const std::vector<std::vector<int>>& counts, const std::vector<bool>& dyeIsOn, bool full,
+                   bool empty, std::size_t sampleCount) {
   Marks marks;
   const auto isValid = [&](std::size_t bin) { return dyeIsOn[bin] && !marks.bins.contains(bin); };
   for (bool again = true; again;) {
     const std::size_t before = marks.bins.size() + marks.samples.size();
     for (std::size_t bin = 0; full && bin < counts.size(); ++bin) {
       bool isFull = isValid(bin);
-      for (std::size_t s = 0; s < sampleCount; ++s) isFull = isFull && (marks.samples.contains(s) || counts[bin][s] != 0);
+      for (std::size_t s = 0; s < sampleCount; ++s)
+        isFull = isFull && (marks.samples.contains(s) || counts[bin][s] != 0);
       if (isFull) marks.bins.insert(bin);
     }
     for (std::size_t s = 0; empty && s < sampleCount; ++s) {
       bool isEmpty = true;
-      for (std::size_t bin = 0; bin < counts.size(); ++bin) isEmpty = isEmpty && !(isValid(bin) && counts[bin][s] != 0);
+      for (std::size_t bin = 0; bin < counts.size(); ++bin)
+        isEmpty = isEmpty && !(isValid(bin) && counts[bin][s] != 0);
       if (isEmpty) marks.samples.insert(s);
     }
     again = full && empty && marks.bins.size() + marks.samples.size() > before;
@@ -184,7 +185,8 @@ TEST(Filters, MarkWhatTheirDefinitionMarks) {
     std::vector<bool> dyeIsOn;
     const bool on = *rc::gen::arbitrary<bool>();
     for (std::size_t bin = 0; bin < counts.size(); ++bin) {
-      script[bin < 3 ? 0 : 1].push_back({100.0 + static_cast<double>(bin), {counts[bin].begin(), counts[bin].end()}, {}});
+      script[bin < 3 ? 0 : 1].push_back(
+          {100.0 + static_cast<double>(bin), {counts[bin].begin(), counts[bin].end()}, {}});
       dyeIsOn.push_back(bin < 3 || on);
     }
     const bool full = *rc::gen::arbitrary<bool>();
@@ -290,31 +292,29 @@ TEST(Warning, GuardsDecisionsAndPutsTheParametersBack) {
   Desk desk({{0, {{100, {1, 1, 1}}, {200, {1, 0, 1}}}}});
   IAFLPResultsPage& page = desk.newAnalysis();
   excludeBin(desk, 2);
-  const auto runWith = [&](const char* button, bool dontShow) {
+  const auto runWith = [&](const char* button, const char* threshold, bool dontShow) {
     desk.host.platform().formAnswers.push_back([=](ui::Form& form) {
       EXPECT_EQ(form.Caption(), "Inclusion/Exclusion Warning");
       if (dontShow) form.Controls().find<ui::CheckBox>("chkDontShow")->click();
       if (button != nullptr) form.Controls().find<ui::CommandButton>(button)->Click.raise();
     });
     desk.control<ui::TextBox>("txtMaxBinWidth").Text = "2.5";
-    desk.control<ui::TextBox>("txtYThreshold").Text = "12.5";
+    desk.control<ui::TextBox>("txtYThreshold").Text = threshold;
     page.Analyze(false);
   };
-  runWith("btnCancel", false);
+  runWith("btnCancel", "12.5", false);
   EXPECT_EQ(desk.control<ui::TextBox>("txtMaxBinWidth").Text.get(), "1.00");
   EXPECT_EQ(desk.control<ui::TextBox>("txtYThreshold").Text.get(), "0");
   EXPECT_TRUE(page.AnyManualExclusions());
-  runWith("btnOK", false);
+  runWith("btnOK", "12.5", false);
   EXPECT_FALSE(page.AnyManualExclusions());
   EXPECT_EQ(page.Analysis().yThreshold, 12.5);
 
   excludeBin(desk, 2);
-  desk.control<ui::TextBox>("txtYThreshold").Text = "13";
-  runWith(nullptr, false);  // closed by its frame: as it was answered last
+  runWith(nullptr, "13", false);  // closed by its frame: as it was answered last
   EXPECT_FALSE(page.AnyManualExclusions());
   excludeBin(desk, 2);
-  desk.control<ui::TextBox>("txtYThreshold").Text = "14";
-  runWith("btnCancel", true);
+  runWith("btnCancel", "14", true);
   EXPECT_FALSE(desk.host.study().options().ShowInclusionWarning());
   EXPECT_TRUE(page.AnyManualExclusions());
 }

@@ -24,7 +24,8 @@ class ScriptedCalculator final : public BinCalculator {
   std::int32_t BinCount() const override { return static_cast<std::int32_t>(desk_->script[dye_].size()); }
   std::int32_t SampleCount(std::int32_t bin) const override {
     const auto& counts = at(bin).counts;
-    return static_cast<std::int32_t>(counts.size() - static_cast<std::size_t>(std::count(counts.begin(), counts.end(), 0)));
+    return static_cast<std::int32_t>(counts.size() -
+                                     static_cast<std::size_t>(std::count(counts.begin(), counts.end(), 0)));
   }
   std::int32_t FragmentCount(std::int32_t bin) const override {
     return std::accumulate(at(bin).counts.begin(), at(bin).counts.end(), 0);
@@ -34,7 +35,8 @@ class ScriptedCalculator final : public BinCalculator {
   double XMean(std::int32_t bin) const override { return at(bin).mean; }
   double XVariance(std::int32_t) const override { return 1.0 / 3.0; }
   double YMean(std::int32_t) const override { return 0.00000125; }
-  void GetResultData(std::int32_t bin, std::vector<std::int32_t>& counts, std::vector<double>& heights) const override {
+  void GetResultData(std::int32_t bin, std::vector<std::int32_t>& counts,
+                     std::vector<double>& heights) const override {
     counts = at(bin).counts;
     heights = at(bin).heights;
     if (heights.empty()) {
@@ -45,7 +47,9 @@ class ScriptedCalculator final : public BinCalculator {
   }
 
  private:
-  const ScriptedBin& at(std::int32_t bin) const { return desk_->script[dye_].at(static_cast<std::size_t>(bin)); }
+  const ScriptedBin& at(std::int32_t bin) const {
+    return desk_->script[dye_].at(static_cast<std::size_t>(bin));
+  }
   std::shared_ptr<CalculatorDesk> desk_;
   int dye_;
   std::int32_t results_ = 0;
@@ -80,7 +84,7 @@ Desk::Desk(Script script, std::vector<std::string> samples) : host(settings(calc
 
 void Desk::openStudy() { host.openStudy(store); }
 
-std::shared_ptr<host::HostPage> Desk::pageNamed(const std::string& definition) const {
+std::shared_ptr<host::HostPage> Desk::pageNamed(const std::string& definition) {
   const auto& pages = host.pages().openPages();
   for (auto page = pages.rbegin(); page != pages.rend(); ++page) {
     if ((*page)->DefinitionName() == definition) return *page;
@@ -107,13 +111,13 @@ IAFLPResultsPage& Desk::reopen(const std::shared_ptr<AFLP>& analysis) {
   return page();
 }
 
-IAFLPResultsPage& Desk::page() const { return dynamic_cast<IAFLPResultsPage&>(*pageNamed("AFLP")->control()); }
+IAFLPResultsPage& Desk::page() { return dynamic_cast<IAFLPResultsPage&>(*pageNamed("AFLP")->control()); }
 
-AFLP& Desk::analysis() const { return dynamic_cast<AFLP&>(*pageNamed("AFLP")->bound()); }
+AFLP& Desk::analysis() { return dynamic_cast<AFLP&>(*pageNamed("AFLP")->bound()); }
 
-host::GridControl& Desk::grid() const { return control<host::GridControl>("grdAFLP"); }
+host::GridControl& Desk::grid() { return control<host::GridControl>("grdAFLP"); }
 
-std::string Desk::visibleTable() const {
+std::string Desk::visibleTable() {
   host::GridControl& grid = this->grid();
   std::string text;
   for (std::int32_t row = 0; row <= grid.RowCount(); ++row) {

@@ -1,9 +1,8 @@
-// A host with the real component, a study and analyses whose bins are scripted: what the tests of the plug-in drive. No
-// binning rule plays a part here.
+// A host with the real component, a study and analyses whose bins are scripted: what the tests of the plug-in
+// drive. No binning rule plays a part here.
 #pragma once
 
 #include <gtest/gtest.h>
-
 #include <map>
 #include <memory>
 #include <string>
@@ -19,8 +18,8 @@ namespace banddesk::test {
 // One bin as a calculator would find it: its statistics, and per result the fragments and the largest height.
 struct ScriptedBin {
   double mean = 0;
-  std::vector<std::int32_t> counts;
-  std::vector<double> heights;  // absent: 100 RFU for each count that is not 0
+  std::vector<std::int32_t> counts = {};
+  std::vector<double> heights = {};  // absent: 100 RFU for each count that is not 0
 };
 
 using Script = std::map<int, std::vector<ScriptedBin>>;  // by dye
@@ -52,10 +51,10 @@ class Desk {
   // The results page of an analysis that is opened again.
   IAFLPResultsPage& reopen(const std::shared_ptr<AFLP>& analysis);
 
-  std::shared_ptr<host::HostPage> pageNamed(const std::string& definition) const;
-  IAFLPResultsPage& page() const;
-  AFLP& analysis() const;
-  host::GridControl& grid() const;
+  std::shared_ptr<host::HostPage> pageNamed(const std::string& definition);
+  IAFLPResultsPage& page();
+  AFLP& analysis();
+  host::GridControl& grid();
 
   template <class Wanted>
   static Wanted& control(IPageControl& page, const std::string& name) {
@@ -64,15 +63,15 @@ class Desk {
     return *found;
   }
   template <class Wanted>
-  Wanted& control(const std::string& name) const {
+  Wanted& control(const std::string& name) {
     return control<Wanted>(page(), name);
   }
-  void choose(const std::string& menuItem) const { control<ui::MenuItem>(menuItem).choose(); }
+  void choose(const std::string& menuItem) { control<ui::MenuItem>(menuItem).choose(); }
   // Half a second passes.
   bool wait() { return host.pages().fireTimers(); }
 
   // The visible table as text, a line a row, cells separated by blanks; "*" behind a grey cell.
-  std::string visibleTable() const;
+  std::string visibleTable();
 
   std::shared_ptr<CalculatorDesk> calculators = std::make_shared<CalculatorDesk>();
   std::shared_ptr<host::MemoryStore> store;

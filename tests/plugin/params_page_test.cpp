@@ -23,13 +23,14 @@ TEST(ParamsPage, ChecksItsTwoNumbers) {
     const char* threshold;
     bool widthIsGood, thresholdIsGood;
   };
-  for (const Case& c : {Case{"0.05", "0", true, true}, Case{"10", "100000", true, true}, Case{"10.00", " 5 ", true, true},
-                        Case{"0.04", "-1", false, false}, Case{"10.01", "", false, false},
-                        Case{"", "12a", false, false}, Case{"x", "&H10", false, false},
-                        Case{"1.2a", "1e3", true, true}, Case{"1,5", "1,5", true, false}}) {
+  for (const Case& c :
+       {Case{"0.05", "0", true, true}, Case{"10", "100000", true, true}, Case{"10.00", " 5 ", true, true},
+        Case{"0.04", "-1", false, false}, Case{"10.01", "", false, false}, Case{"", "12a", false, false},
+        Case{"x", "&H10", false, false}, Case{"1.2a", "1e3", true, true}, Case{"1,5", "1,5", true, false}}) {
     boxes.width.Text = c.width;
     boxes.threshold.Text = c.threshold;
-    EXPECT_EQ(desk.host.pages().validate(*page), c.widthIsGood && c.thresholdIsGood) << c.width << "|" << c.threshold;
+    EXPECT_EQ(desk.host.pages().validate(*page), c.widthIsGood && c.thresholdIsGood)
+        << c.width << "|" << c.threshold;
     EXPECT_EQ(boxes.width.BackColor, c.widthIsGood ? ui::kWhite : ui::kYellow) << c.width;
     EXPECT_EQ(boxes.threshold.BackColor, c.thresholdIsGood ? ui::kWhite : ui::kYellow) << c.threshold;
   }
@@ -60,8 +61,8 @@ TEST(ParamsPage, StepsTheWidthByFiveHundredthsAndTheThresholdByItsBuddy) {
     const char* to;
   };
   for (const Case& c : {Case{"0.05", false, "0.05"}, Case{"0.10", false, "0.05"}, Case{"0.06", false, "0.01"},
-                        Case{"10.00", true, "10.00"}, Case{"9.95", true, "10.00"}, Case{"9.99", true, "10.04"},
-                        Case{"1abc", true, "1.05"}}) {
+                        Case{"10.00", true, "10.00"}, Case{"9.95", true, "10.00"},
+                        Case{"9.99", true, "10.04"}, Case{"1abc", true, "1.05"}}) {
     boxes.width.Text = c.from;
     c.up ? spin.up() : spin.down();
     EXPECT_EQ(boxes.width.Text.get(), c.to);
@@ -93,8 +94,8 @@ TEST(ParamsPage, WritesTheWholeFirstConfiguration) {
   EXPECT_EQ(analysis.ResultStamp, desk.host.study().Study()->ResultStamp);
   std::string dyes;
   for (const auto& column : analysis.DyeGrid->Columns) {
-    dyes += column->Key.get() + column->Header.get() + column->ToolTip.get() + (column->IsVisible ? "+" : "-") +
-            std::to_string(column->TypeCode) + " ";
+    dyes += column->Key.get() + column->Header.get() + column->ToolTip.get() +
+            (column->IsVisible ? "+" : "-") + std::to_string(column->TypeCode) + " ";
   }
   EXPECT_EQ(dyes, "0D1Dye 1+306 1D2Dye 2-306 2D3Dye 3+306 3D4Dye 4+306 ");
 }

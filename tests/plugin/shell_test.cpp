@@ -156,7 +156,8 @@ TEST(SaveFlow, ListsWhatIsNewChangedAndDeletedAndRefusesEqualDescriptions) {
   EXPECT_THAT(desk.host.unsaved(), ElementsAre("Add AFLP: New AFLP 1"));
   desk.host.save();
   EXPECT_THAT(desk.host.unsaved(), IsEmpty());
-  desk.host.pages().userEvent(*desk.pageNamed("AFLP"), [&] { desk.control<ui::CheckBox>("chkShowExcluded").click(); });
+  desk.host.pages().userEvent(*desk.pageNamed("AFLP"),
+                              [&] { desk.control<ui::CheckBox>("chkShowExcluded").click(); });
   EXPECT_THAT(desk.host.unsaved(), ElementsAre("Update AFLP: New AFLP 1"));
   desk.host.save();
   desk.newAnalysis();
