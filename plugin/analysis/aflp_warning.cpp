@@ -50,9 +50,13 @@ void AFLPWarning::btnCancel_Click() {
 
 void AFLPWarning::MouseDown() { m_bMouseWasDown = true; }
 
-// A release that no press came before asks for help.
 void AFLPWarning::MouseUp() {
-  frame_.handler("MouseUp", [&] {
+  frame_.handler("Form_MouseUp", [&] { releaseMouse(); });
+}
+
+// A release that no press came before asks for help.
+void AFLPWarning::releaseMouse() {
+  frame_.procedure("MouseUp", [&] {
     if (!m_bMouseWasDown) services_.Platform().ShowHelp("AFLPWarning", 1, 0);
     m_bMouseWasDown = false;
   });

@@ -22,6 +22,7 @@ class AFLPWarning final : public ui::Form {
   void chkDontShow_Click();
   void btnOK_Click();
   void btnCancel_Click();
+  void releaseMouse();
 
   HostServices& services_;
   FailureFrame frame_;
@@ -36,7 +37,7 @@ class AFLPWarning final : public ui::Form {
       "lblWarning",
       "This action will cause all manually included and excluded bins to be lost. Are you sure that "
       "you want to continue?"};
-  ui::Image imgWarning{"imgWarning"};
+  ui::Image imgWarning{"imgWarning", "warning"};
   ui::ControlSet controls_;
   Connections connections_;
 };

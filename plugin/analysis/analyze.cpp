@@ -157,23 +157,25 @@ void Analysis::initSampleCells() {
 }
 
 void Analysis::layDyes(Indicator& indicator) {
-  const Columns columns(table_);
+  std::optional<Columns> columns;  // looked up with the first bin
   resultColumns_ = statistics_.resultColumns();
   for (std::int32_t dye = 0; dye < kDyeCount; ++dye) layDye(dye, columns, indicator);
 }
 
-void Analysis::layDye(std::int32_t dye, const Columns& columns, Indicator& indicator) {
+void Analysis::layDye(std::int32_t dye, std::optional<Columns>& columns, Indicator& indicator) {
   const std::int32_t count = calculator(dye).BinCount();
   const std::int32_t first = bins_.m_alDyeFirstRow[static_cast<std::size_t>(dye)];
   indicator.beginDye(dye, count);
   table_.HideRows(first, first + count - 1, controls_.dyeValue(dye) != ui::kChecked);
   for (std::int32_t bin = 0; bin < count; ++bin) {
-    layBin(first + bin, dye, bin, columns);
+    if (!columns) columns.emplace(table_);
+    layBin(first + bin, dye, bin, *columns);
     indicator.laidBin(bin);
   }
   indicator.endDye();
   // One row beyond the block: the next dye's own style covers it.
-  applyBaseStyle(styles_.m_alDyeStyles[static_cast<std::size_t>(dye)], columns.dye, first, first + count);
+  applyBaseStyle(styles_.m_alDyeStyles[static_cast<std::size_t>(dye)], table_.Col(kDyeKey), first,
+                 first + count);
 }
 
 void Analysis::layBin(std::int32_t row, std::int32_t dye, std::int32_t bin, const Columns& columns) {

@@ -6,6 +6,7 @@
 #include <array>
 #include <cstdint>
 #include <memory>
+#include <optional>
 
 #include "plugin/analysis/bin_persistence.h"
 #include "plugin/analysis/bin_records.h"
@@ -53,7 +54,7 @@ class Analysis {
   void calculate();
   void initSampleCells();
   void layDyes(Indicator& indicator);
-  void layDye(std::int32_t dye, const Columns& columns, Indicator& indicator);
+  void layDye(std::int32_t dye, std::optional<Columns>& columns, Indicator& indicator);
   void layBin(std::int32_t row, std::int32_t dye, std::int32_t bin, const Columns& columns);
   void applyColumnStyles();
   void applyBaseStyle(std::int32_t style, std::int32_t col, std::int32_t firstRow, std::int32_t lastRow);

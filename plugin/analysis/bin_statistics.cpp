@@ -44,13 +44,18 @@ void BinStatistics::CalcBin(std::int32_t row, std::int32_t bin, std::span<const 
     for (std::size_t i = 0; i < stored.size(); ++i) {
       const std::int32_t count = stored[i];
       if (count == 0) continue;
-      if (columns[i] == 0) {  // let the look-up say which column is missing
-        table_.Col(sampleKey(page_.analysis().Results.Item(static_cast<std::int32_t>(i) + 1)->ResultID));
-      }
-      line_.push_back({columns[i], cellValue(option, count, highest[i]), count == 1 ? one : several});
+      const std::int32_t col = i < columns.size() ? columns[i] : 0;
+      if (col == 0) raiseMissingColumn(static_cast<std::int32_t>(i) + 1);
+      line_.push_back({col, cellValue(option, count, highest[i]), count == 1 ? one : several});
     }
     if (!line_.empty()) table_.writeRow(row, line_);
   });
+}
+
+// The look-up says what is missing: the result, or its column.
+void BinStatistics::raiseMissingColumn(std::int32_t result) const {
+  const std::int32_t id = page_.analysis().Results.Item(result)->ResultID;
+  page_.frame.procedure("CellText (Let)", [&] { table_.Col(sampleKey(id)); });
 }
 
 void BinStatistics::storeBin(std::int32_t bin, std::span<const std::int32_t> counts,

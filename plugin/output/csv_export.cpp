@@ -12,12 +12,12 @@ void CsvExport::ExportCSV(const std::string& fileName) {
     const std::int32_t number = page_.platform().Files().FreeFile();
     files_.closingOnFailure(number, [&] {
       if (writeFile(fileName, number)) page_.progress().Finish();
+      // The current cell went over the whole grid.
+      grid.SetLeftCol(leftCol);
+      grid.SetTopRow(topRow);
+      fill_.RemoveParameters();
+      labels_.SetSampleAbbreviations(table_.m_bTransposed, true);
     });
-    // The current cell went over the whole grid.
-    grid.SetLeftCol(leftCol);
-    grid.SetTopRow(topRow);
-    fill_.RemoveParameters();
-    labels_.SetSampleAbbreviations(table_.m_bTransposed, true);
   });
 }
 

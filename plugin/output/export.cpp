@@ -47,8 +47,8 @@ std::string Export::GetExportFileName(const std::string& filter) {
     wasAsked_ = true;
     dialog.ShowSave(page_.platform());
     return dialog.FileName;
-  } catch (const Error&) {
-    return {};  // above all a cancel
+  } catch (...) {
+    return {};  // above all a cancel; whatever else fails here ends the export as quietly
   }
 }
 

@@ -25,8 +25,8 @@ void FileExport::closingOnFailure(std::int32_t number, const std::function<void(
   } catch (...) {
     try {
       page_.platform().Files().Close(number);
-    } catch (const Error&) {
-      // The first failure is the one to report.
+    } catch (...) {
+      // The first failure is the one to report, not that of a close.
     }
     throw;
   }

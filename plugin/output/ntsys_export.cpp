@@ -7,8 +7,6 @@
 namespace banddesk {
 namespace {
 
-constexpr Colour kLineWhite = 0xFFFFFF;
-
 // Entries are separated by single blanks, with none at the end of the line.
 void dropLast(std::string& line) {
   if (!line.empty()) line.pop_back();
@@ -43,7 +41,7 @@ bool NtsysExport::print(const std::string& fileName, std::int32_t number, const 
 bool NtsysExport::writeHead(const std::string& fileName, std::int32_t number) {
   fill_.m_lParameterRow = table_.grid().RowCount();
   for (const std::string& text : fill_.parameterLines()) {
-    if (!files_.attempt(fileName, [&] { fill_.AddLine(text, number, kLineWhite); })) return false;
+    if (!files_.attempt(fileName, [&] { fill_.addParameter(text, number); })) return false;
   }
   return print(
       fileName, number,

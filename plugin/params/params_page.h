@@ -73,7 +73,7 @@ class AFLPParamsPage final : public IAFLPParamsPage, private LiveObject {
       ui::CheckBox{"chkDye(2)", "D&3", 1}, ui::CheckBox{"chkDye(3)", "D&4", 1}};
   std::array<ui::PictureBox, kDyes> picDye{ui::PictureBox{"picDye(0)"}, ui::PictureBox{"picDye(1)"},
                                            ui::PictureBox{"picDye(2)"}, ui::PictureBox{"picDye(3)"}};
-  ui::Image imgAFLP{"imgAFLP"};
+  ui::Image imgAFLP{"imgAFLP", "aflp"};
   ui::ControlSet controls_;
   NumberBoxes boxes_;
 

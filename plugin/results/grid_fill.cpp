@@ -92,6 +92,10 @@ void GridFill::AddParameters(std::int32_t target) {
   });
 }
 
+void GridFill::addParameter(const std::string& line, std::int32_t target) {
+  page_.frame.procedure("AddParameters", [&] { AddLine(line, target, kLineWhite); });
+}
+
 void GridFill::RemoveParameters() {
   page_.frame.procedure("RemoveParameters", [&] {
     WriteAccess access(table_.grid());

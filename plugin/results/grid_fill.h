@@ -30,6 +30,8 @@ class GridFill {
   void AddResults(std::int32_t target);
   void AddLine(const std::string& text, std::int32_t target, Colour colour);
 
+  // One of those lines, as a writer that repeats single lines hands it over.
+  void addParameter(const std::string& line, std::int32_t target);
   // The parameter lines as they stand in the boxes now.
   std::vector<std::string> parameterLines() const;
 

@@ -140,7 +140,7 @@ void LogicalTable::SetCellText(std::string_view key, std::int32_t index, std::st
   page_.frame.procedure("CellText (Let)", [&] {
     const std::int32_t col = Col(key);
     WriteAccess access(grid());
-    writeCell(index, col, text);
+    putText(index, col, text);
     access.restore();
   });
 }
@@ -204,8 +204,8 @@ bool LogicalTable::StoreStyleRowCol(std::int32_t row, std::int32_t col, const Gr
 }
 
 std::vector<std::int32_t> LogicalTable::binsOfRows() const {
+  const std::int32_t rows = NumRows();
   return page_.frame.procedure("Bin (Get)", [&] {
-    const std::int32_t rows = NumRows();
     std::vector<std::int32_t> bins;
     bins.reserve(static_cast<std::size_t>(rows));
     grid().VisitUserAttributes(m_bTransposed ? Axis::Rows : Axis::Columns, 0, 1, rows,
@@ -214,15 +214,21 @@ std::vector<std::int32_t> LogicalTable::binsOfRows() const {
   });
 }
 
-void LogicalTable::writeCell(std::int32_t row, std::int32_t col, std::string_view text) {
+void LogicalTable::putText(std::int32_t row, std::int32_t col, std::string_view text) {
   Translate(row, col);
   grid().SetValueRange(row, col, text, kValueRangeMode);
 }
 
+void LogicalTable::writeCell(std::int32_t row, std::int32_t col, std::string_view text) {
+  page_.frame.procedure("CellText (Let)", [&] { putText(row, col, text); });
+}
+
 void LogicalTable::writeRow(std::int32_t row, std::span<const LineCell> cells) {
-  WriteAccess access(grid());
-  grid().StoreLine(m_bTransposed ? Axis::Columns : Axis::Rows, row, cells);
-  access.restore();
+  page_.frame.procedure("CellText (Let)", [&] {
+    WriteAccess access(grid());
+    grid().StoreLine(m_bTransposed ? Axis::Columns : Axis::Rows, row, cells);
+    access.restore();
+  });
 }
 
 }  // namespace banddesk

@@ -79,6 +79,7 @@ class LogicalTable {
   void SetLockedCol(std::int32_t col);
 
  private:
+  void putText(std::int32_t row, std::int32_t col, std::string_view text);
   void SetFrozenCols(std::int32_t count, std::int32_t headerCount);
   void UnfreezeGridCols();
   std::int32_t selectedValue(bool columns, std::int32_t raw, std::int32_t index) const;

@@ -7,16 +7,26 @@ namespace banddesk {
 namespace {
 
 // Steps the indicator through the cells of a table as they are exchanged.
-void showExchange(Progress& progress, Framework& framework, double rows, double cols) {
-  const double total = (rows + 1) * (cols + 1);
-  progress.Start(100.0, 0);
-  const auto scale = static_cast<float>(progress.Maximum() / framework.Max(1, total));
-  const double wanted = framework.Max(1, total / framework.Max(1, progress.Steps()));
-  const std::int32_t every = roundToLong(wanted);
-  for (double cell = every; cell <= total; cell += every) {
-    progress.SetPosition(static_cast<double>(scale) * cell);
+class ExchangeIndicator {
+ public:
+  ExchangeIndicator(Progress& progress, Framework& framework, double rows, double cols)
+      : progress_(progress), total_((rows + 1) * (cols + 1)) {
+    progress_.Start(100.0, 0);
+    scale_ = static_cast<float>(progress_.Maximum() / framework.Max(1, total_));
+    every_ = roundToLong(framework.Max(1, total_ / framework.Max(1, progress_.Steps())));
   }
-}
+  void run() const {
+    for (double cell = every_; cell <= total_; cell += every_) {
+      progress_.SetPosition(static_cast<double>(scale_) * cell);
+    }
+  }
+
+ private:
+  Progress& progress_;
+  double total_;
+  float scale_ = 0;
+  std::int32_t every_ = 1;
+};
 
 }  // namespace
 
@@ -41,11 +51,12 @@ void Transposition::exchange() {
   Grid& grid = table_.grid();
   const std::int32_t rows = grid.RowCount();
   const std::int32_t cols = grid.ColCount();
+  const ExchangeIndicator indicator(page_.progress(), page_.framework(), rows, cols);
   const bool rowHeaders = grid.RowHeadersVisible();
   const bool colHeaders = grid.ColHeadersVisible();
   swapDragAndFrozen();
   grid.ExchangeAxes();
-  showExchange(page_.progress(), page_.framework(), rows, cols);
+  indicator.run();
   grid.SetRowHeadersVisible(colHeaders);
   grid.SetColHeadersVisible(rowHeaders);
   // Putting the counts also lets go of what was written beyond the table.

@@ -74,7 +74,10 @@ class PictureBox final : public Control {
 
 class Image final : public Control {
  public:
-  using Control::Control;
+  // `picture` names what the view shows: "warning" an icon of the platform, others a bitmap of the program.
+  Image(std::string name, std::string picture)
+      : Control(std::move(name)), Picture(*this, "Picture", picture) {}
+  Property<std::string> Picture;
 };
 
 class CommandButton final : public Control {

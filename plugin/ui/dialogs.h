@@ -44,7 +44,7 @@ class Form : public Object {
   // Ends the form. The platform calls it when the user closes the frame.
   void UnloadMe();
 
-  // A press or release of the mouse on the form, its labels, images or boxes.
+  // A press or release of the mouse on the form, its label, image, check box or buttons.
   virtual void MouseDown() {}
   virtual void MouseUp() {}
 
