@@ -205,7 +205,9 @@ void AFLPResultsPage::m_oPageBase_OnExit(banddesk::Page& childPage, bool cancell
 }
 
 void AFLPResultsPage::m_oPageBase_Terminate() {
-  page_.frame.procedure("m_oPageBase_Terminate", [&] { page_.analysis().ResultsPage = nullptr; });
+  page_.frame.procedure("m_oPageBase_Terminate", [&] {
+    if (page_.m_oAFLP) page_.m_oAFLP->ResultsPage = nullptr;  // a page that failed early was never bound
+  });
 }
 
 void AFLPResultsPage::m_oStudyService_StudyOpened(const std::shared_ptr<Study>& study) {
