@@ -92,7 +92,8 @@ bool GridControl::ResizeToFit(const GridRange& range) {
   std::vector<double> widest(cols.size(), 0);
   Fitting fitting(store_, looks_, *ports_.measure);
   std::vector<Slot> rows;
-  for (std::int32_t row = block.top; row <= block.bottom; ++row) {
+  const std::int32_t bottom = std::min(block.bottom, rows_.order.extent() - 1);
+  for (std::int32_t row = block.top; row <= bottom; ++row) {
     const bool isShown = !IsRowHidden(row) && (row > 0 || colHeadersVisible_);
     const std::vector<Block> covered = isShown ? coverings_.inRow(row) : std::vector<Block>{};
     if (isShown && row > 0 && covered.empty()) {

@@ -116,7 +116,8 @@ void GridControl::changeBlock(const Block& block, const GridStyle& style, StyleM
   };
   if (mode == StyleMode::Remove) {
     // Takes off only what is there, so it makes room for nothing.
-    store_.forExisting(rows_.order.list(block.top, block.bottom), cols_.order.list(block.left, block.right),
+    store_.forExisting(rows_.order.list(block.top, std::min(block.bottom, rows_.order.extent() - 1)),
+                       cols_.order.list(block.left, std::min(block.right, cols_.order.extent() - 1)),
                        [&](std::size_t, std::size_t, Cell& cell) { change(cell); });
   } else {
     store_.forAll(rows_.order.ensureAll(block.top, block.bottom),
@@ -208,7 +209,8 @@ void GridControl::VisitTexts(Axis which, std::int32_t index, std::int32_t from, 
   const LineAxis& along = axis(which == Axis::Rows ? Axis::Columns : Axis::Rows);
   const Slot line = axis(which).order.at(index);
   NumberText buffer;
-  for (std::int32_t position = std::max(from, 0); position <= to; ++position) {
+  for (std::int64_t next = std::max(from, 0); next <= to; ++next) {
+    const auto position = static_cast<std::int32_t>(next);
     if (visibleOnly && along.visibility.isHidden(position)) continue;
     const Slot other = along.order.at(position);
     visitor(position,
@@ -220,7 +222,8 @@ void GridControl::VisitUserAttributes(Axis which, std::int32_t index, std::int32
                                       const TextVisitor& visitor) const {
   const LineAxis& along = axis(which == Axis::Rows ? Axis::Columns : Axis::Rows);
   const Slot line = axis(which).order.at(index);
-  for (std::int32_t position = std::max(from, 0); position <= to; ++position) {
+  for (std::int64_t next = std::max(from, 0); next <= to; ++next) {
+    const auto position = static_cast<std::int32_t>(next);
     const Slot other = along.order.at(position);
     visitor(position,
             which == Axis::Rows ? store_.userAttribute(line, other) : store_.userAttribute(other, line));

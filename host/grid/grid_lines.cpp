@@ -108,6 +108,7 @@ bool GridControl::sortLines(Axis which, Block block, std::int32_t count, std::sp
   const std::int32_t first = std::max(block.first(which), 1);  // the header stays where it is
   const std::int32_t last = block.last(which);
   if (block.isEmpty() || last < first) return true;
+  checkReach(last);
   std::vector<SortColumn> columns;
   NumberText buffer;
   for (const SortInfo& key :

@@ -13,6 +13,11 @@ namespace banddesk::host {
 
 using Position = std::int32_t;
 
+// Far beyond any table; a line out there would cost more memory than it is worth.
+inline constexpr Position kFarthest = (1 << 27) - 1;
+// Raises an error for a line that lies farther out.
+void checkReach(Position last);
+
 // The order of the lines. A line gets its slot when something is first written to it.
 class LineOrder {
  public:
