@@ -5,6 +5,8 @@
 //   RemoveStyle     the interior off every cell
 //   StoreLines      every row anew through StoreLine
 //   WriteCells      every cell through SetValueRange
+//   WriteColumns    the same into an empty grid, column by column
+//   StoreStyles     a registered style for every cell through StoreStyleRowCol
 //   HideRows        every second row, one by one, and the middle visible row each time
 //   SortRows, SortColumns, Exchange, MoveColumns
 //   VisitRows, VisitColumns     the texts of all cells
@@ -120,6 +122,29 @@ void WriteCells(benchmark::State& state) {
   });
 }
 
+void WriteColumns(benchmark::State& state) {
+  for (auto _ : state) {
+    GridControl grid("grid");
+    for (std::int32_t col = 1; col <= kCols; ++col) {
+      for (std::int32_t row = 1; row <= kRows; ++row) grid.SetValueRange(row, col, "12", 4);
+    }
+  }
+  countCells(state);
+}
+
+void StoreStyles(benchmark::State& state) {
+  onFilledGrid(state, [&](GridControl& grid, std::int32_t round) {
+    GridStyle style;
+    style.SetBaseStyle(1 + round % 4);
+    GridData& data = grid.GridParam().GetData();
+    for (std::int32_t row = 1; row <= kRows; ++row) {
+      for (std::int32_t col = 1; col <= kCols; ++col) {
+        data.StoreStyleRowCol(row, col, style, StyleMode::Override, 1);
+      }
+    }
+  });
+}
+
 void HideRows(benchmark::State& state) {
   onFilledGrid(state, [](GridControl& grid, std::int32_t round) {
     for (std::int32_t row = 1; row <= kRows; row += 2) {
@@ -195,6 +220,8 @@ BENCHMARK(Restyle)->Unit(benchmark::kMillisecond);
 BENCHMARK(RemoveStyle)->Unit(benchmark::kMillisecond);
 BENCHMARK(StoreLines)->Unit(benchmark::kMillisecond);
 BENCHMARK(WriteCells)->Unit(benchmark::kMillisecond);
+BENCHMARK(WriteColumns)->Unit(benchmark::kMillisecond);
+BENCHMARK(StoreStyles)->Unit(benchmark::kMillisecond);
 BENCHMARK(HideRows)->Unit(benchmark::kMicrosecond);
 BENCHMARK(Sort<true>)->Name("SortRows")->Unit(benchmark::kMicrosecond);
 BENCHMARK(Sort<false>)->Name("SortColumns")->Unit(benchmark::kMicrosecond);

@@ -122,6 +122,9 @@ class Sheet {
     formats_ = std::make_unique<ExcelFormats>(workbook.get());
     layOut();
     for (std::int32_t row = firstRow_; row <= grid_.RowCount(); ++row) writeRow(row);
+    // The library does not look whether the rows really reached the disk.
+    std::FILE* const rows = sheet_->optimize_tmpfile;
+    if (rows != nullptr && (std::fflush(rows) != 0 || std::ferror(rows) != 0)) failBySystem(fileName_, errno);
     const lxw_error result = workbook_close(workbook.release());
     if (result != LXW_NO_ERROR)
       fail(fileName_, ErrorNumber::DeviceIo, std::string(lxw_strerror(result)) + ".");

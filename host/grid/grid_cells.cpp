@@ -186,17 +186,20 @@ std::string GridControl::GetCurrentCellText(std::int32_t row, std::int32_t col) 
 }
 
 void GridControl::StoreLine(Axis which, std::int32_t index, std::span<const LineCell> cells) {
-  if (index < 0) return;
+  if (index < 0 || cells.empty()) return;
+  const bool isRow = which == Axis::Rows;
+  LineOrder& along = isRow ? cols_.order : rows_.order;
+  const Slot line = axis(which).order.ensure(index);
   std::int32_t lastBase = -1;
   StyleChange* rebase = nullptr;
   for (const LineCell& given : cells) {
-    const std::int32_t row = which == Axis::Rows ? index : given.position;
-    const std::int32_t col = which == Axis::Rows ? given.position : index;
-    if (given.position < 0 || refuses(row, col)) continue;
-    Cell& cell = cellAt(row, col);
+    if (given.position < 0) continue;
+    if (isRow ? refuses(index, given.position) : refuses(given.position, index)) continue;
+    const Slot other = along.ensure(given.position);
+    Cell& cell = isRow ? store_.at(line, other) : store_.at(other, line);
     store_.setNumber(cell, given.value);
     if (given.baseStyle < 0) continue;
-    if (rebase == nullptr || given.baseStyle != lastBase) {
+    if (given.baseStyle != lastBase) {
       lastBase = given.baseStyle;
       rebase = &sets_.rebase(lastBase);
     }

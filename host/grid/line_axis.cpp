@@ -61,10 +61,9 @@ void checkReach(Position last) {
         "Row or column " + integerText(last) + " lies beyond what the grid can hold.");
 }
 
-Slot LineOrder::ensure(Position position) {
+Slot LineOrder::make(Position position) {
   reach(slots_, position, kNoSlot);
   Slot& slot = slots_[static_cast<std::size_t>(position)];
-  if (slot != kNoSlot) return slot;
   if (free_.empty()) return slot = next_++;
   slot = free_.back();
   free_.pop_back();

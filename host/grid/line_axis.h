@@ -26,7 +26,10 @@ class LineOrder {
                ? slots_[static_cast<std::size_t>(position)]
                : kNoSlot;
   }
-  Slot ensure(Position position);
+  Slot ensure(Position position) {
+    const Slot slot = at(position);
+    return slot != kNoSlot ? slot : make(position);
+  }
   // The slots of first..last, kNoSlot where nothing was written, or all of them made.
   std::vector<Slot> list(Position first, Position last) const;
   std::vector<Slot> ensureAll(Position first, Position last);
@@ -42,6 +45,8 @@ class LineOrder {
   Position extent() const { return static_cast<Position>(slots_.size()); }
 
  private:
+  Slot make(Position position);
+
   std::vector<Slot> slots_;
   std::vector<Slot> free_;
   Slot next_ = 0;
