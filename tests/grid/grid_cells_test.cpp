@@ -56,40 +56,6 @@ TEST(GridCells, ALineTooFarOutIsRefusedWithAnErrorAndChangesNothing) {
   EXPECT_TRUE(grid.RemoveRows(1, INT_MAX));
 }
 
-TEST(GridCells, OverridingKeepsWhatTheStyleDoesNotSay) {
-  GridControl grid("grid");
-  grid.SetValueRange(1, 1, "12", 4);
-  grid.SetUserAttribute(1, 1, "bin");
-  grid.SetToolTip(1, 1, "tip");
-  GridStyle style;
-  style.SetInterior(0xC0C0C0);
-  grid.SetStyleRange(block(1, 1, 1, 1), style, StyleMode::Override);
-  EXPECT_EQ(grid.GetValue(1, 1), "12");
-  EXPECT_EQ(grid.GetUserAttribute(1, 1), "bin");
-  EXPECT_EQ(grid.GetToolTip(1, 1), "tip");
-  EXPECT_EQ(grid.look(1, 1).interior->color, 0xC0C0C0U);
-}
-
-TEST(GridCells, ACopiedCellTakesAllOfTheOtherAndNothingElse) {
-  GridControl grid("grid");
-  grid.SetValueRange(1, 1, "text", 4);
-  grid.SetUserAttribute(1, 1, "6");
-  grid.SetToolTip(2, 2, "old tip");
-  GridStyle style;
-  style.SetTextColor(0xFF);
-  grid.SetStyleRange(block(1, 1, 1, 1), style, StyleMode::Override);
-  style.SetPlaces(2);
-  grid.SetStyleRange(block(2, 2, 2, 2), style, StyleMode::Override);
-
-  const GridStyle copy = stored(grid, 1, 1);
-  grid.GridParam().GetData().StoreStyleRowCol(2, 2, copy, StyleMode::Copy, 1);
-  EXPECT_EQ(stored(grid, 2, 2).attributes(), copy.attributes());
-  EXPECT_EQ(grid.GetToolTip(2, 2), "");
-
-  grid.GridParam().GetData().StoreStyleRowCol(2, 2, stored(grid, 9, 9), StyleMode::Copy, 1);
-  EXPECT_EQ(stored(grid, 2, 2).attributes(), StyleAttributes{});
-}
-
 TEST(GridCells, TakingGreyOffUncoversTheRegisteredStyle) {
   GridControl grid("grid");
   GridStyle dye;
@@ -133,16 +99,6 @@ TEST(GridCells, HeadersLookAsTheirBaseStyleSaysAlsoAfterItChanged) {
   own.SetTextColor(0x33);
   grid.SetStyleRange(block(3, 0, 3, 0), own, StyleMode::Override);
   EXPECT_EQ(grid.look(0, 3).textColor, 0x33U);
-}
-
-TEST(GridCells, ARegisteredStyleThatStandsOnItselfStillGivesALook) {
-  GridControl grid("grid");
-  GridStyle circle;
-  circle.SetBaseStyle(1);
-  circle.SetTextColor(0x77);
-  grid.GridParam().GetStylesMap().RegisterStyle("circle", circle, -1);
-  grid.SetStyleRange(block(1, 1, 1, 1), circle, StyleMode::Override);
-  EXPECT_EQ(grid.look(1, 1).textColor, 0x77U);
 }
 
 TEST(GridCells, TheLockRefusesValuesAndStylesOfReadOnlyCellsAndNothingElse) {

@@ -149,19 +149,6 @@ TEST(GridUser, ADragThatIsNotAllowedMovesNothing) {
   }
 }
 
-TEST(GridUser, RowsAreDraggedByTheirOwnFlag) {
-  GridControl grid("grid");
-  letters(grid);
-  for (int row = 1; row <= 3; ++row) grid.SetUserAttribute(row, 0, std::to_string(row));
-  EventLog log(grid);
-  grid.selectRows(3, 3);
-  EXPECT_FALSE(grid.dragRows(3, 3, 1));
-  grid.SetAllowDragRows(true);
-  EXPECT_TRUE(grid.dragRows(3, 3, 1));
-  EXPECT_EQ(grid.GetUserAttribute(1, 0) + grid.GetUserAttribute(2, 0) + grid.GetUserAttribute(3, 0), "312");
-  EXPECT_EQ(log.taken(), "rows 3 3 1;");
-}
-
 TEST(GridUser, AWidthDragComesAsPressTrackEndAndRelease) {
   GridControl grid("grid");
   letters(grid);
