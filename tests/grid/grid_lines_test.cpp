@@ -136,6 +136,24 @@ TEST(GridLines, FurtherSortKeysDecideAmongTies) {
   EXPECT_EQ(grid.colWidth(1), 11);
 }
 
+TEST(GridLines, TiesOfALongTableKeepTheirOrder) {
+  GridControl grid("grid");
+  constexpr int kRows = 300;
+  for (int row = 1; row <= kRows; ++row) {
+    grid.SetValueRange(row, 1, std::to_string(row % 3), 4);
+    grid.SetValueRange(row, 2, std::to_string(row), 4);
+  }
+  const SortInfo key{1, 3, 1, false};
+  grid.SortRows(block(1, 1, 1, kRows), 1, {&key, 1}, 2.0);
+  const auto number = [&](int row, int col) { return std::stoi(grid.GetValue(row, col)); };
+  for (int row = 2; row <= kRows; ++row) {
+    ASSERT_GE(number(row - 1, 1), number(row, 1));
+    if (number(row - 1, 1) == number(row, 1)) {
+      ASSERT_LT(number(row - 1, 2), number(row, 2)) << row;
+    }
+  }
+}
+
 TEST(GridLines, ExchangingLeavesWidthsFrozenLinesAndHeaderStates) {
   GridControl grid("grid");
   grid.SetRowCount(3);
