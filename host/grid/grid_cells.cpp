@@ -216,8 +216,12 @@ void GridControl::VisitTexts(Axis which, std::int32_t index, std::int32_t from, 
     const auto position = static_cast<std::int32_t>(next);
     if (visibleOnly && along.visibility.isHidden(position)) continue;
     const Slot other = along.order.at(position);
+    const bool isTyped = edit_ && (which == Axis::Rows ? edit_->row == index && edit_->col == position
+                                                       : edit_->col == index && edit_->row == position);
     visitor(position,
-            store_.text(which == Axis::Rows ? store_.find(line, other) : store_.find(other, line), buffer));
+            isTyped ? std::string_view(edit_->text)
+                    : store_.text(which == Axis::Rows ? store_.find(line, other) : store_.find(other, line),
+                                  buffer));
   }
 }
 

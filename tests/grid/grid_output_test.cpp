@@ -125,13 +125,14 @@ TEST(GridOutput, OnlyTextsThatASpreadsheetShowsAlikeBecomeNumbers) {
     bool isNumber;
     int decimals;
   };
-  const Case cases[] = {{"0", true, 0},      {"-12", true, 0},   {"1.50", true, 2},
-                        {"0.5", true, 1},    {"1e5", true, 0},   {"123456789012345", true, 0},
-                        {"007", false, 0},   {"00", false, 0},   {"-01", false, 0},
-                        {"+5", false, 0},    {" 5", false, 0},   {"5 ", false, 0},
-                        {"-0", false, 0},    {"", false, 0},     {"12x", false, 0},
-                        {"1e999", false, 0}, {"nan", false, 0},  {"1234567890123456", false, 0},
-                        {"1,5", false, 0},   {"=1+1", false, 0}, {"-0.0", false, 0}};
+  const Case cases[] = {{"0", true, 0},       {"-12", true, 0},  {"1.50", true, 2},
+                        {"0.5", true, 1},     {"1e5", false, 0}, {"123456789012345", true, 0},
+                        {"007", false, 0},    {"00", false, 0},  {"-01", false, 0},
+                        {"+5", false, 0},     {" 5", false, 0},  {"5 ", false, 0},
+                        {"-0", false, 0},     {"", false, 0},    {"12x", false, 0},
+                        {"1e999", false, 0},  {"nan", false, 0}, {"1234567890123456", false, 0},
+                        {"1.5E-07", true, 0}, {"1,5", false, 0}, {"=1+1", false, 0},
+                        {"-0.0", false, 0}};
   for (const Case& each : cases) {
     const auto number = excelNumber(each.text);
     EXPECT_EQ(number.has_value(), each.isNumber) << each.text;
@@ -185,14 +186,14 @@ TEST_F(ExcelFile, HoldsTheShownTableWithTypesColoursBlocksAndHiddenLines) {
   smallTable(grid);
   grid.SaveExcelFile(path("a.xlsx"));
   EXPECT_EQ(readBack(path("a.xlsx")),
-            "s:Bin|s:Größe|s:=A1\nn:1|n:1.5|s:007\ns:hidden|n:None|n:None\nn:-3|s:x|n:400\n"
+            "s:Bin|s:Größe|s:=A1\nn:1|n:1.5|s:007\ns:hidden|n:None|n:None\nn:-3|s:x|s:4e2\n"
             "s:Name: =1|n:None|n:None\nFFFF0000 0.00 right\n"
             "A2 ['A5:C5'] True [3] 120\n");
   grid.SetCoveredCells(1, 1, 3, 1);  // over several rows, and it hides what lies under it
   grid.SetFrozenCols(1, 1);
   grid.SaveExcelFile(path("a.xlsx"));
   const std::string second = readBack(path("a.xlsx"));
-  EXPECT_NE(second.find("n:None|s:x|n:400\ns:Name: =1|"), std::string::npos) << second;
+  EXPECT_NE(second.find("n:None|s:x|s:4e2\ns:Name: =1|"), std::string::npos) << second;
   EXPECT_NE(second.find("B2 ['A2:A4', 'A5:C5']"), std::string::npos) << second;
 }
 
