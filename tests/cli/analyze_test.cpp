@@ -133,7 +133,8 @@ TEST(Analyze, GivesTheSameMatrixInBothOrientationsAndKeepsDecisionsThroughAllOut
   const std::string home = folder();
   const std::string table = smallTable();
   for (const std::string way : {"", "--transpose"}) {
-    std::vector<std::string> arguments{"analyze", table, "--exclude-sample", "s2", "--exclude-bin", "D1-150", "--keep-full-bins"};
+    std::vector<std::string> arguments{"analyze",       table,    "--exclude-sample", "s2",
+                                       "--exclude-bin", "D1-150", "--keep-full-bins"};
     for (const char* form : {"csv", "nts", "matrix", "json", "xlsx"}) {
       arguments.push_back(std::string("--") + form);
       arguments.push_back(home + "/t" + way + "." + form);
@@ -145,7 +146,8 @@ TEST(Analyze, GivesTheSameMatrixInBothOrientationsAndKeepsDecisionsThroughAllOut
   for (const char* form : {"nts", "matrix"}) {
     EXPECT_EQ(readFile(home + "/t." + form), readFile(home + "/t--transpose." + form)) << form;
   }
-  EXPECT_EQ(readFile(home + "/t.matrix"), "Sample\tD1_100.066666666667\tD1_120.2\tD2_80.55\ns1\t1\t0\t0\ns3\t1\t0\t0\ns4\t1\t0\t0\n");
+  EXPECT_EQ(readFile(home + "/t.matrix"),
+            "Sample\tD1_100.066666666667\tD1_120.2\tD2_80.55\ns1\t1\t0\t0\ns3\t1\t0\t0\ns4\t1\t0\t0\n");
   EXPECT_THAT(lines(readFile(home + "/t.nts")), ::testing::Contains("1 3L 3L 0"));
 }
 

@@ -1,0 +1,185 @@
+// What must hold for any table and any sequence of the user's actions.
+#include <algorithm>
+#include <gtest/gtest.h>
+#include <rapidcheck.h>
+#include <set>
+
+#include "tests/plugin/desk.h"
+
+namespace banddesk::test {
+namespace {
+
+constexpr std::size_t kSamples = 5;
+
+// A table of random counts in two dyes; means are distinct.
+Script anyScript() {
+  Script script;
+  const auto counts = *rc::gen::container<std::vector<std::vector<std::int32_t>>>(
+      7, rc::gen::container<std::vector<std::int32_t>>(kSamples, rc::gen::element(0, 0, 1, 1, 3)));
+  for (std::size_t bin = 0; bin < counts.size(); ++bin) {
+    script[bin % 2 == 0 ? 0 : 2].push_back({60 + 7.5 * static_cast<double>(bin), counts[bin]});
+  }
+  return script;
+}
+
+// An analysis of a random table, with some decisions made.
+class AnyTable {
+ public:
+  AnyTable() {
+    desk_.calculators->script = anyScript();
+    const auto parameters = desk_.parametersPage();
+    for (const char* box : {"chkExcludeFullBins", "chkExcludeEmptySamples"}) {
+      Desk::control<ui::CheckBox>(*parameters->control(), box).Value = *rc::gen::element(0, 1);
+    }
+    desk_.accept(parameters);
+    if (*rc::gen::arbitrary<bool>()) flip("chkShowExcluded");
+    for (int i = *rc::gen::inRange(0, 3); i > 0; --i) excludeAny();
+    if (*rc::gen::arbitrary<bool>()) desk_.page().SetTranspose(true);
+  }
+
+  Desk& desk() { return desk_; }
+  IAFLPResultsPage& page() { return desk_.page(); }
+
+  void flip(const char* box) {
+    desk_.control<ui::CheckBox>(box).click();
+    desk_.wait();
+  }
+  // Right-clicks a row of the logical table and takes the item.
+  void excludeBin(std::int32_t row) {
+    desk_.host.platform().popupAnswers.push_back([](ui::MenuItem&, ui::MenuItem*) {});
+    page().Transpose() ? desk_.grid().rightClick(1, row) : desk_.grid().rightClick(row, 1);
+    desk_.choose("mnuExcludeBin");
+  }
+  void excludeSample(std::int32_t col) {
+    desk_.host.platform().popupAnswers.push_back([](ui::MenuItem&, ui::MenuItem*) {});
+    page().Transpose() ? desk_.grid().rightClick(col, 0) : desk_.grid().rightClick(0, col);
+    desk_.choose("mnuExcludeColumn");
+  }
+  void excludeAny() {
+    if (*rc::gen::arbitrary<bool>()) {
+      excludeBin(*rc::gen::inRange(1, 8));
+    } else {
+      excludeSample(*rc::gen::inRange(10, 15));
+    }
+  }
+
+  // Marks by bin, and by sample.
+  std::string marks() {
+    const AnalysisView view = page().Analysis();
+    std::string text;
+    for (std::size_t bin = 1; bin < view.binDye.size(); ++bin) {
+      text += std::to_string(view.manualExcluded[bin]) + std::to_string(view.manualIncluded[bin]) +
+              std::to_string(view.autoExcluded[bin]) + " ";
+    }
+    for (const auto& column : desk_.analysis().SampleGrid->Columns) {
+      text += std::to_string(column->IsExcluded) + std::to_string(column->IsAutoExcluded) + " ";
+    }
+    return text;
+  }
+
+  // The whole look of the physical grid.
+  std::string picture() {
+    host::GridControl& grid = desk_.grid();
+    std::string text = std::to_string(grid.FrozenRows()) + "/" + std::to_string(grid.FrozenCols()) +
+                       (grid.AllowDragRows() ? "r" : "") + (grid.AllowDragCols() ? "c" : "") + "\n";
+    for (std::int32_t row = 0; row <= grid.RowCount(); ++row) {
+      for (std::int32_t col = 0; col <= grid.ColCount(); ++col) {
+        GridStyle style;
+        grid.GridParam().GetData().GetStyleRowCol(row, col, style, StyleMode::Copy, 1);
+        const StyleAttributes& cell = style.attributes();
+        text += cell.value.value_or("") + "'" + cell.userAttribute.value_or("") + "'" +
+                cell.toolTip.value_or("") + "'" + std::to_string(cell.baseStyle.value_or(0)) +
+                (cell.interior ? "#" : "") + (grid.IsRowHidden(row) ? "r" : "") +
+                (grid.IsColHidden(col) ? "c" : "") + " ";
+      }
+      text += "\n";
+    }
+    return text;
+  }
+
+ private:
+  Desk desk_{{}, {"a", "b", "c", "d", "e"}};
+};
+
+TEST(Properties, TransposingTwiceRestoresThePicture) {
+  rc::check([] {
+    AnyTable table;
+    table.page().SetLockedCol(*rc::gen::inRange(0, 12));
+    const bool before = table.page().Transpose();
+    const std::string picture = table.picture();
+    table.page().SetTranspose(!before);
+    RC_ASSERT(table.picture() != picture);
+    table.page().SetTranspose(before);
+    RC_ASSERT(table.picture() == picture);
+  });
+}
+
+TEST(Properties, ASortChangesTheOrderOfExportedLinesOnly) {
+  rc::check([] {
+    AnyTable table;
+    table.page().SetTranspose(false);
+    const AnalysisView view = table.page().Analysis();
+    // A sort hides a bin that was brought back, so there is none.
+    RC_PRE(std::all_of(view.manualIncluded.begin(), view.manualIncluded.end(),
+                       [](auto flag) { return flag == 0; }));
+    const auto exported = [&] {
+      const std::string path = ::testing::TempDir() + "banddesk-property.csv";
+      table.page().ExportCSV(path);
+      std::multiset<std::string> lines;
+      std::istringstream in(fileText(path));
+      for (std::string line; std::getline(in, line);) lines.insert(line);
+      return lines;
+    };
+    const auto before = exported();
+    table.page().SortCol(*rc::gen::inRange(1, 15));
+    RC_ASSERT(exported() == before);
+  });
+}
+
+TEST(Properties, MarkingDoesNotDependOnTheOrderOfRowsOrColumns) {
+  rc::check([] {
+    AnyTable table;
+    const std::string before = table.marks();
+    table.page().SortCol(*rc::gen::inRange(1, 15));
+    table.page().SortRow(*rc::gen::inRange(1, 8));
+    table.flip("chkExcludeFullBins");
+    table.flip("chkExcludeFullBins");
+    RC_ASSERT(table.marks() == before);
+  });
+}
+
+TEST(Properties, ExcludingTwiceReturnsToTheStart) {
+  rc::check([] {
+    AnyTable table;
+    const std::string before = table.marks();
+    if (*rc::gen::arbitrary<bool>()) {
+      const std::int32_t row = *rc::gen::inRange(1, 8);
+      table.excludeBin(row);
+      RC_ASSERT(table.marks() != before);
+      table.excludeBin(row);
+    } else {
+      const std::int32_t col = *rc::gen::inRange(10, 15);
+      table.excludeSample(col);
+      RC_ASSERT(table.marks() != before);
+      table.excludeSample(col);
+    }
+    RC_ASSERT(table.marks() == before);
+  });
+}
+
+TEST(Properties, WhatAFirstSaveStoresIsWhatIsLoaded) {
+  rc::check([] {
+    AnyTable table;
+    Desk& desk = table.desk();
+    const std::string marks = table.marks();
+    desk.host.save();
+    const std::int32_t id = desk.analysis().ID();
+    desk.host.closeStudy();
+    desk.openStudy();
+    desk.reopen(desk.host.study().Study()->AFLPs.Item(std::to_string(id)));
+    RC_ASSERT(table.marks() == marks);
+  });
+}
+
+}  // namespace
+}  // namespace banddesk::test
