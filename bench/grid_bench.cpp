@@ -11,9 +11,12 @@
 //   SortRows, SortColumns, Exchange, MoveColumns
 //   VisitRows, VisitColumns     the texts of all cells
 //   ResizeToFit     all columns
+//   Excel           the whole table as a spreadsheet file
 //   Discard         counts back to 0 after a fill
 #include <benchmark/benchmark.h>
 #include <cstring>
+#include <filesystem>
+#include <string>
 #include <vector>
 
 #include "host/grid/grid_control.h"
@@ -230,6 +233,17 @@ BENCHMARK(MoveColumns)->Unit(benchmark::kMicrosecond);
 BENCHMARK(Visit<Axis::Rows>)->Name("VisitRows")->Unit(benchmark::kMillisecond);
 BENCHMARK(Visit<Axis::Columns>)->Name("VisitColumns")->Unit(benchmark::kMillisecond);
 BENCHMARK(ResizeToFit)->Unit(benchmark::kMillisecond);
+void Excel(benchmark::State& state) {
+  GridControl grid("grid");
+  fill(grid);
+  const std::string path = (std::filesystem::temp_directory_path() / "banddesk-grid-bench.xlsx").string();
+  for (auto _ : state) grid.SaveExcelFile(path);
+  state.counters["MB"] = static_cast<double>(std::filesystem::file_size(path)) / 1e6;
+  std::filesystem::remove(path);
+  countCells(state);
+}
+
+BENCHMARK(Excel)->Unit(benchmark::kMillisecond);
 BENCHMARK(Discard)->Unit(benchmark::kMillisecond);
 
 }  // namespace

@@ -190,11 +190,27 @@ void transpose(benchmark::State& state) {
   road.close();
 }
 
-void exportCsv(benchmark::State& state) {
+void sortByColumn(benchmark::State& state) {
   Road& road = Road::get();
   IAFLPResultsPage& page = road.open();
-  const auto path = std::filesystem::temp_directory_path() / "banddesk-road-bench.csv";
-  measure(state, kNothing, [&] { page.ExportCSV(path.string()); });
+  measure(state, kNothing, [&] { page.SortCol(3); });
+  road.close();
+}
+
+void sortByBin(benchmark::State& state) {
+  Road& road = Road::get();
+  IAFLPResultsPage& page = road.open();
+  measure(state, kNothing, [&] { page.SortRow(7); });
+  road.close();
+}
+
+template <bool isCsv>
+void exportText(benchmark::State& state) {
+  Road& road = Road::get();
+  IAFLPResultsPage& page = road.open();
+  const auto path = std::filesystem::temp_directory_path() / "banddesk-road-bench.out";
+  measure(state, kNothing,
+          [&] { isCsv ? page.ExportCSV(path.string()) : page.ExportNTSYSpc(path.string()); });
   state.counters["MB"] = static_cast<double>(std::filesystem::file_size(path)) / 1e6;
   std::filesystem::remove(path);
   road.close();
@@ -207,7 +223,10 @@ BENCHMARK(analyseAgain)->Name("again")->UseManualTime()->Unit(benchmark::kMillis
 BENCHMARK(changeMode)->Name("mode")->UseManualTime()->Unit(benchmark::kMillisecond);
 BENCHMARK(showExcluded)->Name("show")->UseManualTime()->Unit(benchmark::kMillisecond);
 BENCHMARK(transpose)->UseManualTime()->Unit(benchmark::kMillisecond);
-BENCHMARK(exportCsv)->Name("csv")->UseManualTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(sortByColumn)->Name("sort_col")->UseManualTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(sortByBin)->Name("sort_bin")->UseManualTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(exportText<false>)->Name("nts")->UseManualTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(exportText<true>)->Name("csv")->UseManualTime()->Unit(benchmark::kMillisecond);
 
 }  // namespace
 
