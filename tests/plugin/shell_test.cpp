@@ -166,6 +166,31 @@ TEST(SaveFlow, ListsWhatIsNewChangedAndDeletedAndRefusesEqualDescriptions) {
   EXPECT_THROW(desk.host.unsaved(), Error);
 }
 
+TEST(SaveFlow, DoesNotListAStoredAnalysisThatWasOnlyOpened) {
+  Desk desk(kOneBin);
+  desk.newAnalysis().SetLockedCol(11);
+  desk.control<ui::ComboBox>("cbxSampleAxis").ListIndex = 1;
+  desk.host.save();
+  desk.host.closeStudy();
+  desk.openStudy();
+  desk.reopen(desk.host.study().Study()->AFLPs.Item(1));
+  desk.wait();
+  EXPECT_THAT(desk.host.unsaved(), IsEmpty());
+  // What the user does there is listed, also where it reaches the analysis only with the save.
+  const auto page = desk.pageNamed("AFLP");
+  desk.host.pages().userEvent(*page, [&] { desk.control<ui::UpDown>("udYThreshold").up(); });
+  EXPECT_THAT(desk.host.unsaved(), ElementsAre("Update AFLP: New AFLP 1"));
+}
+
+TEST(SaveFlow, KeepsADeletionThatWasNotChosenForTheNextSave) {
+  Desk desk(kOneBin);
+  desk.newAnalysis();
+  desk.host.save();
+  desk.host.service().DeleteAFLP(desk.host.study().Study()->AFLPs.Item(1));
+  desk.host.save([](const std::vector<std::string>&) { return std::vector<std::string>(); });
+  EXPECT_THAT(desk.host.unsaved(), ElementsAre("Delete AFLP: New AFLP 1"));
+}
+
 TEST(Reports, OfferEveryAnalysisUnlessTheCommandIsHidden) {
   Desk desk(kOneBin);
   desk.newAnalysis();
