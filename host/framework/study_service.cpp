@@ -110,7 +110,7 @@ void HostStudyService::addResults(const std::vector<NewResult>& results) {
         before = record.dyes;
         showDyesOf(results, record.dyes);
         after = record.dyes;
-        added = store_->addResults(record, results);
+        added = store_->addResults(record, results, std::nullopt);
       },
       [&](banddesk::Study& study) {
         for (const ResultRecord& record : added) study.Results.Add(makeResult(record, store_, faults_));
