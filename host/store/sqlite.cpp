@@ -17,7 +17,9 @@ struct Cause {
 
 // What the system said, where it is the system that refused.
 std::string withSystemCause(const char* text, sqlite3* connection) {
-  const int cause = connection == nullptr ? 0 : sqlite3_system_errno(connection);
+  int cause = connection == nullptr ? 0 : sqlite3_system_errno(connection);
+  if (cause == 0 && connection != nullptr)
+    sqlite3_file_control(connection, "main", SQLITE_FCNTL_LAST_ERRNO, &cause);
   return cause == 0 ? std::string(text) : fmt::format("{}: {}", text, std::strerror(cause));
 }
 

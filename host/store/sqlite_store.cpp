@@ -39,12 +39,21 @@ bool mayWriteFolderOf(const std::string& file) {
   return ::faccessat(AT_FDCWD, real.parent_path().c_str(), W_OK | X_OK, AT_EACCESS) == 0;
 }
 
+// SQLite takes a last page of which a part is missing for a whole one.
+void requireWhole(const sqlite::Database& database, const std::string& file) {
+  const std::int64_t wanted = database.number("PRAGMA page_count") * database.number("PRAGMA page_size");
+  std::error_code trouble;
+  const auto size = fs::file_size(file, trouble);
+  if (!trouble && size < static_cast<std::uintmax_t>(wanted)) database.failDamaged("its end is missing");
+}
+
 }  // namespace
 
 SqliteStore::SqliteStore(const std::string& file, Access access, SchemaSteps steps)
     : database_(existingFile(file), SQLITE_OPEN_READWRITE, file) {
   // What is found here decides whether the file is ours, before anything could be written to it.
   requireStudy(database_, steps);
+  requireWhole(database_, file);
   if (access == Access::Read) {
     whyReadOnly_ = "it was opened for reading";
   } else if (database_.isReadOnly()) {
@@ -60,6 +69,14 @@ SqliteStore::SqliteStore(const std::string& file, Access access, SchemaSteps ste
   }
   lastAnalysisId_ = static_cast<std::int32_t>(database_.number(
       "SELECT max(last_analysis_id, (SELECT coalesce(max(id), 0) FROM analysis)) FROM study"));
+}
+
+// Takes the emptied journal away. It would do no harm: the next opening knows it for empty.
+SqliteStore::~SqliteStore() {
+  try {
+    database_.execute("PRAGMA locking_mode = NORMAL; PRAGMA journal_mode = DELETE");
+  } catch (...) {
+  }
 }
 
 // The first read takes the shared lock, which the locking mode keeps: all that is read is of one state.

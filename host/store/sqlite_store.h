@@ -26,6 +26,9 @@ class SqliteStore final : public Store {
   // reason. A file that is no study of this version or an earlier one is an error and stays as it is.
   explicit SqliteStore(const std::string& file, Access access = Access::Write,
                        SchemaSteps steps = studySchema());
+  SqliteStore(const SqliteStore&) = delete;
+  SqliteStore& operator=(const SqliteStore&) = delete;
+  ~SqliteStore() override;
 
   std::string whyReadOnly() const override { return whyReadOnly_; }
   std::shared_ptr<const SampleFragments> readFragments(std::int32_t resultId) override;
