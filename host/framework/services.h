@@ -43,6 +43,8 @@ class HostOptions final : public Options {
   explicit HostOptions(FaultInjector& faults) : faults_(faults) {}
   bool ShowInclusionWarning() const override;
   void SetShowInclusionWarning(bool show) override;
+  // As they were kept; nobody is told.
+  void load(bool showInclusionWarning) { showInclusionWarning_ = showInclusionWarning; }
   std::function<void(const HostOptions&)> onChange;  // for whoever keeps the options between runs
 
  private:
