@@ -26,10 +26,11 @@ struct ReportRequest {
 class HostReportingService final : public ReportingService {
  public:
   explicit HostReportingService(FaultInjector& faults) : faults_(faults) {}
-  // Makes the report, keeps the request, and tells that it is finished.
+  // Keeps the request, makes the report where somebody wants it, and tells that it is finished.
   void NewReport(const std::string& contextName, const ObjectRef& context, std::int32_t contextType) override;
 
-  std::function<void(const ReportRequest&)> makeReport;  // absent: none is made
+  std::function<std::string(const ReportRequest&)> makeReport;                      // as an HTML page
+  std::function<void(const ReportRequest&, const std::string& htmlPage)> onReport;  // who shows or keeps it
   const std::vector<ReportRequest>& requests() const { return requests_; }
   void clear() { requests_.clear(); }
 
