@@ -19,11 +19,18 @@ struct AnalysisRequest {
   bool keepFullBins = false;
   bool keepEmptySamples = false;
   bool showExcluded = false;
+  bool transposed = false;                   // samples in rows
+  std::vector<std::string> excludedSamples;  // by name
+  std::vector<std::string> excludedBins;     // "D1-100.25", or "D1-100" where one bin has that number
+  std::optional<std::string> sortBy;         // a column's header, key or sample name; ":desc" behind it
 };
 
 struct Outputs {
   std::optional<std::filesystem::path> csv;
+  std::optional<std::filesystem::path> nts;
+  std::optional<std::filesystem::path> matrix;
   std::optional<std::filesystem::path> json;
+  std::optional<std::filesystem::path> xlsx;
 };
 
 }  // namespace banddesk::cli

@@ -2,9 +2,10 @@
 
 #include <chrono>
 #include <fmt/format.h>
-#include <fstream>
+#include <ostream>
 
 #include "cli/json_report.h"
+#include "cli/matrix_file.h"
 #include "cli/output_file.h"
 #include "cli/progress_line.h"
 #include "cli/session.h"
@@ -35,17 +36,19 @@ host::TableImport readTables(const AnalyzeArguments& arguments, ProgressLine& ba
   return host::importTable(std::move(table));
 }
 
+// The spreadsheet rebuilds the table, so it comes last and after the save: no output costs a decision.
 void writeOutputs(const Outputs& outputs, Session& session, const std::string& studyName,
                   const std::string& dyes) {
+  session.save();
   if (outputs.csv) session.exportCsv(*outputs.csv);
-  if (outputs.json) {
-    writeWhole(*outputs.json, [&](const std::filesystem::path& target) {
-      std::ofstream out(target, std::ios::binary);
-      writeJson(out, session, studyName, dyes);
-      out.close();
-      if (!out) raise(ErrorNumber::DeviceIo, "Output", "it cannot be written");
-    });
+  if (outputs.nts) session.exportNts(*outputs.nts);
+  if (outputs.matrix) {
+    writeWholeText(*outputs.matrix, [&](std::ostream& out) { writeMatrix(out, session); });
   }
+  if (outputs.json) {
+    writeWholeText(*outputs.json, [&](std::ostream& out) { writeJson(out, session, studyName, dyes); });
+  }
+  if (outputs.xlsx) session.exportXlsx(*outputs.xlsx);
 }
 
 }  // namespace
@@ -66,12 +69,14 @@ void runAnalyze(const AnalyzeArguments& arguments) {
   session.openStudy(studyName, std::move(imported.results));
   session.analyze(arguments.request);
   bar.begin("Writing");
+  const std::string head = arguments.printHead ? tableHead(session, kHeadRows, kHeadColumns) : std::string();
+  const std::string summary = summaryText(session, dyes);
   writeOutputs(arguments.outputs, session, studyName, dyes);
   bar.clear();
 
   const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - started;
-  if (arguments.printHead) fmt::print("\n{}\n", tableHead(session, kHeadRows, kHeadColumns));
-  fmt::print("{}", summaryText(session, dyes, taken.count()));
+  if (!head.empty()) fmt::print("\n{}\n", head);
+  fmt::print("{}time: {:.2f} s\n", summary, taken.count());
 }
 
 }  // namespace banddesk::cli

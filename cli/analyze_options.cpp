@@ -1,7 +1,6 @@
 // The options of `banddesk analyze`.
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
-#include <map>
 
 #include "cli/analyze_command.h"
 
@@ -44,19 +43,47 @@ void addParameterOptions(CLI::App& command, AnalyzeArguments& arguments) {
       ->type_name("DYE");
 }
 
+Cells readCells(const std::string& text) {
+  if (text == "count") return Cells::Count;
+  if (text == "presence") return Cells::Presence;
+  if (text == "height") return Cells::Height;
+  throw CLI::ValidationError("--cells", fmt::format("\"{}\" is none of count, presence and height", text));
+}
+
 void addViewOptions(CLI::App& command, AnalysisRequest& request) {
-  const std::map<std::string, Cells> cells{
-      {"count", Cells::Count}, {"presence", Cells::Presence}, {"height", Cells::Height}};
   command
-      .add_option("--cells", request.cells, "What the sample cells show: count, presence or height [count]")
-      ->transform(CLI::Transformer(cells, CLI::ignore_case))
-      ->check(CLI::IsMember({Cells::Count, Cells::Presence, Cells::Height}).description(""))
+      .add_option_function<std::string>(
+          "--cells", [&request](const std::string& text) { request.cells = readCells(text); },
+          "What the sample cells show: count, presence or height [count]")
       ->type_name("WHAT");
   command.add_flag("--keep-full-bins", request.keepFullBins,
                    "Keep bins in which every sample has a fragment");
   command.add_flag("--keep-empty-samples", request.keepEmptySamples,
                    "Keep samples without a fragment in any bin");
   command.add_flag("--show-excluded", request.showExcluded, "Show excluded bins and samples, in grey");
+  command.add_flag("--transpose", request.transposed, "Samples in rows");
+  command
+      .add_option("--sort", request.sortBy,
+                  "Sort by a column: its header, key or sample name; :desc behind it")
+      ->type_name("KEY");
+  command
+      .add_option("--exclude-bin", request.excludedBins,
+                  "Exclude bins, named by dye and mean size (D1-100.25)")
+      ->type_name("KEY");
+  command.add_option("--exclude-sample", request.excludedSamples, "Exclude samples by name")
+      ->type_name("NAME");
+}
+
+void addOutputOptions(CLI::App& command, Outputs& outputs) {
+  command.add_option("--csv", outputs.csv, "Write the table as it is shown")->type_name("OUT");
+  command.add_option("--nts", outputs.nts, "Write presence as a labelled matrix for NTSYSpc")
+      ->type_name("OUT");
+  command
+      .add_option("--matrix", outputs.matrix, "Write a tab-separated table for statistics, a row a sample")
+      ->type_name("OUT");
+  command.add_option("--json", outputs.json, "Write the analysis itself: bins, samples, counts, heights")
+      ->type_name("OUT");
+  command.add_option("--xlsx", outputs.xlsx, "Write the table as a spreadsheet")->type_name("OUT");
 }
 
 }  // namespace
@@ -66,11 +93,7 @@ CLI::App& addAnalyzeCommand(CLI::App& app, AnalyzeArguments& arguments) {
   command.add_option("FILE", arguments.files, "Peak tables, or folders of them")->required();
   addParameterOptions(command, arguments);
   addViewOptions(command, arguments.request);
-  command.add_option("--csv", arguments.outputs.csv, "Write the table as it is shown")->type_name("OUT");
-  command
-      .add_option("--json", arguments.outputs.json,
-                  "Write the analysis itself: bins, samples, counts, heights")
-      ->type_name("OUT");
+  addOutputOptions(command, arguments.outputs);
   command.add_flag("--head", arguments.printHead, "Print the head of the table");
   command.footer(
       "Example:\n  banddesk analyze run1.txt run2.txt --ladder R --max-bin-width 1.5 --y-threshold 50 --csv "

@@ -2,7 +2,7 @@
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
-#include <fstream>
+#include <ostream>
 
 #include "cli/analyze_command.h"
 #include "cli/output_file.h"
@@ -21,12 +21,7 @@ void writeExampleTable(const fs::path& path, std::uint64_t seed) {
   settings.samples = 24;
   settings.replicates = 3;
   const auto runs = host::simulation::simulate(settings);
-  writeWhole(path, [&](const fs::path& target) {
-    std::ofstream out(target, std::ios::binary);
-    host::simulation::writePeakTable(out, runs);
-    out.close();
-    if (!out) raise(ErrorNumber::DeviceIo, "Output", "it cannot be written");
-  });
+  writeWholeText(path, [&](std::ostream& out) { host::simulation::writePeakTable(out, runs); });
 }
 
 }  // namespace
@@ -55,11 +50,18 @@ void runExample(const ExampleArguments& arguments) {
   analyze.ladder = host::import::Dye::R;
   analyze.request.yThreshold = "50";
   analyze.outputs.csv = arguments.out / "table.csv";
+  analyze.outputs.nts = arguments.out / "table.nts";
+  analyze.outputs.matrix = arguments.out / "matrix.tsv";
   analyze.outputs.json = arguments.out / "analysis.json";
+  analyze.outputs.xlsx = arguments.out / "table.xlsx";
   analyze.printHead = true;
   runAnalyze(analyze);
-  fmt::print("\nThe simulated peak table: {}\nIts AFLP table:           {}\nThe analysis as JSON:     {}\n",
-             table.string(), analyze.outputs.csv->string(), analyze.outputs.json->string());
+  const Outputs& made = analyze.outputs;
+  fmt::print(
+      "\nThe simulated peak table: {}\nIts AFLP table:           {}\nas a spreadsheet:         {}\n"
+      "for NTSYSpc:              {}\nfor statistics:           {}\nThe analysis as JSON:     {}\n",
+      table.string(), made.csv->string(), made.xlsx->string(), made.nts->string(), made.matrix->string(),
+      made.json->string());
 }
 
 }  // namespace banddesk::cli

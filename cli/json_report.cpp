@@ -36,6 +36,7 @@ ordered_json binJson(const BinReading& bin, const AnalysisView& view, const std:
   const auto length = static_cast<std::size_t>(view.resultCount);
   const std::size_t begin = static_cast<std::size_t>(bin.bin) * length;
   return {{"bin", bin.bin},
+          {"key", bin.key},
           {"row", bin.row},
           {"dye", "D" + std::to_string(bin.dye + 1)},
           {"tableDye", dyes.substr(static_cast<std::size_t>(bin.dye), 1)},

@@ -1,6 +1,7 @@
 #include "cli/output_file.h"
 
 #include <fmt/format.h>
+#include <fstream>
 #include <unistd.h>
 
 #include "plugin/base/error.h"
@@ -14,6 +15,8 @@ void writeWhole(const fs::path& path, const std::function<void(const fs::path&)>
   };
   std::error_code trouble;
   if (fs::is_directory(path, trouble)) fail("it is a folder");
+  if (path.has_parent_path() && !fs::is_directory(path.parent_path(), trouble))
+    fail("there is no such folder");
   if (fs::exists(path, trouble) && !fs::is_regular_file(path, trouble)) {
     write(path);  // a device or a pipe has no place to be moved to
     return;
@@ -32,6 +35,15 @@ void writeWhole(const fs::path& path, const std::function<void(const fs::path&)>
     fs::remove(part, trouble);
     throw;
   }
+}
+
+void writeWholeText(const fs::path& path, const std::function<void(std::ostream&)>& write) {
+  writeWhole(path, [&](const fs::path& target) {
+    std::ofstream out(target, std::ios::binary);
+    write(out);
+    out.close();
+    if (!out) raise(ErrorNumber::DeviceIo, "Output", "it cannot be written");
+  });
 }
 
 }  // namespace banddesk::cli

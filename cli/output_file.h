@@ -3,6 +3,7 @@
 
 #include <filesystem>
 #include <functional>
+#include <iosfwd>
 
 namespace banddesk::cli {
 
@@ -10,5 +11,8 @@ namespace banddesk::cli {
 // and an Error names `path`.
 void writeWhole(const std::filesystem::path& path,
                 const std::function<void(const std::filesystem::path&)>& write);
+
+// The same for text that is written to a stream.
+void writeWholeText(const std::filesystem::path& path, const std::function<void(std::ostream&)>& write);
 
 }  // namespace banddesk::cli

@@ -4,18 +4,30 @@
 #include <utility>
 
 #include "cli/output_file.h"
-#include "host/grid/grid_control.h"
+#include "cli/table_reading.h"
 #include "host/store/memory_store.h"
+#include "plugin/base/text.h"
 
 namespace banddesk::cli {
 namespace {
 
 constexpr std::int32_t kCsvType = 1;
+constexpr std::int32_t kNtsType = 2;
 
 host::HostSettings settings() {
   host::HostSettings made;
   made.makeGrid = [](const std::string& name) { return std::make_shared<host::GridControl>(name); };
   return made;
+}
+
+// The box that the page has marked says which value it is.
+[[noreturn]] void raiseRefused(const ui::ControlSet& controls, const AnalysisRequest& request) {
+  const bool isWidth = control<ui::TextBox>(controls, "txtMaxBinWidth").BackColor == ui::kYellow;
+  const std::string message =
+      isWidth
+          ? fmt::format("--max-bin-width: \"{}\" is not a number from 0.05 to 10 (nt)", request.maxBinWidth)
+          : fmt::format("--y-threshold: \"{}\" is not a number of 0 or more (RFU)", request.yThreshold);
+  raise(ErrorNumber::InvalidArgument, "Session", message);
 }
 
 }  // namespace
@@ -45,13 +57,7 @@ void Session::analyze(const AnalysisRequest& request) {
   const auto parameters = openPage("AFLPParams");
   analysis_ = cast<AFLP>(parameters->bound(), "AFLP");
   host_.pages().userEvent(*parameters, [&] { fillParameters(parameters->control()->Controls(), request); });
-  if (!host_.pages().end(parameters, true)) {
-    raise(ErrorNumber::InvalidArgument, "Session",
-          fmt::format(
-              "The maximum bin width must be a number from 0.05 to 10 (nt), and the Y threshold 0 or more "
-              "(RFU): \"{}\" and \"{}\" are not.",
-              request.maxBinWidth, request.yThreshold));
-  }
+  if (!host_.pages().end(parameters, true)) raiseRefused(parameters->control()->Controls(), request);
   hostPage_ = openPage("AFLP");
   page_ = cast<IAFLPResultsPage>(hostPage_->control(), "AFLPResultsPage");
   chooseView(request);
@@ -74,6 +80,75 @@ void Session::chooseView(const AnalysisRequest& request) {
     control<ui::OptionButton>(controls, fmt::format("optSampleBin({})", cells)).Value = true;
     control<ui::CheckBox>(controls, "chkShowExcluded").Value = request.showExcluded ? 1 : 0;
   });
+  for (const std::string& name : request.excludedSamples) excludeSample(name);
+  for (const std::string& key : request.excludedBins) excludeBin(key);
+  if (request.sortBy) sortBy(*request.sortBy);
+  if (request.transposed) {
+    act([&] { control<ui::ComboBox>(controls, "cbxSampleAxis").ListIndex = 1; });
+  }
+}
+
+// A right click on a cell, and one item of the menu that pops up.
+void Session::chooseFromMenu(std::int32_t row, std::int32_t col, const char* item) {
+  act([&] {
+    host_.platform().popupAnswers.push_back([&](ui::MenuItem&, ui::MenuItem*) {});
+    grid().clickCell(row, col);
+    grid().rightClick(row, col);
+    control<ui::MenuItem>(page_->Controls(), item).choose();
+  });
+}
+
+void Session::excludeSample(const std::string& name) {
+  for (const SampleReading& sample : readSamples(*this)) {
+    if (sample.name != name) continue;
+    if (!sample.excluded) chooseFromMenu(0, sample.column, "mnuExcludeColumn");
+    return;
+  }
+  raise(ErrorNumber::InvalidArgument, "Session",
+        fmt::format("--exclude-sample: there is no sample \"{}\"", name));
+}
+
+void Session::excludeBin(const std::string& key) {
+  std::vector<BinReading> found;
+  for (const BinReading& bin : readBins(*this)) {
+    const std::string number = fmt::format("D{}-{}", bin.dye + 1, bin.number);
+    if (bin.key == key) found.assign(1, bin);
+    if (bin.key == key) break;
+    if (number == key) found.push_back(bin);
+  }
+  if (found.size() != 1) {
+    raise(ErrorNumber::InvalidArgument, "Session",
+          fmt::format(
+              "--exclude-bin: {} bin \"{}\" (a bin is named by its dye and its mean size, such as D1-100.25)",
+              found.empty() ? "there is no" : "there is more than one", key));
+  }
+  // An excluded bin stays so: the menu item would bring it back.
+  if (!found.front().isSuppressed()) chooseFromMenu(found.front().row, 1, "mnuExcludeBin");
+}
+
+void Session::sortBy(const std::string& column) {
+  constexpr std::string_view kDescending = ":desc";
+  const bool descending = column.ends_with(kDescending);
+  const std::string name = descending ? column.substr(0, column.size() - kDescending.size()) : column;
+  for (std::int32_t col = 1; col <= page_->NumCols(); ++col) {
+    const std::string key = page_->Key(col);
+    const auto& entry = page_->ColumnSet(key)->Columns.Item(key);
+    const bool isSample = key.starts_with('-');
+    if (key != name && !equalsIgnoringCase(isSample ? entry->ToolTip.get() : entry->Header.get(), name))
+      continue;
+    act([&] { page_->SortCol(col); });
+    if (descending) act([&] { page_->SortCol(col); });
+    return;
+  }
+  raise(ErrorNumber::InvalidArgument, "Session", fmt::format("--sort: there is no column \"{}\"", name));
+}
+
+void Session::save() {
+  const host::SaveOutcome outcome = host_.save();
+  if (!outcome.refused.empty()) {
+    raise(ErrorNumber::InvalidArgument, "Session",
+          fmt::format("\"{}\" could not be saved", outcome.refused.front()));
+  }
 }
 
 // What a user does to the results page, and the pause after it in which the delayed work runs.
@@ -86,9 +161,15 @@ void Session::act(const std::function<void()>& action) {
   if (reports.size() > reportsBefore) throw reports.back().error;
 }
 
-Grid& Session::grid() const { return control<Grid>(page_->Controls(), "grdAFLP"); }
+host::GridControl& Session::grid() const { return control<host::GridControl>(page_->Controls(), "grdAFLP"); }
 
 void Session::exportCsv(const std::filesystem::path& path) { exportBy(path, kCsvType); }
+
+void Session::exportNts(const std::filesystem::path& path) { exportBy(path, kNtsType); }
+
+void Session::exportXlsx(const std::filesystem::path& path) {
+  writeWhole(path, [&](const std::filesystem::path& target) { page_->ExportExcel(target.string()); });
+}
 
 void Session::exportBy(const std::filesystem::path& path, std::int32_t filterIndex) {
   writeWhole(path, [&](const std::filesystem::path& target) {

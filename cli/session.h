@@ -10,6 +10,7 @@
 
 #include "cli/analysis_request.h"
 #include "host/framework/host.h"
+#include "host/grid/grid_control.h"
 
 namespace banddesk::cli {
 
@@ -22,12 +23,23 @@ class Session {
   // Makes a new analysis. Raises an Error when the pages refuse a value or the work fails.
   void analyze(const AnalysisRequest& request);
 
-  // Each writes a whole file or raises an Error that names it.
+  // What is decided on the results page, each by the page's own operation. Error 5 names what there is not.
+  void excludeSample(const std::string& name);
+  void excludeBin(const std::string& key);
+  void sortBy(const std::string& column);
+
+  // The study's save, with all that is unsaved.
+  void save();
+
+  // Each writes a whole file or raises an Error that names it. The spreadsheet rebuilds the table, and
+  // decisions about bins go with that: it comes last, after a save.
   void exportCsv(const std::filesystem::path& path);
+  void exportNts(const std::filesystem::path& path);
+  void exportXlsx(const std::filesystem::path& path);
 
   IAFLPResultsPage& page() const { return *page_; }
   AFLP& analysis() const { return *analysis_; }
-  Grid& grid() const;
+  host::GridControl& grid() const;
   host::Host& host() { return host_; }
 
  private:
@@ -35,6 +47,7 @@ class Session {
   void fillParameters(const ui::ControlSet& controls, const AnalysisRequest& request) const;
   void chooseView(const AnalysisRequest& request);
   void act(const std::function<void()>& action);
+  void chooseFromMenu(std::int32_t row, std::int32_t col, const char* item);
   void exportBy(const std::filesystem::path& path, std::int32_t filterIndex);
 
   host::Host host_;

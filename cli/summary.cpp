@@ -44,7 +44,7 @@ std::string aligned(const std::vector<std::vector<std::string>>& lines) {
 
 }  // namespace
 
-std::string summaryText(const Session& session, const std::string& dyes, double seconds) {
+std::string summaryText(const Session& session, const std::string& dyes) {
   const auto bins = readBins(session);
   const auto samples = readSamples(session);
   std::array<DyeCounts, 4> counts{};
@@ -65,16 +65,19 @@ std::string summaryText(const Session& session, const std::string& dyes, double 
       samples.begin(), samples.end(), [](const auto& each) { return each.excluded || each.filterExcluded; });
   text += fmt::format("excluded: {} of {} bins, {} of {} samples\n", excludedBins, bins.size(),
                       excludedSamples, samples.size());
-  return text + fmt::format("time: {:.2f} s\n", seconds);
+  return text;
 }
 
 std::string tableHead(const Session& session, int rows, int columns) {
   const Grid& grid = session.grid();
+  const std::int32_t firstCol = grid.RowHeadersVisible() ? 0 : 1;
   std::vector<std::vector<std::string>> lines;
-  for (std::int32_t row = 0; row <= grid.RowCount() && static_cast<int>(lines.size()) <= rows; ++row) {
+  for (std::int32_t row = grid.ColHeadersVisible() ? 0 : 1; row <= grid.RowCount(); ++row) {
+    if (static_cast<int>(lines.size()) > rows) break;
     if (grid.IsRowHidden(row)) continue;
     std::vector<std::string>& line = lines.emplace_back();
-    for (std::int32_t col = 1; col <= grid.ColCount() && static_cast<int>(line.size()) < columns; ++col) {
+    for (std::int32_t col = firstCol; col <= grid.ColCount(); ++col) {
+      if (static_cast<int>(line.size()) == columns) break;
       if (!grid.IsColHidden(col)) line.push_back(cut(grid.GetValue(row, col)));
     }
   }

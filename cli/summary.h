@@ -8,7 +8,7 @@
 
 namespace banddesk::cli {
 
-std::string summaryText(const Session& session, const std::string& dyes, double seconds);
+std::string summaryText(const Session& session, const std::string& dyes);
 // The first visible rows and columns, aligned.
 std::string tableHead(const Session& session, int rows, int columns);
 

@@ -18,6 +18,8 @@ std::vector<BinReading> readBins(const Session& session) {
     const auto at = static_cast<std::size_t>(reading.bin);
     reading.dye = view.binDye[at];
     reading.number = roundToLong(number("6", row));
+    reading.meanText = page.CellText("83", row);
+    reading.key = page.CellText("7", row) + "-" + reading.meanText;
     reading.samples = roundToLong(number("8", row));
     reading.fragments = roundToLong(number("119", row));
     reading.minSize = number("9", row);

@@ -15,6 +15,8 @@ struct BinReading {
   std::int32_t row = 0;
   std::int32_t dye = 0;  // slot
   std::int32_t number = 0;
+  std::string key;       // dye and mean size: "D1-100.25"
+  std::string meanText;  // in full precision
   std::int32_t samples = 0;
   std::int32_t fragments = 0;
   double minSize = 0, maxSize = 0, meanSize = 0, sizeVariance = 0;  // nt

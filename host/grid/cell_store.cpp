@@ -21,16 +21,6 @@ std::string_view numberText(std::int32_t number, NumberText& buffer) {
   return {buffer.data(), static_cast<std::size_t>(result.ptr - buffer.data())};
 }
 
-void CellStore::clearValue(Cell& cell) {
-  if (cell.kind() == CellKind::Text) texts_.release(cell.text());
-  cell.setValue(CellKind::Empty, 0);
-}
-
-void CellStore::setNumber(Cell& cell, std::int32_t number) {
-  if (cell.kind() == CellKind::Text) texts_.release(cell.text());
-  cell.setValue(CellKind::Number, static_cast<std::uint32_t>(number));
-}
-
 void CellStore::setText(Cell& cell, std::string_view text) {
   if (text.empty()) {
     clearValue(cell);
@@ -54,9 +44,13 @@ void CellStore::grow(Slot outer, Slot inner) {
   if (outer >= lines_.size()) lines_.resize(std::size_t{outer} + 1);
   auto& cells = lines_[outer].cells;
   const std::size_t needed = std::size_t{inner} + 1;
+  if (needed > cells.capacity()) {
+    // Doubles, but below the widest line no farther than that: a table filled row by row has no room to
+    // spare, and one filled column by column does not move every line at every column.
+    const std::size_t doubled = 2 * cells.size();
+    cells.reserve(std::max(needed, needed < widestLine_ ? std::min(doubled, widestLine_) : doubled));
+  }
   widestLine_ = std::max(widestLine_, needed);
-  // Doubles as long as it stays below the widest line: a full table ends with no room to spare.
-  if (needed > cells.capacity()) cells.reserve(std::max(needed, std::min(2 * cells.size(), widestLine_)));
   cells.resize(needed);
 }
 

@@ -61,8 +61,14 @@ class CellStore {
   Cell& at(Slot row, Slot col) { return isFlipped_ ? grown(col, row) : grown(row, col); }
 
   void setText(Cell& cell, std::string_view text);
-  void setNumber(Cell& cell, std::int32_t number);
-  void clearValue(Cell& cell);
+  void setNumber(Cell& cell, std::int32_t number) {
+    if (cell.kind() == CellKind::Text) texts_.release(cell.text());
+    cell.setValue(CellKind::Number, static_cast<std::uint32_t>(number));
+  }
+  void clearValue(Cell& cell) {
+    if (cell.kind() == CellKind::Text) texts_.release(cell.text());
+    cell.setValue(CellKind::Empty, 0);
+  }
   // The text of a cell, in the buffer if it is a number. Null has none.
   std::string_view text(const Cell* cell, NumberText& buffer) const;
 

@@ -51,6 +51,8 @@ std::optional<ExcelNumber> excelNumber(std::string_view text) {
   if (plain.size() > 1 && plain[0] == '0' && isDigit(plain[1])) return {};
   if (text.front() == '-' && value == 0) return {};
   const std::string_view mantissa = plain.substr(0, plain.find_first_of("eE"));
+  // With an exponent only as numbers are written here: a name such as "4e2" stays text.
+  if (mantissa.size() != plain.size() && generalText(value) != text) return {};
   if (std::ranges::count_if(mantissa, isDigit) > kMostDigits) return {};
   const std::size_t point = mantissa.find('.');
   const bool hasDecimals = point != std::string_view::npos && mantissa.size() == plain.size();

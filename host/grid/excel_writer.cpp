@@ -20,6 +20,7 @@ namespace {
 constexpr std::int32_t kMostRows = 1'048'576;
 constexpr std::int32_t kMostCols = 16'384;
 constexpr std::size_t kLongestText = 32'767;   // in UTF-16 units
+constexpr int kMostAttempts = 99;              // at a name that nobody uses
 constexpr std::uint32_t kWidestColumn = 1790;  // pixels
 
 [[noreturn]] void fail(const std::string& fileName, ErrorNumber number, const std::string& why) {
@@ -39,10 +40,13 @@ constexpr std::uint32_t kWidestColumn = 1790;  // pixels
 // A file beside the target that takes its place when all is well, and vanishes otherwise.
 class PartFile {
  public:
-  explicit PartFile(const std::string& target)
-      : target_(target), name_(fmt::format("{}.{}.part", target, ::getpid())) {
-    const int file = ::open(name_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-    if (file < 0) failBySystem(target_, errno);
+  explicit PartFile(const std::string& target) : target_(target) {
+    int file = -1;
+    for (int attempt = 0; file < 0; ++attempt) {
+      name_ = fmt::format("{}.{}.part", target, attempt);
+      file = ::open(name_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+      if (file < 0 && (errno != EEXIST || attempt == kMostAttempts)) failBySystem(target_, errno);
+    }
     ::close(file);
   }
   PartFile(const PartFile&) = delete;
@@ -122,6 +126,9 @@ class Sheet {
     formats_ = std::make_unique<ExcelFormats>(workbook.get());
     layOut();
     for (std::int32_t row = firstRow_; row <= grid_.RowCount(); ++row) writeRow(row);
+    // The library does not look whether the rows really reached the disk.
+    std::FILE* const rows = sheet_->optimize_tmpfile;
+    if (rows != nullptr && (std::fflush(rows) != 0 || std::ferror(rows) != 0)) failBySystem(fileName_, errno);
     const lxw_error result = workbook_close(workbook.release());
     if (result != LXW_NO_ERROR)
       fail(fileName_, ErrorNumber::DeviceIo, std::string(lxw_strerror(result)) + ".");

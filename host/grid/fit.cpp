@@ -91,33 +91,32 @@ bool GridControl::ResizeToFit(const GridRange& range) {
   const std::vector<Slot> cols = cols_.order.list(block.left, block.right);
   std::vector<double> widest(cols.size(), 0);
   Fitting fitting(store_, looks_, *ports_.measure);
-  std::vector<Slot> rows;
-  for (std::int32_t row = block.top; row <= block.bottom; ++row) {
-    const bool isShown = !IsRowHidden(row) && (row > 0 || colHeadersVisible_);
-    const std::vector<Block> covered = isShown ? coverings_.inRow(row) : std::vector<Block>{};
-    if (isShown && row > 0 && covered.empty()) {
-      rows.push_back(rows_.order.at(row));
+  const auto widen = [&](std::size_t col, double width) { widest[col] = std::max(widest[col], width); };
+
+  std::vector<Slot> plainRows;
+  const std::int32_t bottom = std::min(block.bottom, rows_.order.extent() - 1);
+  for (std::int32_t row = block.top; row <= bottom; ++row) {
+    if (IsRowHidden(row) || (row == 0 && !colHeadersVisible_)) continue;
+    const std::vector<Block> covered = coverings_.inRow(row);
+    if (row > 0 && covered.empty()) {
+      plainRows.push_back(rows_.order.at(row));
       continue;
     }
-    if (!isShown) continue;
     // The header and the rows with merged cells go one by one.
     for (std::int32_t col = block.left; col <= block.right; ++col) {
       const Cell* found = cell(row, col);
       const auto covers = [&](const Block& other) { return other.contains(row, col); };
       if (found == nullptr || std::ranges::any_of(covered, covers)) continue;
-      double& width = widest[static_cast<std::size_t>(col - block.left)];
-      width = std::max(width, fitting.widthOf(*found, layerOf(row, col)));
+      widen(static_cast<std::size_t>(col - block.left), fitting.widthOf(*found, layerOf(row, col)));
     }
   }
-  const bool hasRowHeader = block.left == 0;
-  store_.forExisting(rows, cols, [&](std::size_t, std::size_t col, const Cell& found) {
-    const Layer layer = hasRowHeader && col == 0 ? Layer::RowHeader : Layer::Body;
-    widest[col] = std::max(widest[col], fitting.widthOf(found, layer));
+  store_.forExisting(plainRows, cols, [&](std::size_t, std::size_t col, const Cell& found) {
+    const bool isHeader = block.left == 0 && col == 0;
+    widen(col, fitting.widthOf(found, isHeader ? Layer::RowHeader : Layer::Body));
   });
-  for (std::size_t index = 0; index < widest.size(); ++index) {
-    const auto col = block.left + static_cast<std::int32_t>(index);
-    cols_.setWidth(col, col,
-                   std::max(kNarrowest, static_cast<std::int32_t>(std::ceil(widest[index] + kMargins))));
+  for (std::int32_t col = block.left; col <= block.right; ++col) {
+    const double width = std::ceil(widest[static_cast<std::size_t>(col - block.left)] + kMargins);
+    cols_.setWidth(col, col, std::max(kNarrowest, static_cast<std::int32_t>(width)));
   }
   return true;
 }

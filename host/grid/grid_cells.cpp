@@ -116,7 +116,8 @@ void GridControl::changeBlock(const Block& block, const GridStyle& style, StyleM
   };
   if (mode == StyleMode::Remove) {
     // Takes off only what is there, so it makes room for nothing.
-    store_.forExisting(rows_.order.list(block.top, block.bottom), cols_.order.list(block.left, block.right),
+    store_.forExisting(rows_.order.list(block.top, std::min(block.bottom, rows_.order.extent() - 1)),
+                       cols_.order.list(block.left, std::min(block.right, cols_.order.extent() - 1)),
                        [&](std::size_t, std::size_t, Cell& cell) { change(cell); });
   } else {
     store_.forAll(rows_.order.ensureAll(block.top, block.bottom),
@@ -185,17 +186,20 @@ std::string GridControl::GetCurrentCellText(std::int32_t row, std::int32_t col) 
 }
 
 void GridControl::StoreLine(Axis which, std::int32_t index, std::span<const LineCell> cells) {
-  if (index < 0) return;
+  if (index < 0 || cells.empty()) return;
+  const bool isRow = which == Axis::Rows;
+  LineOrder& along = isRow ? cols_.order : rows_.order;
+  const Slot line = axis(which).order.ensure(index);
   std::int32_t lastBase = -1;
   StyleChange* rebase = nullptr;
   for (const LineCell& given : cells) {
-    const std::int32_t row = which == Axis::Rows ? index : given.position;
-    const std::int32_t col = which == Axis::Rows ? given.position : index;
-    if (given.position < 0 || refuses(row, col)) continue;
-    Cell& cell = cellAt(row, col);
+    if (given.position < 0) continue;
+    if (isRow ? refuses(index, given.position) : refuses(given.position, index)) continue;
+    const Slot other = along.ensure(given.position);
+    Cell& cell = isRow ? store_.at(line, other) : store_.at(other, line);
     store_.setNumber(cell, given.value);
     if (given.baseStyle < 0) continue;
-    if (rebase == nullptr || given.baseStyle != lastBase) {
+    if (given.baseStyle != lastBase) {
       lastBase = given.baseStyle;
       rebase = &sets_.rebase(lastBase);
     }
@@ -208,11 +212,16 @@ void GridControl::VisitTexts(Axis which, std::int32_t index, std::int32_t from, 
   const LineAxis& along = axis(which == Axis::Rows ? Axis::Columns : Axis::Rows);
   const Slot line = axis(which).order.at(index);
   NumberText buffer;
-  for (std::int32_t position = std::max(from, 0); position <= to; ++position) {
+  for (std::int64_t next = std::max(from, 0); next <= to; ++next) {
+    const auto position = static_cast<std::int32_t>(next);
     if (visibleOnly && along.visibility.isHidden(position)) continue;
     const Slot other = along.order.at(position);
+    const bool isTyped = edit_ && (which == Axis::Rows ? edit_->row == index && edit_->col == position
+                                                       : edit_->col == index && edit_->row == position);
     visitor(position,
-            store_.text(which == Axis::Rows ? store_.find(line, other) : store_.find(other, line), buffer));
+            isTyped ? std::string_view(edit_->text)
+                    : store_.text(which == Axis::Rows ? store_.find(line, other) : store_.find(other, line),
+                                  buffer));
   }
 }
 
@@ -220,7 +229,8 @@ void GridControl::VisitUserAttributes(Axis which, std::int32_t index, std::int32
                                       const TextVisitor& visitor) const {
   const LineAxis& along = axis(which == Axis::Rows ? Axis::Columns : Axis::Rows);
   const Slot line = axis(which).order.at(index);
-  for (std::int32_t position = std::max(from, 0); position <= to; ++position) {
+  for (std::int64_t next = std::max(from, 0); next <= to; ++next) {
+    const auto position = static_cast<std::int32_t>(next);
     const Slot other = along.order.at(position);
     visitor(position,
             which == Axis::Rows ? store_.userAttribute(line, other) : store_.userAttribute(other, line));

@@ -20,6 +20,10 @@ void GridControl::setCount(Axis which, std::int32_t count) {
   // Growing shows what was written ahead; shrinking takes that away too.
   if (count <= lines.count) discard(which, count + 1, std::numeric_limits<std::int32_t>::max());
   lines.count = count;
+  keepViewInside();
+}
+
+void GridControl::keepViewInside() {
   selection_.cutTo(rows_.count, cols_.count);
   topRow_ = std::clamp(topRow_, 1, std::max(rows_.count, 1));
   leftCol_ = std::clamp(leftCol_, 1, std::max(cols_.count, 1));
@@ -62,6 +66,7 @@ void GridControl::ExchangeAxes() {
   coverings_.exchangeAxes();
   selection_.exchangeAxes();
   std::swap(currentRow_, currentCol_);
+  keepViewInside();
 }
 
 }  // namespace banddesk::host

@@ -189,11 +189,12 @@ class GridControl final : public Grid, private GridData, private GridParameters,
   void setCount(Axis which, std::int32_t count);
   void discard(Axis which, std::int32_t from, std::int32_t to);
   bool removeLines(Axis which, std::int32_t from, std::int32_t to);
-  bool sortLines(Axis which, Block block, std::int32_t count, std::span<const SortInfo> keys);
+  bool sortLines(Axis which, Block block, std::int32_t count, std::span<const SortInfo> infos);
   void moveSelected(Axis which, std::int32_t first, std::int32_t last, std::int32_t target);
   bool changeCells(const Block& block, const GridStyle& style, StyleMode mode);
   void changeBlock(const Block& block, const GridStyle& style, StyleMode mode);
   void changeAsides(std::int32_t row, std::int32_t col, const GridStyle& style, StyleMode mode);
+  void keepViewInside();
   void scrollTo(std::int32_t row, std::int32_t col);
   void select(const Block& block, bool addToSelection);
   PrintJob printJob() const;

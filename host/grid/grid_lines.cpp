@@ -32,13 +32,13 @@ struct SortValue {
   }
 };
 
-struct SortColumn {
+struct SortKey {
   bool isDescending;
   std::vector<SortValue> values;  // one for each line that is sorted
 };
 
-bool standsBefore(const std::vector<SortColumn>& keys, std::size_t a, std::size_t b) {
-  for (const SortColumn& key : keys) {
+bool standsBefore(const std::vector<SortKey>& keys, std::size_t a, std::size_t b) {
+  for (const SortKey& key : keys) {
     const int order = key.values[a].compare(key.values[b]);
     if (order != 0) return key.isDescending ? order > 0 : order < 0;
   }
@@ -65,6 +65,7 @@ bool GridControl::removeLines(Axis which, std::int32_t from, std::int32_t to) {
   discard(which, from, to);
   std::int32_t& count = axis(which).count;
   count -= std::max(std::min(to, count) - from + 1, 0);
+  keepViewInside();
   return true;
 }
 
@@ -104,28 +105,28 @@ bool GridControl::SortColumns(const GridRange& range, std::int32_t count, std::s
   return sortLines(Axis::Columns, blockOf(range), count, keys);
 }
 
-bool GridControl::sortLines(Axis which, Block block, std::int32_t count, std::span<const SortInfo> keys) {
+bool GridControl::sortLines(Axis which, Block block, std::int32_t count, std::span<const SortInfo> infos) {
   const std::int32_t first = std::max(block.first(which), 1);  // the header stays where it is
   const std::int32_t last = block.last(which);
   if (block.isEmpty() || last < first) return true;
-  std::vector<SortColumn> columns;
+  checkReach(last);
+  std::vector<SortKey> keys;
   NumberText buffer;
-  for (const SortInfo& key :
-       keys.first(std::min(keys.size(), static_cast<std::size_t>(std::max(count, 0))))) {
-    if (key.SortOrder == kUnsorted || key.nRC < 0) continue;
-    SortColumn& column = columns.emplace_back(SortColumn{key.SortOrder == 1, {}});
-    column.values.reserve(static_cast<std::size_t>(last - first) + 1);
+  for (const SortInfo& info :
+       infos.first(std::min(infos.size(), static_cast<std::size_t>(std::max(count, 0))))) {
+    if (info.SortOrder == kUnsorted || info.nRC < 0) continue;
+    SortKey& key = keys.emplace_back(SortKey{info.SortOrder == 1, {}});
     for (std::int32_t line = first; line <= last; ++line) {
-      const auto text = which == Axis::Rows ? textAt(line, key.nRC, buffer) : textAt(key.nRC, line, buffer);
-      column.values.emplace_back(text, key.bCase);
+      const auto text = which == Axis::Rows ? textAt(line, info.nRC, buffer) : textAt(info.nRC, line, buffer);
+      key.values.emplace_back(text, info.bCase);
     }
   }
-  if (columns.empty()) return false;
+  if (keys.empty()) return false;
   endEdit(false);
   std::vector<Position> order(static_cast<std::size_t>(last - first) + 1);
   std::iota(order.begin(), order.end(), first);
   std::ranges::stable_sort(order, [&](Position a, Position b) {
-    return standsBefore(columns, static_cast<std::size_t>(a - first), static_cast<std::size_t>(b - first));
+    return standsBefore(keys, static_cast<std::size_t>(a - first), static_cast<std::size_t>(b - first));
   });
   axis(which).order.permute(first, order);
   return true;

@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <utility>
 
+#include "plugin/base/error.h"
+#include "plugin/base/numbers.h"
+
 namespace banddesk::host {
 namespace {
 
@@ -17,6 +20,7 @@ auto placeOf(std::vector<T>& lines, Position position) {
 template <class T>
 void reach(std::vector<T>& lines, Position last, T filler) {
   if (last >= 0 && lines.size() <= static_cast<std::size_t>(last)) {
+    checkReach(last);
     lines.resize(static_cast<std::size_t>(last) + 1, filler);
   }
 }
@@ -51,10 +55,15 @@ void moveLines(std::vector<T>& lines, Position first, Position last, Position ta
 
 }  // namespace
 
-Slot LineOrder::ensure(Position position) {
+void checkReach(Position last) {
+  if (last <= kFarthest) return;
+  raise(ErrorNumber::OutOfMemory, "Grid",
+        "Row or column " + integerText(last) + " lies beyond what the grid can hold.");
+}
+
+Slot LineOrder::make(Position position) {
   reach(slots_, position, kNoSlot);
   Slot& slot = slots_[static_cast<std::size_t>(position)];
-  if (slot != kNoSlot) return slot;
   if (free_.empty()) return slot = next_++;
   slot = free_.back();
   free_.pop_back();
@@ -64,6 +73,7 @@ Slot LineOrder::ensure(Position position) {
 std::vector<Slot> LineOrder::list(Position first, Position last) const {
   std::vector<Slot> slots;
   if (last < first) return slots;
+  checkReach(last);
   slots.reserve(static_cast<std::size_t>(last - first) + 1);
   for (Position position = first; position <= last; ++position) slots.push_back(at(position));
   return slots;

@@ -13,6 +13,11 @@ namespace banddesk::host {
 
 using Position = std::int32_t;
 
+// Far beyond any table; a line out there would cost more memory than it is worth.
+inline constexpr Position kFarthest = (1 << 27) - 1;
+// Raises an error for a line that lies farther out.
+void checkReach(Position last);
+
 // The order of the lines. A line gets its slot when something is first written to it.
 class LineOrder {
  public:
@@ -21,7 +26,10 @@ class LineOrder {
                ? slots_[static_cast<std::size_t>(position)]
                : kNoSlot;
   }
-  Slot ensure(Position position);
+  Slot ensure(Position position) {
+    const Slot slot = at(position);
+    return slot != kNoSlot ? slot : make(position);
+  }
   // The slots of first..last, kNoSlot where nothing was written, or all of them made.
   std::vector<Slot> list(Position first, Position last) const;
   std::vector<Slot> ensureAll(Position first, Position last);
@@ -37,6 +45,8 @@ class LineOrder {
   Position extent() const { return static_cast<Position>(slots_.size()); }
 
  private:
+  Slot make(Position position);
+
   std::vector<Slot> slots_;
   std::vector<Slot> free_;
   Slot next_ = 0;

@@ -150,10 +150,12 @@ class Dictionary : public KeyedLookup {
     if (!byKey_.emplace(key, entries_.size()).second) detail::raiseDuplicateKey(key);
     entries_.emplace_back(std::move(key), std::move(item));
   }
-  const T& Item(std::string_view key) const {
-    const auto found = byKey_.find(std::string(key));
-    if (found == byKey_.end()) detail::raiseMissingKey(key);
-    return entries_[found->second].second;
+  const T& Item(std::string_view key) const { return entries_[position(key)].second; }
+  void Remove(std::string_view key) {
+    const std::size_t at = position(key);
+    entries_.erase(entries_.begin() + static_cast<std::ptrdiff_t>(at));
+    byKey_.erase(std::string(key));
+    for (auto& [name, place] : byKey_) place -= place > at ? 1 : 0;
   }
   std::int32_t Count() const override { return static_cast<std::int32_t>(entries_.size()); }
   bool holdsKey(std::string_view key) const override { return byKey_.contains(std::string(key)); }
@@ -162,6 +164,12 @@ class Dictionary : public KeyedLookup {
   auto end() const { return entries_.end(); }
 
  private:
+  std::size_t position(std::string_view key) const {
+    const auto found = byKey_.find(std::string(key));
+    if (found == byKey_.end()) detail::raiseMissingKey(key);
+    return found->second;
+  }
+
   std::vector<std::pair<std::string, T>> entries_;  // in the order of their adding
   std::unordered_map<std::string, std::size_t> byKey_;
 };

@@ -47,18 +47,19 @@ class Event {
 
   [[nodiscard]] Connection connect(Listener listener) {
     auto alive = std::make_shared<bool>(true);
-    slots_.push_back(std::make_shared<Slot>(Slot{alive, std::move(listener)}));
+    slots_->push_back(std::make_shared<Slot>(Slot{alive, std::move(listener)}));
     return Connection(std::move(alive));
   }
 
   // Calls the listeners in the order in which they connected. A listener may connect, disconnect or destroy
   // this event meanwhile: those disconnected are no longer called, those added wait for the next time.
   void raise(Args... args) {
-    const auto listening = slots_;
+    const auto slots = slots_;
+    const auto listening = *slots;
     for (const auto& slot : listening) {
       if (*slot->alive) slot->listener(args...);
     }
-    if (!listening.empty()) dropDead(listening);
+    std::erase_if(*slots, [](const auto& each) { return !*each->alive; });
   }
 
  private:
@@ -68,16 +69,7 @@ class Event {
   };
   using Slots = std::vector<std::shared_ptr<Slot>>;
 
-  void dropDead(const Slots& called) {
-    for (const auto& slot : called) {
-      if (!*slot->alive) {
-        std::erase_if(slots_, [](const auto& each) { return !*each->alive; });
-        return;
-      }
-    }
-  }
-
-  Slots slots_;
+  std::shared_ptr<Slots> slots_ = std::make_shared<Slots>();
 };
 
 }  // namespace banddesk

@@ -39,6 +39,13 @@ std::size_t numberLength(std::string_view text, char separator) {
   return at;
 }
 
+// Whether a number beyond the range of doubles is too small for it, not too large.
+bool isTiny(std::string_view number) {
+  const std::size_t exponent = number.find_first_of("eE");
+  if (exponent != std::string_view::npos) return number.find('-', exponent) != std::string_view::npos;
+  return number.find_first_of("123456789") > number.find('.');
+}
+
 // The value of a text that numberLength has measured.
 double valueOf(std::string_view number, char separator) {
   if (number.front() == '+') number.remove_prefix(1);
@@ -49,9 +56,7 @@ double valueOf(std::string_view number, char separator) {
   double value = 0;
   const auto result = std::from_chars(plain.data(), plain.data() + plain.size(), value);
   if (result.ec == std::errc::result_out_of_range) {
-    const auto exponent = plain.find_first_of("eE");
-    const bool tiny = exponent != std::string::npos && plain.find('-', exponent) != std::string::npos;
-    const double magnitude = tiny ? 0.0 : std::numeric_limits<double>::infinity();
+    const double magnitude = isTiny(plain) ? 0.0 : std::numeric_limits<double>::infinity();
     return plain.front() == '-' ? -magnitude : magnitude;
   }
   return value;

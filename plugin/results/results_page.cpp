@@ -28,12 +28,12 @@ AFLPResultsPage::AFLPResultsPage(MGlobals& globals)
 void AFLPResultsPage::UserControl_Initialize() {
   page_.frame.handler("UserControl_Initialize", [&] {
     page_.m_oPageBase = page_.services.NewPageBase();
+    listenToHost();
     table_.makeObjects();
     lowestEdge();
     sizing_.m_lTrackedCol = -1;
     table_.grid().SetRowCount(0);
     table_.grid().SetColCount(0);
-    listenToHost();
     listenToControls();
     listenToMenus();
     listenToGrid();
@@ -47,7 +47,11 @@ std::shared_ptr<PageBase> AFLPResultsPage::IPageAccess_Page() {
 void AFLPResultsPage::lowestEdge() {
   double lowest = 0;
   for (const ui::Control* control : controlSet_.all()) {
-    if (control->hasPlace()) lowest = page_.framework().Max(lowest, control->Top + control->Height);
+    try {
+      if (control->hasPlace()) lowest = page_.framework().Max(lowest, control->Top + control->Height);
+    } catch (...) {
+      // A control that does not tell its place does not count.
+    }
   }
   m_lLastHeight = roundToLong(lowest);
 }
@@ -60,7 +64,7 @@ void AFLPResultsPage::UserControl_Resize(double scaleWidth, double scaleHeight) 
       for (ui::Control* control : controlSet_.all()) {
         try {
           resizeControl(*control, delta);
-        } catch (const Error&) {
+        } catch (...) {
           // One control that cannot move keeps none of the others.
         }
       }

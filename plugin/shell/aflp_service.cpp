@@ -63,14 +63,15 @@ PersistentCollection<AFLP>* AFLPService::AFLPs() {
 
 void AFLPService::m_oServiceBase_Initialize() {
   frame_.procedure("m_oServiceBase_Initialize", [&] {
+    sources_.clear();
     m_oStudyService = &services_.StudyService();
-    connections_.push_back(
+    sources_.push_back(
         m_oStudyService->StudyOpened.connect([this](const auto&) { m_oStudyService_StudyOpened(); }));
-    connections_.push_back(m_oStudyService->StudyClosed.connect([this] { m_oStudyService_StudyClosed(); }));
+    sources_.push_back(m_oStudyService->StudyClosed.connect([this] { m_oStudyService_StudyClosed(); }));
 
     const auto& instances = services_.Application().ServiceRegistry().Instances;
     m_oReportingService = cast<ReportingService>(instances.Item("ReportingService"), "ReportingService");
-    connections_.push_back(
+    sources_.push_back(
         m_oReportingService->ReportFinished.connect([this] { m_oReportingService_ReportFinished(); }));
 
     // Only the next StudyOpened enables the command, whether or not a study is open at this moment.

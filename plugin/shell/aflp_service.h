@@ -49,6 +49,7 @@ class AFLPService final : public IAFLPService, private LiveObject {
   StudyService* m_oStudyService = nullptr;
   std::shared_ptr<ReportingService> m_oReportingService;
   Connections connections_;
+  Connections sources_;  // study service and reporting service
 };
 
 }  // namespace banddesk

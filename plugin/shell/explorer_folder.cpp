@@ -161,7 +161,7 @@ void AFLPExplorerFolder::OpenAFLP(const std::shared_ptr<AFLP>& analysis) {
 void AFLPExplorerFolder::DeleteAFLP(const std::shared_ptr<AFLP>& analysis) {
   frame_.procedure("DeleteAFLP", [&] {
     const std::string key = integerText(required(analysis, "AFLP").ID());
-    AFLPs().Remove(key);
+    currentStudy().AFLPs.Remove(key);
     services_.Application().Explorer().Tree().RemoveItem(m_colExplorerItems->Item(key));
     m_colExplorerItems->Remove(key);
   });

@@ -82,7 +82,7 @@ class PersistentObject : public Object, public IPersistentAccess, public Propert
 };
 
 // A collection of persistent objects under the keys that the objects themselves give. What is removed waits
-// in DeletedItems for the next commit.
+// in DeletedItems until it is deleted from the store.
 template <class T>
 class PersistentCollection final : public Collection<std::shared_ptr<T>>, private CollectionObserver {
  public:
@@ -114,10 +114,11 @@ class PersistentCollection final : public Collection<std::shared_ptr<T>>, privat
 
   Collection<std::shared_ptr<T>>& DeletedItems() { return deleted_; }
 
-  // Forgets what was removed, now that the store has followed. The argument is not read.
-  void Commit(bool) {
+  // Closes a save. What was removed and not yet deleted from the store waits on for the next one, unless
+  // `forget`.
+  void Commit(bool forget) {
     beforeAccess("Commit");
-    while (deleted_.Count() > 0) deleted_.Remove(deleted_.Count());
+    while (forget && deleted_.Count() > 0) deleted_.Remove(deleted_.Count());
   }
 
  private:

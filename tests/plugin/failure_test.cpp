@@ -118,7 +118,9 @@ std::size_t failOnce(const Road& road, const host::FaultInjector::Operation& ope
     EXPECT_TRUE(isFollowed() || error == injected) << where << ": " << error.description();
   }
   EXPECT_TRUE(desk.host.faults().hasFailed()) << where;
-  EXPECT_TRUE(raised || !reports.empty()) << where << ": nobody was told";
+  // A new page measures its controls' edges and minds no failure in that.
+  const bool isMinded = operation != host::FaultInjector::Operation{"Framework", "Max"};
+  EXPECT_TRUE(raised || !reports.empty() || !isMinded) << where << ": nobody was told";
   for (const auto& report : reports) {
     EXPECT_EQ(report.title, "AFLP Analysis") << where;
     EXPECT_TRUE(kModules.contains(report.module)) << where << ": " << report.module;

@@ -1,0 +1,60 @@
+#include "tests/cli/command.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <sstream>
+#include <sys/wait.h>
+
+namespace banddesk::test {
+namespace fs = std::filesystem;
+
+Outcome shell(const std::string& command) {
+  const std::string out = folder() + "/.out";
+  const std::string err = folder() + "/.err";
+  const int raw = std::system((command + " >'" + out + "' 2>'" + err + "' </dev/null").c_str());
+  return {WIFEXITED(raw) ? WEXITSTATUS(raw) : -1, readFile(out), readFile(err)};
+}
+
+Outcome banddesk(const std::vector<std::string>& arguments, const std::string& environment) {
+  std::string command = environment + " '" BANDDESK_BINARY "'";
+  for (const std::string& argument : arguments) command += " '" + argument + "'";
+  return shell(command);
+}
+
+std::string readFile(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  std::ostringstream text;
+  text << in.rdbuf();
+  return text.str();
+}
+
+void writeFile(const std::string& path, const std::string& text) {
+  std::ofstream out(path, std::ios::binary);
+  out << text;
+}
+
+std::string folder() {
+  static std::string made;
+  static std::string test;
+  const auto* info = ::testing::UnitTest::GetInstance()->current_test_info();
+  const std::string name = std::string(info->test_suite_name()) + "-" + info->name();
+  if (name != test) {
+    test = name;
+    made = (fs::temp_directory_path() / ("banddesk-cli-" + name)).string();
+    fs::remove_all(made);
+    fs::create_directories(made);
+  }
+  return made;
+}
+
+std::string realTable(const std::string& name) {
+  const char* named = std::getenv("BANDDESK_SHARED");
+  const fs::path shared =
+      named != nullptr ? fs::path(named) : fs::path(BANDDESK_SOURCE_DIR) / ".." / "shared";
+  const fs::path path = shared / "data" / name;
+  return fs::exists(path) ? path.string() : std::string();
+}
+
+}  // namespace banddesk::test
