@@ -18,7 +18,7 @@ struct Options {
   std::optional<Dye> ladder;
   /// Asked of each file by its size and content hash before it is read: a known file is passed over and
   /// noted. Files are hashed only where somebody asks.
-  std::function<bool(std::uint64_t size, std::uint64_t hash)> isKnown;
+  std::function<bool(std::uint64_t size, std::uint64_t hash)> isKnown = {};
 };
 
 /// Told how many bytes of how many are done. An exception thrown from it ends the reading and passes through.
