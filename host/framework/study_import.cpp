@@ -24,7 +24,7 @@ void requireWritable(HostStudyService& study) {
   if (!study.isOpen()) raise(ErrorNumber::ObjectNotSet, "Import", "No study is open.");
   if (const std::string why = study.whyReadOnly(); !why.empty())
     raise(ErrorNumber::PermissionDenied, "Import",
-          fmt::format("Nothing can be imported into the study: {}", why));
+          fmt::format("Nothing can be imported into the study \"{}\": {}", study.Study()->Name.get(), why));
 }
 
 Contents contentsOf(const std::vector<ImportRecord>& imports) {
