@@ -9,6 +9,7 @@
 #include "cli/output_file.h"
 #include "cli/progress_line.h"
 #include "cli/session.h"
+#include "cli/study_analysis.h"
 #include "cli/summary.h"
 #include "host/framework/table_import.h"
 #include "host/import/read_files.h"
@@ -36,24 +37,31 @@ host::TableImport readTables(const AnalyzeArguments& arguments, ProgressLine& ba
   return host::importTable(std::move(table));
 }
 
-// The spreadsheet rebuilds the table, so it comes last and after the save: no output costs a decision.
-void writeOutputs(const Outputs& outputs, Session& session, const std::string& studyName,
-                  const std::string& dyes) {
-  session.save();
+}  // namespace
+
+// The spreadsheet rebuilds the table, so it comes last: no other output misses a decision.
+void writeOutputs(const Outputs& outputs, Session& session, const std::string& dyes) {
   if (outputs.csv) session.exportCsv(*outputs.csv);
   if (outputs.nts) session.exportNts(*outputs.nts);
   if (outputs.matrix) {
     writeWholeText(*outputs.matrix, [&](std::ostream& out) { writeMatrix(out, session); });
   }
   if (outputs.json) {
-    writeWholeText(*outputs.json, [&](std::ostream& out) { writeJson(out, session, studyName, dyes); });
+    writeWholeText(*outputs.json,
+                   [&](std::ostream& out) { writeJson(out, session, session.study().Name, dyes); });
   }
   if (outputs.xlsx) session.exportXlsx(*outputs.xlsx);
 }
 
-}  // namespace
+std::string printedHead(const Session& session) { return tableHead(session, kHeadRows, kHeadColumns); }
 
 void runAnalyze(const AnalyzeArguments& arguments) {
+  if (isStudyFile(arguments.files.front())) {
+    runStudyAnalysis(arguments);
+    return;
+  }
+  if (arguments.name)
+    raise(ErrorNumber::InvalidArgument, "Analyze", "--name: only a study file keeps analyses");
   const auto started = std::chrono::steady_clock::now();
   ProgressLine bar;
   host::TableImport imported = readTables(arguments, bar);
@@ -69,9 +77,10 @@ void runAnalyze(const AnalyzeArguments& arguments) {
   session.openStudy(studyName, std::move(imported.results));
   session.analyze(arguments.request);
   bar.begin("Writing");
-  const std::string head = arguments.printHead ? tableHead(session, kHeadRows, kHeadColumns) : std::string();
+  const std::string head = arguments.printHead ? printedHead(session) : std::string();
   const std::string summary = summaryText(session, dyes);
-  writeOutputs(arguments.outputs, session, studyName, dyes);
+  session.save();
+  writeOutputs(arguments.outputs, session, dyes);
   bar.clear();
 
   const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - started;

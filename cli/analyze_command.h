@@ -3,6 +3,7 @@
 
 #include <filesystem>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -18,10 +19,21 @@ namespace banddesk::cli {
 struct AnalyzeArguments {
   std::vector<std::filesystem::path> files;
   std::optional<host::import::Dye> ladder;
+  std::optional<std::string> name;  // of the analysis in a study file
   AnalysisRequest request;
+  std::set<std::string> given;  // the options that stand on the command line
   Outputs outputs;
   bool printHead = false;
 };
+
+class Session;
+
+// The options that name outputs, and the writing of those that were given; `dyes` are the letters of the four
+// slots. What is unsaved must be saved before.
+void addOutputOptions(CLI::App& command, Outputs& outputs);
+void writeOutputs(const Outputs& outputs, Session& session, const std::string& dyes);
+// The first lines of the table, for --head.
+std::string printedHead(const Session& session);
 
 // Adds the command and its options; they are read into `arguments` when the command line is parsed.
 CLI::App& addAnalyzeCommand(CLI::App& app, AnalyzeArguments& arguments);

@@ -74,6 +74,8 @@ void addViewOptions(CLI::App& command, AnalysisRequest& request) {
       ->type_name("NAME");
 }
 
+}  // namespace
+
 void addOutputOptions(CLI::App& command, Outputs& outputs) {
   command.add_option("--csv", outputs.csv, "Write the table as it is shown")->type_name("OUT");
   command.add_option("--nts", outputs.nts, "Write presence as a labelled matrix for NTSYSpc")
@@ -86,18 +88,25 @@ void addOutputOptions(CLI::App& command, Outputs& outputs) {
   command.add_option("--xlsx", outputs.xlsx, "Write the table as a spreadsheet")->type_name("OUT");
 }
 
-}  // namespace
-
 CLI::App& addAnalyzeCommand(CLI::App& app, AnalyzeArguments& arguments) {
   CLI::App& command = *app.add_subcommand("analyze", "Analyse peak tables and export the AFLP table");
-  command.add_option("FILE", arguments.files, "Peak tables, or folders of them")->required();
+  command.add_option("FILE", arguments.files, "Peak tables, or folders of them; or one study file")
+      ->required();
+  command
+      .add_option("--name", arguments.name, "In a study: the analysis to open again or to make [a new one]")
+      ->type_name("NAME");
   addParameterOptions(command, arguments);
   addViewOptions(command, arguments.request);
   addOutputOptions(command, arguments.outputs);
   command.add_flag("--head", arguments.printHead, "Print the head of the table");
   command.footer(
       "Example:\n  banddesk analyze run1.txt run2.txt --ladder R --max-bin-width 1.5 --y-threshold 50 --csv "
-      "table.csv");
+      "table.csv\n  banddesk analyze primula.study --name First --y-threshold 50");
+  command.final_callback([&command, &arguments] {
+    for (const CLI::Option* option : command.get_options()) {
+      if (option->count() > 0) arguments.given.insert(option->get_name());
+    }
+  });
   return command;
 }
 

@@ -8,6 +8,8 @@
 
 #include "cli/analyze_command.h"
 #include "cli/example_command.h"
+#include "cli/study_analysis.h"
+#include "cli/study_commands.h"
 #include "plugin/base/error.h"
 
 namespace {
@@ -32,6 +34,10 @@ int run(int argc, char** argv) {
   ExampleArguments example;
   CLI::App& analyzeCommand = addAnalyzeCommand(app, analyze);
   CLI::App& exampleCommand = addExampleCommand(app, example);
+  Chosen chosen;  // of the commands on study files
+  for (const auto add : {addNewCommand, addImportCommand, addListCommand, addResultsCommand, addExportCommand,
+                         addReportCommand})
+    add(app, chosen);
   try {
     app.parse(argc, argv);
   } catch (const CLI::Success& success) {
@@ -41,6 +47,7 @@ int run(int argc, char** argv) {
   }
   if (analyzeCommand.parsed()) runAnalyze(analyze);
   if (exampleCommand.parsed()) runExample(example);
+  if (chosen) chosen();
   return 0;
 }
 

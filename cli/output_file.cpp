@@ -9,11 +9,14 @@
 namespace banddesk::cli {
 namespace fs = std::filesystem;
 
-void writeWhole(const fs::path& path, const std::function<void(const fs::path&)>& write) {
+void writeWhole(const fs::path& given, const std::function<void(const fs::path&)>& write) {
+  std::error_code trouble;
+  // What a link leads to is replaced, never the link itself: it may be one of the system's.
+  const fs::path target = fs::is_symlink(given, trouble) ? fs::canonical(given, trouble) : given;
+  const fs::path path = target.empty() ? given : target;
   const auto fail = [&](const std::string& why) {
     raise(ErrorNumber::DeviceIo, "Output", fmt::format("{}: {}", path.string(), why));
   };
-  std::error_code trouble;
   if (fs::is_directory(path, trouble)) fail("it is a folder");
   if (path.has_parent_path() && !fs::is_directory(path.parent_path(), trouble))
     fail("there is no such folder");

@@ -20,16 +20,6 @@ host::HostSettings settings() {
   return made;
 }
 
-// The box that the page has marked says which value it is.
-[[noreturn]] void raiseRefused(const ui::ControlSet& controls, const AnalysisRequest& request) {
-  const bool isWidth = control<ui::TextBox>(controls, "txtMaxBinWidth").BackColor == ui::kYellow;
-  const std::string message =
-      isWidth
-          ? fmt::format("--max-bin-width: \"{}\" is not a number from 0.05 to 10 (nt)", request.maxBinWidth)
-          : fmt::format("--y-threshold: \"{}\" is not a number of 0 or more (RFU)", request.yThreshold);
-  raise(ErrorNumber::InvalidArgument, "Session", message);
-}
-
 }  // namespace
 
 Session::Session(std::function<void(double)> onProgress) : host_(settings()) {
@@ -42,7 +32,17 @@ Session::Session(std::function<void(double)> onProgress) : host_(settings()) {
 }
 
 void Session::openStudy(const std::string& name, std::vector<host::NewResult> results) {
-  host_.openStudy(std::make_shared<host::MemoryStore>(name, std::move(results)));
+  openStudy(std::make_shared<host::MemoryStore>(name, std::move(results)));
+}
+
+// The box that the page has marked says which value it is.
+void Session::raiseRefused(const ui::ControlSet& controls, const AnalysisRequest& request) {
+  const bool isWidth = control<ui::TextBox>(controls, "txtMaxBinWidth").BackColor == ui::kYellow;
+  const std::string message =
+      isWidth
+          ? fmt::format("--max-bin-width: \"{}\" is not a number from 0.05 to 10 (nt)", request.maxBinWidth)
+          : fmt::format("--y-threshold: \"{}\" is not a number of 0 or more (RFU)", request.yThreshold);
+  raise(ErrorNumber::InvalidArgument, "Session", message);
 }
 
 std::shared_ptr<host::HostPage> Session::openPage(const char* definition) {
@@ -58,9 +58,13 @@ void Session::analyze(const AnalysisRequest& request) {
   analysis_ = cast<AFLP>(parameters->bound(), "AFLP");
   host_.pages().userEvent(*parameters, [&] { fillParameters(parameters->control()->Controls(), request); });
   if (!host_.pages().end(parameters, true)) raiseRefused(parameters->control()->Controls(), request);
+  takePage();
+  chooseView(request);
+}
+
+void Session::takePage() {
   hostPage_ = openPage("AFLP");
   page_ = cast<IAFLPResultsPage>(hostPage_->control(), "AFLPResultsPage");
-  chooseView(request);
 }
 
 void Session::fillParameters(const ui::ControlSet& controls, const AnalysisRequest& request) const {
@@ -80,11 +84,15 @@ void Session::chooseView(const AnalysisRequest& request) {
     control<ui::OptionButton>(controls, fmt::format("optSampleBin({})", cells)).Value = true;
     control<ui::CheckBox>(controls, "chkShowExcluded").Value = request.showExcluded ? 1 : 0;
   });
+  decide(request);
+}
+
+void Session::decide(const AnalysisRequest& request) {
   for (const std::string& name : request.excludedSamples) excludeSample(name);
   for (const std::string& key : request.excludedBins) excludeBin(key);
   if (request.sortBy) sortBy(*request.sortBy);
   if (request.transposed) {
-    act([&] { control<ui::ComboBox>(controls, "cbxSampleAxis").ListIndex = 1; });
+    act([&] { control<ui::ComboBox>(page_->Controls(), "cbxSampleAxis").ListIndex = 1; });
   }
 }
 

@@ -1,10 +1,11 @@
-// One study in memory and its analysis, driven over the same road that a user of the pages takes: the
-// service's command, the parameters page with its controls, OK, the results page, its export. No rule of the
-// analysis lives here.
+// One study, in memory or in a file, and its analysis, driven over the same road that a user of the pages
+// takes: the service's command, the parameters page with its controls, OK, the results page, its export. No
+// rule of the analysis lives here.
 #pragma once
 
 #include <functional>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -20,8 +21,15 @@ class Session {
   explicit Session(std::function<void(double)> onProgress = {});
 
   void openStudy(const std::string& name, std::vector<host::NewResult> results);
+  void openStudy(std::shared_ptr<host::Store> store);
   // Makes a new analysis. Raises an Error when the pages refuse a value or the work fails.
   void analyze(const AnalysisRequest& request);
+
+  // Opens an analysis of the study again. `stale` says what to do where the results have changed since.
+  void reopen(const std::shared_ptr<AFLP>& analysis, host::StaleAnalysis stale);
+  // Changes what the user gave: the options of `request` by their names, and its decisions.
+  void change(const AnalysisRequest& request, const std::set<std::string>& given);
+  void showExcluded(bool show);
 
   // What is decided on the results page, each by the page's own operation. Error 5 names what there is not.
   void excludeSample(const std::string& name);
@@ -36,21 +44,29 @@ class Session {
   void exportCsv(const std::filesystem::path& path);
   void exportNts(const std::filesystem::path& path);
   void exportXlsx(const std::filesystem::path& path);
+  // The report of the analysis as an HTML page.
+  std::string report();
 
   IAFLPResultsPage& page() const { return *page_; }
   AFLP& analysis() const { return *analysis_; }
   host::GridControl& grid() const;
   host::Host& host() { return host_; }
+  Study& study() const { return *study_; }
 
  private:
   std::shared_ptr<host::HostPage> openPage(const char* definition);
   void fillParameters(const ui::ControlSet& controls, const AnalysisRequest& request) const;
   void chooseView(const AnalysisRequest& request);
+  void decide(const AnalysisRequest& request);
+  void takePage();
+  void fillBox(const char* box, const std::string& text, const AnalysisRequest& request);
+  [[noreturn]] static void raiseRefused(const ui::ControlSet& controls, const AnalysisRequest& request);
   void act(const std::function<void()>& action);
   void chooseFromMenu(std::int32_t row, std::int32_t col, const char* item);
   void exportBy(const std::filesystem::path& path, std::int32_t filterIndex);
 
   host::Host host_;
+  std::shared_ptr<Study> study_;
   std::shared_ptr<AFLP> analysis_;
   std::shared_ptr<IAFLPResultsPage> page_;
   std::shared_ptr<host::HostPage> hostPage_;

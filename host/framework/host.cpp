@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "host/binning/gap_bin_calculator.h"
+#include "host/framework/analysis_report.h"
 #include "host/framework/first_failure.h"
 #include "host/framework/guarded_calculator.h"
 
@@ -23,6 +24,9 @@ Host::Host(HostSettings settings)
       pages_(faults_) {
   hooks_.open = [this](const std::shared_ptr<AFLP>& analysis, bool show) {
     return openAnalysis(analysis, show);
+  };
+  reporting_->makeReport = [this](const ReportRequest& request) {
+    return makeReport(cast<AFLP>(request.context, "AFLP"));
   };
   if (!settings_.makeBinCalculator) {
     settings_.makeBinCalculator = [] { return std::make_shared<GapBinCalculator>(); };
@@ -149,6 +153,21 @@ banddesk::Explorer& Host::Explorer() {
 banddesk::Progress& Host::Progress() {
   faults_.check("Application", "Progress");
   return progress_;
+}
+
+// What a report tells stands on the results page: one that is not open opens out of sight for a moment.
+std::string Host::makeReport(const std::shared_ptr<AFLP>& analysis) {
+  const auto open = pages_.find("AFLP", analysis);
+  const auto page = open ? open : cast<HostPage>(openAnalysis(analysis, false), "Page");
+  FirstFailure failure;
+  std::string html;
+  failure.run([&] {
+    const auto results = cast<IAFLPResultsPage>(page->control(), "AFLPResultsPage");
+    html = htmlPage(reportOf(*analysis, *results, studyService_.dyeLetters()));
+  });
+  if (!open) failure.run([&] { pages_.end(page, false); });
+  failure.raise();
+  return html;
 }
 
 // An open page of an analysis that is to be redone has the old results: what it holds goes into the analysis

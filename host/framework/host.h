@@ -92,6 +92,7 @@ class Host final : public HostServices, private Application {
   banddesk::Explorer& Explorer() override;
   banddesk::Progress& Progress() override;
 
+  std::string makeReport(const std::shared_ptr<AFLP>& analysis);
   ObjectRef openAnalysis(const std::shared_ptr<AFLP>& analysis, bool show);
 
   HostSettings settings_;

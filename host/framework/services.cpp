@@ -16,7 +16,7 @@ void HostReportingService::NewReport(const std::string& contextName, const Objec
                                      std::int32_t contextType) {
   faults_.check("ReportingService", "NewReport");
   requests_.push_back({contextName, context, contextType});
-  if (makeReport) makeReport(requests_.back());
+  if (onReport && makeReport) onReport(requests_.back(), makeReport(requests_.back()));
   ReportFinished.raise();
 }
 

@@ -26,10 +26,11 @@ struct ReportRequest {
 class HostReportingService final : public ReportingService {
  public:
   explicit HostReportingService(FaultInjector& faults) : faults_(faults) {}
-  // Makes the report, keeps the request, and tells that it is finished.
+  // Keeps the request, makes the report where somebody wants it, and tells that it is finished.
   void NewReport(const std::string& contextName, const ObjectRef& context, std::int32_t contextType) override;
 
-  std::function<void(const ReportRequest&)> makeReport;  // absent: none is made
+  std::function<std::string(const ReportRequest&)> makeReport;                      // as an HTML page
+  std::function<void(const ReportRequest&, const std::string& htmlPage)> onReport;  // who shows or keeps it
   const std::vector<ReportRequest>& requests() const { return requests_; }
   void clear() { requests_.clear(); }
 
@@ -43,6 +44,8 @@ class HostOptions final : public Options {
   explicit HostOptions(FaultInjector& faults) : faults_(faults) {}
   bool ShowInclusionWarning() const override;
   void SetShowInclusionWarning(bool show) override;
+  // As they were kept; nobody is told.
+  void load(bool showInclusionWarning) { showInclusionWarning_ = showInclusionWarning; }
   std::function<void(const HostOptions&)> onChange;  // for whoever keeps the options between runs
 
  private:

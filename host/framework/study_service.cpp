@@ -20,6 +20,11 @@ ResultRecord& resultIn(StudyRecord& record, std::int32_t resultId) {
 
 }  // namespace
 
+HostStudyService::HostStudyService(FaultInjector& faults, HostObjectManager& objects)
+    : faults_(faults), objects_(objects), options_(faults) {
+  options_.onChange = [this](const HostOptions&) { keepSettings(); };
+}
+
 std::shared_ptr<banddesk::Study> HostStudyService::Study() {
   faults_.check("StudyService", "Study");
   return study_;
@@ -37,7 +42,7 @@ banddesk::Options& HostStudyService::Options() {
 
 std::int16_t HostStudyService::DisplayViewIndex() {
   faults_.check("StudyService", "DisplayViewIndex");
-  return displayViewIndex;
+  return settings_.displayViewIndex;
 }
 
 // The stamp of an analysis that is to be redone becomes the study's: it will be of the present results.
@@ -65,7 +70,11 @@ void HostStudyService::open(std::shared_ptr<Store> store) {
   store_ = std::move(store);
   FirstFailure failure;
   failure.run([&] {
-    study_ = makeStudy(required(store_, "Store").readStudy(), store_, faults_);
+    const StudyRecord stored = required(store_, "Store").readStudy();
+    settings_ = stored.settings;
+    fourthDye_ = stored.fourthDye;
+    options_.load(settings_.showInclusionWarning);
+    study_ = makeStudy(stored, store_, faults_);
     objects_.attach(store_, study_);
   });
   if (failure) drop();
@@ -89,10 +98,29 @@ void HostStudyService::drop() {
   store_.reset();
 }
 
+StudyRecord HostStudyService::record() const {
+  StudyRecord record = recordOf(required(study_, "Study"));
+  record.settings = settings_;
+  record.fourthDye = fourthDye_;
+  return record;
+}
+
+void HostStudyService::keepSettings() {
+  settings_.showInclusionWarning = options_.ShowInclusionWarning();
+  if (isOpen_ && whyReadOnly().empty()) store_->writeStudy(record());
+}
+
+void HostStudyService::setDisplayViewIndex(std::int16_t index) {
+  settings_.displayViewIndex = index;
+  keepSettings();
+}
+
+std::vector<ImportRecord> HostStudyService::imports() { return required(store_, "Study").readImports(); }
+
 void HostStudyService::changeResults(const std::function<void(StudyRecord&)>& changeRecord,
                                      const std::function<void(banddesk::Study&)>& changeObjects) {
   const std::shared_ptr<banddesk::Study> study = study_;
-  StudyRecord record = recordOf(required(study, "Study"));
+  StudyRecord record = this->record();
   ++record.resultStamp;
   changeRecord(record);
   changeObjects(*study);
@@ -101,7 +129,8 @@ void HostStudyService::changeResults(const std::function<void(StudyRecord&)>& ch
   study->ResultChanged.raise();
 }
 
-void HostStudyService::addResults(const std::vector<NewResult>& results) {
+void HostStudyService::addResults(const std::vector<NewResult>& results,
+                                  const std::optional<ImportRecord>& import, char fourthDye) {
   std::vector<ResultRecord> added;
   std::array<DyeRecord, kDyeCount> before{};
   std::array<DyeRecord, kDyeCount> after{};
@@ -110,7 +139,9 @@ void HostStudyService::addResults(const std::vector<NewResult>& results) {
         before = record.dyes;
         showDyesOf(results, record.dyes);
         after = record.dyes;
-        added = store_->addResults(record, results);
+        if (fourthDye != '-') record.fourthDye = fourthDye;
+        added = store_->addResults(record, results, import);
+        fourthDye_ = record.fourthDye;
       },
       [&](banddesk::Study& study) {
         for (const ResultRecord& record : added) study.Results.Add(makeResult(record, store_, faults_));
@@ -144,7 +175,7 @@ void HostStudyService::deleteResult(std::int32_t resultId) {
 void HostStudyService::changeDye(std::int32_t dye, const std::function<void(DyeRecord&)>& change) {
   const std::shared_ptr<banddesk::Study> study = study_;
   const std::shared_ptr<Dye> wanted = required(study, "Study").Dyes.Item(integerText(dye));
-  StudyRecord record = recordOf(*study);
+  StudyRecord record = this->record();
   DyeRecord& changed = record.dyes[static_cast<std::size_t>(dye)];
   change(changed);
   store_->writeStudy(record);

@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
+#include <string>
 #include <vector>
 
 #include "host/framework/object_manager.h"
@@ -19,8 +21,7 @@ enum class StaleAnalysis { DoNotOpen, OpenAsStored, Redo };
 
 class HostStudyService final : public StudyService {
  public:
-  HostStudyService(FaultInjector& faults, HostObjectManager& objects)
-      : faults_(faults), objects_(objects), options_(faults) {}
+  HostStudyService(FaultInjector& faults, HostObjectManager& objects);
 
   std::shared_ptr<banddesk::Study> Study() override;
   bool IsStudyOpen() override;
@@ -35,14 +36,22 @@ class HostStudyService final : public StudyService {
   bool isOpen() const { return isOpen_; }
 
   // The following need an open study (error 91).
-  void addResults(const std::vector<NewResult>& results);
+  // `fourthDye` is the letter of the dye that the fourth slot holds, where the results have one.
+  void addResults(const std::vector<NewResult>& results,
+                  const std::optional<ImportRecord>& import = std::nullopt, char fourthDye = '-');
+  std::vector<ImportRecord> imports();  // the earliest first
   void setResultExcluded(std::int32_t resultId, bool isExcluded);
   void deleteResult(std::int32_t resultId);
   void setDyeColor(std::int32_t dye, Colour color);
   void setDyeVisible(std::int32_t dye, bool isVisible);
+  // The letters of the tables' dyes in the four slots; "-" for one that no import has filled.
+  std::string dyeLetters() const { return {'B', 'G', 'Y', fourthDye_}; }
+  // Why the open study cannot be changed; empty where it can.
+  std::string whyReadOnly() const { return store_ ? store_->whyReadOnly() : std::string(); }
 
+  // Both are kept with the study, if it can be written.
   HostOptions& options() { return options_; }
-  std::int16_t displayViewIndex = 0;
+  void setDisplayViewIndex(std::int16_t index);
 
   // Asked when the study's results have changed since an analysis was made; absent: opened as stored.
   std::function<StaleAnalysis(const AFLP&)> decideStale;
@@ -51,6 +60,8 @@ class HostStudyService final : public StudyService {
 
  private:
   void drop();
+  StudyRecord record() const;
+  void keepSettings();
   void changeResults(const std::function<void(StudyRecord&)>& changeRecord,
                      const std::function<void(banddesk::Study&)>& changeObjects);
   void changeDye(std::int32_t dye, const std::function<void(DyeRecord&)>& change);
@@ -60,6 +71,8 @@ class HostStudyService final : public StudyService {
   HostOptions options_;
   std::shared_ptr<Store> store_;
   std::shared_ptr<banddesk::Study> study_;
+  StudySettings settings_;
+  char fourthDye_ = '-';
   bool isOpen_ = false;
 };
 

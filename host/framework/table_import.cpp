@@ -13,13 +13,14 @@ bool hasPeaks(const import::PeakTable& table, import::Dye dye) {
 
 }  // namespace
 
-TableImport importTable(import::PeakTable table) {
+TableImport importTable(import::PeakTable table, std::optional<import::Dye> fourth) {
   using import::Dye;
   TableImport imported;
   const bool hasR = hasPeaks(table, Dye::R);
   const bool hasO = hasPeaks(table, Dye::O);
-  imported.slots = {Dye::B, Dye::G, Dye::Y, hasO && !hasR ? Dye::O : Dye::R};
-  if (hasR && hasO) imported.leftOver = Dye::O;
+  const Dye last = fourth ? *fourth : hasO && !hasR ? Dye::O : Dye::R;
+  imported.slots = {Dye::B, Dye::G, Dye::Y, last};
+  if (last == Dye::R ? hasO : hasR) imported.leftOver = last == Dye::R ? Dye::O : Dye::R;
 
   imported.results.reserve(table.samples.size());
   for (import::Sample& sample : table.samples) {

@@ -15,10 +15,11 @@ namespace banddesk::host {
 struct TableImport {
   std::vector<NewResult> results;                           // one per sample, in the table's order
   std::array<std::optional<import::Dye>, kDyeCount> slots;  // which dye of the table each slot holds
-  std::optional<import::Dye> leftOver;                      // a fifth dye that found no slot
+  std::optional<import::Dye> leftOver;                      // a dye with peaks that found no slot
 };
 
-// Takes the peaks out of the table. Its ladder must have been left out when it was read.
-TableImport importTable(import::PeakTable table);
+// Takes the peaks out of the table. Its ladder must have been left out when it was read. `fourth` is what the
+// study's fourth slot holds already: dyes never move.
+TableImport importTable(import::PeakTable table, std::optional<import::Dye> fourth = std::nullopt);
 
 }  // namespace banddesk::host

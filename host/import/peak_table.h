@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -37,7 +38,9 @@ struct LeftOut {
 
 struct FileReport {
   std::filesystem::path file;
-  std::string form;  // such as "Peak Scanner combined table, tab-separated, UTF-8"
+  std::uint64_t size = 0;  // bytes
+  std::uint64_t hash = 0;  // of the content; 0 where nobody asked for it
+  std::string form;        // such as "Peak Scanner combined table, tab-separated, UTF-8"
   std::size_t rows = 0;
   std::size_t samples = 0;
   std::array<std::size_t, dyeCount> peaks{};

@@ -76,7 +76,7 @@ class Reading {
       done_ += source.size;
       tell(0);
     }
-    if (filesRead_ == 0)
+    if (filesRead_ == 0 && filesKnown_ == 0)
       throw ImportError({sources_.front().file.parent_path(), 0, {}}, "no peak table in the folder");
     table_.report.ladder = options_.ladder ? std::nullopt : proposeLadder(table_.samples);
     return std::move(table_);
@@ -95,6 +95,12 @@ class Reading {
   }
 
   void readTable(const Source& source, FileReport& report) {
+    if (isKnown(source, report)) {
+      ++filesKnown_;
+      report.form = "passed over";
+      report.notes.push_back("the study has this file's content from an earlier import");
+      return;
+    }
     if (const fs::path* twin = sameContent(source)) {
       report.form = "same content as another file";
       report.notes.push_back(fmt::format("the same content as {}; read once", twin->string()));
@@ -116,6 +122,13 @@ class Reading {
     if (form.separator != '\t') piece = text.joinRest();
     readRows(source, form, text, piece, report);
     report.form = fmt::format("{}, {}", form.describe(), text.encodingName());
+  }
+
+  bool isKnown(const Source& source, FileReport& report) const {
+    report.size = source.size;
+    if (!options_.isKnown) return false;
+    report.hash = contentHash(source.file);
+    return options_.isKnown(report.size, report.hash);
   }
 
   void readRows(const Source& source, const Form& form, TextStream& text, std::string_view piece,
@@ -156,6 +169,7 @@ class Reading {
   std::uint64_t done_ = 0;
   std::uint64_t total_ = 0;
   std::size_t filesRead_ = 0;
+  std::size_t filesKnown_ = 0;
 };
 
 }  // namespace

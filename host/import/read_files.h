@@ -16,6 +16,9 @@ namespace banddesk::host::import {
 struct Options {
   /// The size standard's dye: its rows are counted and left out. Without it all dyes are read.
   std::optional<Dye> ladder;
+  /// Asked of each file by its size and content hash before it is read: a known file is passed over and
+  /// noted. Files are hashed only where somebody asks.
+  std::function<bool(std::uint64_t size, std::uint64_t hash)> isKnown = {};
 };
 
 /// Told how many bytes of how many are done. An exception thrown from it ends the reading and passes through.

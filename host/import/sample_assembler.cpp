@@ -23,13 +23,6 @@ bool hasRunSuffix(std::string_view name) {
       name, shape, [](char c, char like) { return like == '?' || (like == '0' ? isDigit(c) : c == like); });
 }
 
-/// The mark goes before a well and time stamp, which others look for at the very end of a name.
-std::string withMark(const std::string& name, std::size_t number) {
-  constexpr std::size_t suffixLength = 15;
-  const std::size_t at = hasRunSuffix(name) ? name.size() - suffixLength : name.size();
-  return fmt::format("{} ({}){}", name.substr(0, at), number, name.substr(at));
-}
-
 bool alreadySeen(std::vector<std::uint64_t>& seen, std::uint32_t number) {
   const std::size_t word = number / 64;
   const std::uint64_t bit = std::uint64_t{1} << (number % 64);
@@ -46,6 +39,13 @@ bool hasPeak(const DyePeaks& peaks, double size, double height) {
 }
 
 }  // namespace
+
+// Others look for a well and time stamp at the very end of a name.
+std::string markedName(const std::string& name, std::size_t number) {
+  constexpr std::size_t suffixLength = 15;
+  const std::size_t at = hasRunSuffix(name) ? name.size() - suffixLength : name.size();
+  return fmt::format("{} ({}){}", name.substr(0, at), number, name.substr(at));
+}
 
 std::string runName(std::string_view text) {
   text = trimmed(text);
@@ -96,7 +96,8 @@ SampleAssembler::Run* SampleAssembler::findRun(const Field& sampleFile, const Fi
 
 std::size_t SampleAssembler::newSample(const std::string& name) {
   std::string freeName = name;
-  for (std::size_t number = 2; samplesByName_.contains(freeName); ++number) freeName = withMark(name, number);
+  for (std::size_t number = 2; samplesByName_.contains(freeName); ++number)
+    freeName = markedName(name, number);
   if (freeName != name) noteToldApart(name, freeName, samples_[samplesByName_.at(name)].sourceFile);
   samplesByName_.emplace(freeName, samples_.size());
   Sample& sample = samples_.emplace_back();

@@ -19,6 +19,9 @@ namespace banddesk::host::import {
 /// adds.
 std::string runName(std::string_view text);
 
+/// A name told apart from an equal one: "Name (2)". A well and time stamp at its end stays at its end.
+std::string markedName(const std::string& name, std::size_t number);
+
 class SampleAssembler {
  public:
   /// One run of the file at hand, and which peak numbers of each dye it has had.

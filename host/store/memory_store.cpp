@@ -34,10 +34,12 @@ std::shared_ptr<const SampleFragments> MemoryStore::readFragments(std::int32_t r
 void MemoryStore::writeStudy(const StudyRecord& record) { record_ = record; }
 
 std::vector<ResultRecord> MemoryStore::addResults(const StudyRecord& record,
-                                                  const std::vector<NewResult>& results) {
+                                                  const std::vector<NewResult>& results,
+                                                  const std::optional<ImportRecord>& import) {
   std::vector<ResultRecord> added;
   added.reserve(results.size());
   for (const NewResult& result : results) added.push_back(addResult(result.sampleName, result.fragments));
+  if (import) imports_.push_back(*import);
   record_ = record;
   record_.results.insert(record_.results.end(), added.begin(), added.end());
   return added;

@@ -19,8 +19,9 @@ class MemoryStore final : public Store {
   std::shared_ptr<const SampleFragments> readFragments(std::int32_t resultId) override;
   StudyRecord readStudy() override { return record_; }
   void writeStudy(const StudyRecord& record) override;
-  std::vector<ResultRecord> addResults(const StudyRecord& record,
-                                       const std::vector<NewResult>& results) override;
+  std::vector<ResultRecord> addResults(const StudyRecord& record, const std::vector<NewResult>& results,
+                                       const std::optional<ImportRecord>& import) override;
+  std::vector<ImportRecord> readImports() override { return imports_; }
   std::int32_t newAnalysisId() override { return ++lastAnalysisId_; }
   std::vector<std::int32_t> analysisIds() override;
   AnalysisSnapshot readAnalysis(std::int32_t id) override;
@@ -31,6 +32,7 @@ class MemoryStore final : public Store {
   ResultRecord addResult(std::string sampleName, SampleFragments fragments);
 
   StudyRecord record_;
+  std::vector<ImportRecord> imports_;
   std::unordered_map<std::int32_t, std::shared_ptr<const SampleFragments>> fragments_;  // by result id
   std::vector<AnalysisSnapshot> analyses_;
   std::int32_t lastResultId_ = 0;

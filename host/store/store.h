@@ -3,6 +3,8 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
+#include <string>
 #include <vector>
 
 #include "host/store/snapshot.h"
@@ -11,14 +13,36 @@
 
 namespace banddesk::host {
 
+struct ImportedFile {
+  std::string path;
+  std::uint64_t size = 0;  // bytes
+  std::uint64_t hash = 0;  // of its content
+  friend bool operator==(const ImportedFile&, const ImportedFile&) = default;
+};
+
+// Where results came from, kept with them.
+struct ImportRecord {
+  std::string finished;  // date and time in UTC, such as 2024-05-31 14:20:05
+  std::string report;    // in words
+  std::vector<ImportedFile> files;
+  friend bool operator==(const ImportRecord&, const ImportRecord&) = default;
+};
+
 class Store : public FragmentSource {
  public:
+  // Why nothing can be written; empty where it can.
+  virtual std::string whyReadOnly() const { return {}; }
+
   virtual StudyRecord readStudy() = 0;
-  // Replaces the study's own fields, its dyes and the marks of its results. The results themselves stay.
+  // Replaces the study's own fields, its settings, its dyes and the marks of its results. The results
+  // themselves stay.
   virtual void writeStudy(const StudyRecord& record) = 0;
-  // Adds results with their fragments and writes the rest of the record; gives the new results their ids.
+  // Adds results with their fragments, and the import that brought them, and writes the rest of the record;
+  // gives the new results their ids.
   virtual std::vector<ResultRecord> addResults(const StudyRecord& record,
-                                               const std::vector<NewResult>& results) = 0;
+                                               const std::vector<NewResult>& results,
+                                               const std::optional<ImportRecord>& import) = 0;
+  virtual std::vector<ImportRecord> readImports() = 0;  // the earliest first
 
   // An identifier that no analysis of the study has had.
   virtual std::int32_t newAnalysisId() = 0;

@@ -87,7 +87,10 @@ std::shared_ptr<Study> makeStudy(const StudyRecord& record, const std::shared_pt
 }
 
 StudyRecord recordOf(const Study& study) {
-  StudyRecord record{study.Name, study.OwnerId, study.ResultStamp, {}, {}};
+  StudyRecord record;
+  record.name = study.Name;
+  record.ownerId = study.OwnerId;
+  record.resultStamp = study.ResultStamp;
   for (const auto& dye : study.Dyes) {
     record.dyes[static_cast<std::size_t>(dye->Index.get())] = {dye->Color, dye->Visible};
   }

@@ -28,6 +28,13 @@ struct ResultRecord {
   friend bool operator==(const ResultRecord&, const ResultRecord&) = default;
 };
 
+// What the user has settled for the whole study.
+struct StudySettings {
+  bool showInclusionWarning = true;
+  std::int16_t displayViewIndex = 0;
+  friend bool operator==(const StudySettings&, const StudySettings&) = default;
+};
+
 // All of a study but its fragments and analyses.
 struct StudyRecord {
   std::string name;
@@ -35,6 +42,8 @@ struct StudyRecord {
   std::int32_t resultStamp = 1;  // grows with each change of the results
   std::array<DyeRecord, kDyeCount> dyes;
   std::vector<ResultRecord> results;
+  StudySettings settings;
+  char fourthDye = '-';  // the letter of the tables' dye that the fourth slot holds: R or O, once one came
   friend bool operator==(const StudyRecord&, const StudyRecord&) = default;
 };
 
@@ -83,7 +92,7 @@ std::shared_ptr<Study> makeStudy(const StudyRecord& record, const std::shared_pt
                                  FaultInjector& faults);
 std::shared_ptr<Result> makeResult(const ResultRecord& record, const std::shared_ptr<FragmentSource>& source,
                                    FaultInjector& faults);
-// The record of a study as it stands.
+// The record of a study as its objects stand; they know neither its settings nor its fourth dye's letter.
 StudyRecord recordOf(const Study& study);
 
 }  // namespace banddesk::host

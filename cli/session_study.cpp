@@ -1,0 +1,80 @@
+// A session's work on analyses that a study keeps.
+#include <fmt/format.h>
+#include <utility>
+
+#include "cli/session.h"
+
+namespace banddesk::cli {
+namespace {
+
+constexpr std::int32_t kReportContext = 1013;
+
+}  // namespace
+
+void Session::openStudy(std::shared_ptr<host::Store> store) {
+  host_.openStudy(std::move(store));
+  study_ = host_.study().Study();
+}
+
+void Session::reopen(const std::shared_ptr<AFLP>& analysis, host::StaleAnalysis stale) {
+  host_.study().decideStale = [stale](const AFLP&) { return stale; };
+  host_.service().OpenAFLP(analysis);
+  takePage();
+  analysis_ = cast<AFLP>(hostPage_->bound(), "AFLP");
+}
+
+// What a user of the page does: fills a box and leaves it, clicks, chooses.
+void Session::change(const AnalysisRequest& request, const std::set<std::string>& given) {
+  const ui::ControlSet& controls = page_->Controls();
+  const auto has = [&](const char* option) { return given.contains(option); };
+  const auto check = [&](const char* box, bool on) {
+    control<ui::CheckBox>(controls, box).Value = on ? 1 : 0;
+  };
+  act([&] {
+    if (has("--max-bin-width")) fillBox("txtMaxBinWidth", request.maxBinWidth, request);
+    if (has("--y-threshold")) fillBox("txtYThreshold", request.yThreshold, request);
+    for (std::size_t dye = 0; request.dyes && dye < request.dyes->size(); ++dye)
+      check(fmt::format("chkDye({})", dye).c_str(), (*request.dyes)[dye]);
+    if (has("--keep-full-bins")) check("chkExcludeFullBins", !request.keepFullBins);
+    if (has("--keep-empty-samples")) check("chkExcludeEmptySamples", !request.keepEmptySamples);
+    if (has("--show-excluded")) check("chkShowExcluded", request.showExcluded);
+    if (has("--cells"))
+      control<ui::OptionButton>(controls, fmt::format("optSampleBin({})", static_cast<int>(request.cells)))
+          .Value = true;
+  });
+  decide(request);
+}
+
+// Other parameters lose what was decided by hand, of which the page warns; here that is no.
+void Session::fillBox(const char* box, const std::string& text, const AnalysisRequest& request) {
+  auto& filled = control<ui::TextBox>(page_->Controls(), box);
+  bool isWarned = false;
+  host_.platform().onRunModal = [&](ui::Form& form) {
+    isWarned = true;
+    form.UnloadMe();
+  };
+  filled.Text = text;
+  const bool isValid = filled.leave();
+  host_.platform().onRunModal = nullptr;
+  if (!isValid) raiseRefused(page_->Controls(), request);
+  if (isWarned)
+    raise(
+        ErrorNumber::InvalidArgument, "Session",
+        "The analysis has bins that were decided by hand and that other parameters would lose: make another "
+        "analysis with --name.");
+}
+
+void Session::showExcluded(bool show) {
+  act([&] { control<ui::CheckBox>(page_->Controls(), "chkShowExcluded").Value = show ? 1 : 0; });
+}
+
+std::string Session::report() {
+  std::string html;
+  auto& reports = host_.reports();
+  reports.onReport = [&](const host::ReportRequest&, const std::string& page) { html = page; };
+  reports.NewReport(analysis_->Name, analysis_, kReportContext);
+  reports.onReport = nullptr;
+  return html;
+}
+
+}  // namespace banddesk::cli

@@ -1,0 +1,125 @@
+#include "cli/study_analysis.h"
+
+#include <array>
+#include <chrono>
+#include <fmt/format.h>
+#include <fstream>
+#include <ostream>
+#include <string_view>
+
+#include "cli/output_file.h"
+#include "cli/progress_line.h"
+#include "cli/session.h"
+#include "cli/summary.h"
+#include "host/store/sqlite_store.h"
+#include "plugin/base/text.h"
+
+namespace banddesk::cli {
+namespace {
+
+using host::SqliteStore;
+
+// Null if there is none.
+std::shared_ptr<AFLP> find(const Session& session, const std::string& name) {
+  for (const auto& analysis : session.study().AFLPs) {
+    if (equalsIgnoringCase(analysis->Name.get(), name)) return analysis;
+  }
+  return nullptr;
+}
+
+// Without a name it is the only one.
+std::shared_ptr<AFLP> wanted(const Session& session, const std::optional<std::string>& name) {
+  const auto& analyses = session.study().AFLPs;
+  if (name) {
+    if (auto found = find(session, *name)) return found;
+    raise(ErrorNumber::InvalidArgument, "Study",
+          fmt::format("The study has no analysis named \"{}\".", *name));
+  }
+  if (analyses.Count() == 0) raise(ErrorNumber::InvalidArgument, "Study", "The study has no analysis.");
+  if (analyses.Count() > 1)
+    raise(ErrorNumber::InvalidArgument, "Study", "The study has several analyses: say which with --name.");
+  return analyses.Item(1);
+}
+
+// As it is stored, whatever the results are by now; what is shown of it is never saved.
+void openAsStored(Session& session, const std::filesystem::path& study,
+                  const std::optional<std::string>& name) {
+  session.openStudy(std::make_shared<SqliteStore>(study.string(), SqliteStore::Access::Read));
+  const auto analysis = wanted(session, name);
+  if (analysis->ResultStamp != session.study().ResultStamp)
+    fmt::print("the study's results have changed since this analysis; it is taken as stored\n");
+  session.reopen(analysis, host::StaleAnalysis::OpenAsStored);
+}
+
+bool isEmpty(const Outputs& outputs) {
+  return !outputs.csv && !outputs.nts && !outputs.matrix && !outputs.json && !outputs.xlsx;
+}
+
+void checkStudy(const AnalyzeArguments& arguments) {
+  if (arguments.files.size() != 1)
+    raise(ErrorNumber::InvalidArgument, "Study",
+          "A study is analysed alone: import the other files into it.");
+  if (arguments.ladder)
+    raise(ErrorNumber::InvalidArgument, "Study", "The size standard's dye is said when files are imported.");
+}
+
+}  // namespace
+
+bool isStudyFile(const std::filesystem::path& file) {
+  constexpr std::string_view kMark("SQLite format 3\0", 16);
+  std::array<char, kMark.size()> start{};
+  std::ifstream in(file, std::ios::binary);
+  in.read(start.data(), start.size());
+  return std::string_view(start.data(), static_cast<std::size_t>(in.gcount())) == kMark;
+}
+
+void runStudyAnalysis(const AnalyzeArguments& arguments) {
+  checkStudy(arguments);
+  const auto started = std::chrono::steady_clock::now();
+  ProgressLine bar;
+  bar.begin("Analysing");
+  Session session([&](double share) { bar.show(share); });
+  auto store = std::make_shared<SqliteStore>(arguments.files.front().string());
+  if (const std::string why = store->whyReadOnly(); !why.empty())
+    raise(ErrorNumber::PermissionDenied, "Study",
+          fmt::format("{}: no analysis can be saved: {}", arguments.files.front().string(), why));
+  session.openStudy(std::move(store));
+
+  const auto existing = arguments.name ? find(session, *arguments.name) : nullptr;
+  if (existing) {
+    session.reopen(existing, host::StaleAnalysis::Redo);
+    session.change(arguments.request, arguments.given);
+  } else {
+    session.analyze(arguments.request);
+    if (arguments.name) session.analysis().Name = *arguments.name;
+  }
+  session.save();
+  const std::string dyes = session.host().study().dyeLetters();
+  const std::string head = arguments.printHead ? printedHead(session) : std::string();
+  const std::string summary = summaryText(session, dyes);
+  const std::string name = session.analysis().Name;
+  writeOutputs(arguments.outputs, session, dyes);
+  bar.clear();
+  const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - started;
+  if (!head.empty()) fmt::print("\n{}\n", head);
+  fmt::print("{} the analysis \"{}\"\n{}time: {:.2f} s\n", existing ? "opened and saved" : "made and saved",
+             name, summary, taken.count());
+}
+
+void runExport(const ExportArguments& arguments) {
+  if (isEmpty(arguments.outputs))
+    raise(ErrorNumber::InvalidArgument, "Export",
+          "say what to write: --csv, --nts, --matrix, --json or --xlsx");
+  Session session;
+  openAsStored(session, arguments.study, arguments.name);
+  if (arguments.showExcluded) session.showExcluded(*arguments.showExcluded);
+  writeOutputs(arguments.outputs, session, session.host().study().dyeLetters());
+}
+
+void runReport(const ReportArguments& arguments) {
+  Session session;
+  openAsStored(session, arguments.study, arguments.name);
+  writeWholeText(arguments.out, [&](std::ostream& out) { out << session.report(); });
+}
+
+}  // namespace banddesk::cli

@@ -1,0 +1,39 @@
+// Analyses in a study file: made or opened again, saved, exported, reported. Like all analyses they go the
+// pages' own road.
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "cli/analyze_command.h"
+#include "cli/study_commands.h"
+
+namespace banddesk::cli {
+
+struct ExportArguments {
+  std::filesystem::path study;
+  std::optional<std::string> name;
+  Outputs outputs;
+  std::optional<bool> showExcluded;
+};
+
+struct ReportArguments {
+  std::filesystem::path study;
+  std::optional<std::string> name;
+  std::filesystem::path out;
+};
+
+void addExportCommand(CLI::App& app, Chosen& chosen);
+void addReportCommand(CLI::App& app, Chosen& chosen);
+
+// Whether the file to analyse is a study and no peak table, by its content.
+bool isStudyFile(const std::filesystem::path& file);
+// `banddesk analyze` on a study file: makes the analysis, or opens the one of that name again, brings it up
+// to date, and saves it.
+void runStudyAnalysis(const AnalyzeArguments& arguments);
+void runExport(const ExportArguments& arguments);
+void runReport(const ReportArguments& arguments);
+
+}  // namespace banddesk::cli

@@ -1,0 +1,90 @@
+// The options of the commands around a study file.
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+#include <memory>
+
+#include "cli/study_analysis.h"
+#include "cli/study_commands.h"
+
+namespace banddesk::cli {
+namespace {
+
+// The arguments live as long as the command that fills them.
+template <class Arguments>
+std::shared_ptr<Arguments> argumentsOf(CLI::App& command, Chosen& chosen, void (*run)(const Arguments&)) {
+  auto arguments = std::make_shared<Arguments>();
+  command.final_callback([arguments, run, &chosen] { chosen = [arguments, run] { run(*arguments); }; });
+  command.add_option("STUDY", arguments->study, "The study file")->required();
+  return arguments;
+}
+
+void addNameOption(CLI::App& command, std::optional<std::string>& name) {
+  command.add_option("--name", name, "The analysis [the only one]")->type_name("NAME");
+}
+
+}  // namespace
+
+void addNewCommand(CLI::App& app, Chosen& chosen) {
+  CLI::App& command = *app.add_subcommand("new", "Make an empty study file");
+  argumentsOf<NewArguments>(command, chosen, runNew);
+  command.footer("Example:\n  banddesk new primula.study");
+}
+
+void addImportCommand(CLI::App& app, Chosen& chosen) {
+  CLI::App& command = *app.add_subcommand("import", "Import peak tables into a study");
+  const auto arguments = argumentsOf<ImportArguments>(command, chosen, runImport);
+  command.add_option("FILE", arguments->files, "Peak tables, or folders of them")->required();
+  command
+      .add_option_function<std::string>(
+          "--ladder",
+          [arguments = arguments.get()](const std::string& text) {
+            arguments->ladder = host::import::dyeOf(text);
+            if (!arguments->ladder)
+              throw CLI::ValidationError("--ladder",
+                                         fmt::format("\"{}\" is none of the dyes B, G, Y, R, O", text));
+          },
+          "The size standard's dye, which is left out: B, G, Y, R or O")
+      ->type_name("DYE");
+  command.add_flag("--again", arguments->again, "Read files once more that the study has already");
+  command.footer("Example:\n  banddesk import primula.study run1.txt run2.txt --ladder R");
+}
+
+void addListCommand(CLI::App& app, Chosen& chosen) {
+  CLI::App& command = *app.add_subcommand("list", "Show what a study holds");
+  argumentsOf<ListArguments>(command, chosen, runList);
+  command.footer("Example:\n  banddesk list primula.study");
+}
+
+void addResultsCommand(CLI::App& app, Chosen& chosen) {
+  CLI::App& command = *app.add_subcommand("results", "List, exclude, include or delete a study's results");
+  const auto arguments = argumentsOf<ResultsArguments>(command, chosen, runResults);
+  const auto add = [&](const char* option, std::vector<std::string>& names, const char* what) {
+    command.add_option(option, names, what)->type_name("NAME")->expected(1)->take_all();
+  };
+  add("--exclude", arguments->exclude, "Leave this sample out of new analyses; may be given several times");
+  add("--include", arguments->include, "Take an excluded sample in again");
+  add("--delete", arguments->remove, "Delete this sample's result");
+  command.footer("Example:\n  banddesk results primula.study --exclude \"Plant 7\" --exclude \"Plant 12\"");
+}
+
+void addExportCommand(CLI::App& app, Chosen& chosen) {
+  CLI::App& command = *app.add_subcommand("export", "Export the table of an analysis");
+  const auto arguments = argumentsOf<ExportArguments>(command, chosen, runExport);
+  addNameOption(command, arguments->name);
+  addOutputOptions(command, arguments->outputs);
+  command.add_flag_function(
+      "--show-excluded,!--hide-excluded",
+      [arguments = arguments.get()](std::int64_t count) { arguments->showExcluded = count > 0; },
+      "With or without excluded bins and samples [as stored]");
+  command.footer("Example:\n  banddesk export primula.study --name First --csv table.csv");
+}
+
+void addReportCommand(CLI::App& app, Chosen& chosen) {
+  CLI::App& command = *app.add_subcommand("report", "Write a report of an analysis as an HTML page");
+  const auto arguments = argumentsOf<ReportArguments>(command, chosen, runReport);
+  addNameOption(command, arguments->name);
+  command.add_option("OUT", arguments->out, "The page to write")->required();
+  command.footer("Example:\n  banddesk report primula.study --name First report.html");
+}
+
+}  // namespace banddesk::cli

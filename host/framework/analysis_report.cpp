@@ -1,0 +1,194 @@
+#include "host/framework/analysis_report.h"
+
+#include <array>
+#include <ctime>
+#include <fmt/chrono.h>
+#include <fmt/format.h>
+
+#include "plugin/base/numbers.h"
+
+namespace banddesk::host {
+namespace {
+
+constexpr std::int32_t kHeadRows = 25;
+constexpr std::int32_t kHeadColumns = 16;
+constexpr std::int32_t kDyes = 4;
+
+struct BinColumn {
+  const char* key;
+  const char* header;
+};
+constexpr std::array<BinColumn, 9> kBinColumns{{{"7", "Dye"},
+                                                {"6", "Bin"},
+                                                {"8", "Samples"},
+                                                {"119", "Fragments"},
+                                                {"9", "Min (nt)"},
+                                                {"10", "Max (nt)"},
+                                                {"83", "Mean (nt)"},
+                                                {"85", "Variance (nt²)"},
+                                                {"84", "Mean height (RFU)"}}};
+
+const char* yesOrNo(bool yes) { return yes ? "yes" : "no"; }
+
+class Reading {
+ public:
+  Reading(const AFLP& analysis, IAFLPResultsPage& page, const std::string& dyeLetters)
+      : analysis_(analysis), page_(page), dyeLetters_(dyeLetters), view_(page.Analysis()) {}
+
+  ReportSection parameters() const {
+    ReportSection section{"Parameters", {}, {}, {}};
+    static constexpr std::array kCells{"number of fragments", "presence of fragments",
+                                       "largest height (RFU)"};
+    const auto option = static_cast<std::size_t>(analysis_.SampleBinOption.get());
+    section.facts = {
+        {"Maximum bin width", fmt::format("{} nt", generalText(view_.maxBinWidth))},
+        {"Y threshold", fmt::format("{} RFU", generalText(view_.yThreshold))},
+        {"Dyes", chosenDyes()},
+        {"Bins present in every sample are excluded", yesOrNo(isChecked("chkExcludeFullBins"))},
+        {"Samples without a fragment are excluded", yesOrNo(isChecked("chkExcludeEmptySamples"))},
+        {"Excluded elements are shown", yesOrNo(isChecked("chkShowExcluded"))},
+        {"Sample cells hold", option < kCells.size() ? kCells[option] : "-"},
+        {"Samples run along", page_.Transpose() ? "rows" : "columns"},
+    };
+    return section;
+  }
+
+  ReportSection counts() const {
+    struct Count {
+      std::int64_t fragments = 0, bins = 0, excluded = 0;
+    };
+    std::array<Count, kDyes> ofDye{};
+    Count all;
+    for (std::int32_t row = 1; row <= page_.NumRows(); ++row) {
+      const auto bin = static_cast<std::size_t>(page_.Bin(row));
+      const auto fragments = static_cast<std::int64_t>(leadingNumber(page_.CellText("119", row)));
+      for (Count* count : {&ofDye.at(static_cast<std::size_t>(view_.binDye[bin])), &all}) {
+        count->fragments += fragments;
+        ++count->bins;
+        count->excluded += isSuppressed(bin) ? 1 : 0;
+      }
+    }
+    ReportSection section{"Counts", {}, {}, {}};
+    section.facts = {{"Samples", integerText(analysis_.SampleGrid->Columns.Count())}};
+    ReportTable table{{"Dye", "Fragments in bins", "Bins", "Bins excluded"}, {}, 1};
+    for (std::int32_t dye = 0; dye < kDyes; ++dye)
+      table.rows.push_back(line(dyeName(dye), ofDye.at(static_cast<std::size_t>(dye))));
+    table.rows.push_back(line("all", all));
+    section.tables.push_back(std::move(table));
+    return section;
+  }
+
+  ReportSection excluded() const {
+    ReportTable bins{{"Dye", "Bin", "Mean (nt)", "Excluded"}, {}, 1};
+    for (std::int32_t row = 1; row <= page_.NumRows(); ++row) {
+      const auto bin = static_cast<std::size_t>(page_.Bin(row));
+      if (isSuppressed(bin))
+        bins.rows.push_back(
+            {page_.CellText("7", row), page_.CellText("6", row), page_.CellText("83", row), why(bin)});
+    }
+    ReportTable samples{{"Sample", "Excluded"}, {}, 2};
+    for (const auto& column : analysis_.SampleGrid->Columns) {
+      if (column->IsExcluded || column->IsAutoExcluded)
+        samples.rows.push_back({column->ToolTip, column->IsExcluded ? "by hand" : "by a filter"});
+    }
+    ReportSection section{"Excluded elements", {}, {}, {}};
+    section.facts = {{"Bins", integerText(static_cast<std::int64_t>(bins.rows.size()))},
+                     {"Samples", integerText(static_cast<std::int64_t>(samples.rows.size()))}};
+    if (!bins.rows.empty()) section.tables.push_back(std::move(bins));
+    if (!samples.rows.empty()) section.tables.push_back(std::move(samples));
+    return section;
+  }
+
+  ReportSection bins() const {
+    ReportTable table;
+    for (const BinColumn& column : kBinColumns) table.header.emplace_back(column.header);
+    table.header.emplace_back("State");
+    for (std::int32_t row = 1; row <= page_.NumRows(); ++row) {
+      auto& cells = table.rows.emplace_back();
+      for (const BinColumn& column : kBinColumns) cells.push_back(page_.CellText(column.key, row));
+      const auto bin = static_cast<std::size_t>(page_.Bin(row));
+      cells.push_back(isSuppressed(bin)                ? "excluded " + why(bin)
+                      : view_.manualIncluded[bin] != 0 ? "kept by hand"
+                                                       : "");
+    }
+    ReportSection section{"Bins", {}, {}, "In the order of the table."};
+    section.tables.push_back(std::move(table));
+    return section;
+  }
+
+  ReportSection tableHead() const {
+    const Grid& grid = required(page_.Controls().find<Grid>("grdAFLP"), "Grid");
+    std::vector<std::vector<std::string>> lines;
+    for (std::int32_t row = 0; row <= grid.RowCount(); ++row) {
+      if (static_cast<std::int32_t>(lines.size()) > kHeadRows) break;
+      if (!grid.IsRowHidden(row)) lines.push_back(cellsOf(grid, row));
+    }
+    ReportSection section{"Head of the table", {}, {}, {}};
+    if (lines.empty()) return section;
+    ReportTable table{lines.front(), {lines.begin() + 1, lines.end()}, 0};
+    section.note = fmt::format("The first {} rows and {} columns of the table as it is shown.",
+                               table.rows.size(), table.header.size());
+    section.tables.push_back(std::move(table));
+    return section;
+  }
+
+ private:
+  static std::vector<std::string> cellsOf(const Grid& grid, std::int32_t row) {
+    std::vector<std::string> cells;
+    for (std::int32_t col = 1; col <= grid.ColCount(); ++col) {
+      if (static_cast<std::int32_t>(cells.size()) == kHeadColumns) break;
+      if (!grid.IsColHidden(col)) cells.push_back(grid.GetValue(row, col));
+    }
+    return cells;
+  }
+
+  template <class Count>
+  static std::vector<std::string> line(const std::string& name, const Count& count) {
+    return {name, integerText(count.fragments), integerText(count.bins), integerText(count.excluded)};
+  }
+
+  bool isChecked(const std::string& box) const {
+    return required(page_.Controls().find<ui::CheckBox>(box), "CheckBox").Value == ui::kChecked;
+  }
+
+  std::string dyeName(std::int32_t dye) const {
+    return fmt::format("D{} ({})", dye + 1, dyeLetters_.at(static_cast<std::size_t>(dye)));
+  }
+
+  std::string chosenDyes() const {
+    std::string names;
+    for (std::int32_t dye = 0; dye < kDyes; ++dye) {
+      if (isChecked(fmt::format("chkDye({})", dye))) names += (names.empty() ? "" : ", ") + dyeName(dye);
+    }
+    return names.empty() ? "none" : names;
+  }
+
+  bool isSuppressed(std::size_t bin) const {
+    return view_.manualExcluded[bin] != 0 || (view_.autoExcluded[bin] != 0 && view_.manualIncluded[bin] == 0);
+  }
+  std::string why(std::size_t bin) const {
+    return view_.manualExcluded[bin] != 0 ? "by hand" : "by a filter";
+  }
+
+  const AFLP& analysis_;
+  IAFLPResultsPage& page_;
+  const std::string& dyeLetters_;
+  AnalysisView view_;
+};
+
+}  // namespace
+
+// A section about the quality of the bins has its place behind the counts.
+ReportDocument reportOf(const AFLP& analysis, IAFLPResultsPage& page, const std::string& dyeLetters) {
+  const Reading reading(analysis, page, dyeLetters);
+  ReportDocument document;
+  document.title = "AFLP analysis: " + analysis.Name.get();
+  document.subtitle =
+      fmt::format("Study {}, report of {:%Y-%m-%d %H:%M}", required(analysis.Study.get(), "Study").Name.get(),
+                  fmt::localtime(std::time(nullptr)));
+  document.sections = {reading.parameters(), reading.counts(), reading.excluded(), reading.tableHead(),
+                       reading.bins()};
+  return document;
+}
+
+}  // namespace banddesk::host

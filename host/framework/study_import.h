@@ -1,0 +1,32 @@
+// Peak tables into the open study: what the study knows already is recognised, and all the rest comes in one
+// write of the store or not at all.
+#pragma once
+
+#include <cstddef>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "host/framework/study_service.h"
+#include "host/import/read_files.h"
+
+namespace banddesk::host {
+
+struct ImportRequest {
+  std::vector<std::filesystem::path> files;  // or folders of them
+  std::optional<import::Dye> ladder;         // the size standard's dye, which is left out
+  bool again = false;                        // whether files of an earlier import are read once more
+};
+
+struct ImportOutcome {
+  std::string report;     // in words; the study keeps it too
+  std::size_t added = 0;  // results; with none the study is unchanged
+};
+
+// Needs an open study that can be written. Raises ImportError for bad files, and the store's errors; the
+// study is then as it was.
+ImportOutcome importIntoStudy(HostStudyService& study, const ImportRequest& request,
+                              const import::Progress& progress = {});
+
+}  // namespace banddesk::host

@@ -1,0 +1,82 @@
+// The making of a study file: it is written beside its place and takes it when it is complete.
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <fcntl.h>
+#include <filesystem>
+#include <fmt/format.h>
+#include <string_view>
+#include <unistd.h>
+
+#include "host/store/sqlite_store.h"
+#include "plugin/base/error.h"
+
+namespace banddesk::host {
+namespace {
+
+namespace fs = std::filesystem;
+
+[[noreturn]] void refuse(const std::string& file, ErrorNumber number, std::string_view why) {
+  raise(number, "Store", fmt::format("{}: {}", file, why));
+}
+
+void writeEmptyStudy(const fs::path& place, const std::string& shownAs, const std::string& studyName) {
+  sqlite::Database database(place.string(), SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, shownAs);
+  database.execute("PRAGMA synchronous = FULL; PRAGMA foreign_keys = ON");
+  bringUpToDate(database, studySchema());
+  sqlite::Transaction transaction(database);
+  const StudyRecord empty;
+  database
+      .prepare(
+          "INSERT INTO study(id, name, owner_id, result_stamp, show_inclusion_warning, "
+          "display_view_index, fourth_dye) VALUES(1, ?, ?, ?, ?, ?, ?)")
+      .run(std::string_view(studyName), empty.ownerId, empty.resultStamp, empty.settings.showInclusionWarning,
+           std::int32_t{empty.settings.displayViewIndex}, std::string_view(&empty.fourthDye, 1));
+  sqlite::Statement row = database.prepare("INSERT INTO dye(slot, color, is_visible) VALUES(?, ?, ?)");
+  std::int32_t slot = 0;
+  for (const DyeRecord& dye : defaultDyes()) row.run(slot++, dye.color, dye.isVisible);
+  transaction.commit();
+}
+
+// Not over a file that came meanwhile; file systems that cannot tell get the plain rename.
+bool takePlace(const fs::path& from, const std::string& to) {
+  if (::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0) return true;
+  if (errno != EINVAL && errno != ENOSYS) return false;
+  return std::rename(from.c_str(), to.c_str()) == 0;
+}
+
+// The new name is on the disk when this returns.
+void syncFolder(const fs::path& folder) {
+  const int descriptor = ::open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  if (descriptor < 0) return;
+  ::fsync(descriptor);
+  ::close(descriptor);
+}
+
+}  // namespace
+
+void SqliteStore::create(const std::string& file, const std::string& studyName) {
+  std::error_code trouble;
+  if (fs::exists(fs::symlink_status(file, trouble)))
+    refuse(file, ErrorNumber::PermissionDenied, "there is such a file already");
+  const fs::path folder = fs::path(file).parent_path();
+  if (!folder.empty() && !fs::is_directory(folder, trouble))
+    refuse(file, ErrorNumber::PathNotFound, "there is no such folder");
+  const fs::path part = folder / fmt::format(".{}.{}.new", fs::path(file).filename().string(), ::getpid());
+  fs::remove(part, trouble);
+  try {
+    writeEmptyStudy(part, file, studyName);
+    if (!takePlace(part, file)) {
+      const int cause = errno;
+      refuse(file, ErrorNumber::PermissionDenied,
+             cause == EEXIST ? "there is such a file already" : std::strerror(cause));
+    }
+  } catch (...) {
+    fs::remove(part, trouble);
+    fs::remove(part.string() + "-journal", trouble);
+    throw;
+  }
+  syncFolder(folder);
+}
+
+}  // namespace banddesk::host

@@ -1,0 +1,159 @@
+#include "host/store/sqlite.h"
+
+#include <cstring>
+#include <fmt/format.h>
+#include <limits>
+#include <utility>
+
+#include "plugin/base/error.h"
+
+namespace banddesk::host::sqlite {
+namespace {
+
+struct Cause {
+  ErrorNumber number;
+  std::string text;
+};
+
+// What the system said, where it is the system that refused.
+std::string withSystemCause(const char* text, sqlite3* connection) {
+  int cause = connection == nullptr ? 0 : sqlite3_system_errno(connection);
+  if (cause == 0 && connection != nullptr)
+    sqlite3_file_control(connection, "main", SQLITE_FCNTL_LAST_ERRNO, &cause);
+  return cause == 0 ? std::string(text) : fmt::format("{}: {}", text, std::strerror(cause));
+}
+
+Cause causeOf(int code, sqlite3* connection) {
+  if (code == SQLITE_READONLY_ROLLBACK || code == SQLITE_READONLY_RECOVERY)
+    return {ErrorNumber::PermissionDenied,
+            "a save was cut off, and only a program that may write the file and its folder can take it back"};
+  switch (code & 0xFF) {
+    case SQLITE_BUSY:
+    case SQLITE_LOCKED:
+      return {ErrorNumber::PermissionDenied, "it is open in another program"};
+    case SQLITE_FULL:
+      return {ErrorNumber::DiskFull, "the disk is full"};
+    case SQLITE_READONLY:
+      return {ErrorNumber::PermissionDenied, "it cannot be written"};
+    case SQLITE_CANTOPEN:
+    case SQLITE_PERM:
+    case SQLITE_AUTH:
+      return {ErrorNumber::PermissionDenied, withSystemCause("it cannot be opened", connection)};
+    case SQLITE_NOTADB:
+      return {ErrorNumber::InvalidArgument, "it is no study"};
+    case SQLITE_CORRUPT:
+      return {ErrorNumber::InvalidArgument, "it is damaged or cut short"};
+    case SQLITE_IOERR:
+      return {ErrorNumber::DeviceIo, withSystemCause("it cannot be read or written", connection)};
+    case SQLITE_NOMEM:
+      return {ErrorNumber::OutOfMemory, "there is not enough memory"};
+    default:
+      return {ErrorNumber::Internal,
+              connection == nullptr ? sqlite3_errstr(code) : sqlite3_errmsg(connection)};
+  }
+}
+
+}  // namespace
+
+void Statement::check(int code) const {
+  if (code != SQLITE_OK) database_->fail(code);
+}
+
+bool Statement::next() {
+  const int code = sqlite3_step(statement_.get());
+  if (code == SQLITE_ROW) return true;
+  if (code != SQLITE_DONE) database_->fail(code);
+  reset();
+  return false;
+}
+
+void Statement::finish() {
+  while (next()) {
+  }
+}
+
+void Statement::bind(int position, std::int64_t value) {
+  check(sqlite3_bind_int64(statement_.get(), position, value));
+}
+
+void Statement::bind(int position, double value) {
+  check(sqlite3_bind_double(statement_.get(), position, value));
+}
+
+// Not copied: what is bound lives until the statement has run. A null pointer would bind NULL.
+void Statement::bind(int position, std::string_view value) {
+  check(sqlite3_bind_text64(statement_.get(), position, value.empty() ? "" : value.data(), value.size(),
+                            SQLITE_STATIC, SQLITE_UTF8));
+}
+
+void Statement::bind(int position, Blob value) {
+  check(sqlite3_bind_blob64(statement_.get(), position, value.data(), value.size(), SQLITE_STATIC));
+}
+
+void Statement::bindNull(int position) { check(sqlite3_bind_null(statement_.get(), position)); }
+
+std::int32_t Statement::integer(int column) const {
+  const std::int64_t value = number(column);
+  if (value < std::numeric_limits<std::int32_t>::min() || value > std::numeric_limits<std::int32_t>::max())
+    database_->failDamaged(fmt::format("a number is out of its range ({})", value));
+  return static_cast<std::int32_t>(value);
+}
+
+std::string_view Statement::text(int column) const {
+  const auto* const start = reinterpret_cast<const char*>(sqlite3_column_text(statement_.get(), column));
+  if (start == nullptr) return {};
+  return {start, static_cast<std::size_t>(sqlite3_column_bytes(statement_.get(), column))};
+}
+
+Blob Statement::blob(int column) const {
+  const auto* const start = static_cast<const std::byte*>(sqlite3_column_blob(statement_.get(), column));
+  if (start == nullptr) return {};
+  return {start, static_cast<std::size_t>(sqlite3_column_bytes(statement_.get(), column))};
+}
+
+Database::Database(const std::string& file, int flags, std::string shownAs) : file_(std::move(shownAs)) {
+  sqlite3* connection = nullptr;
+  const int code = sqlite3_open_v2(file.c_str(), &connection, flags | SQLITE_OPEN_EXRESCODE, nullptr);
+  connection_.reset(connection);
+  if (code != SQLITE_OK) fail(code);
+}
+
+void Database::execute(const char* statements) {
+  const int code = sqlite3_exec(connection_.get(), statements, nullptr, nullptr, nullptr);
+  if (code != SQLITE_OK) fail(code);
+}
+
+Statement Database::prepare(std::string_view statement) const {
+  sqlite3_stmt* prepared = nullptr;
+  const int code = sqlite3_prepare_v2(connection_.get(), statement.data(), static_cast<int>(statement.size()),
+                                      &prepared, nullptr);
+  if (code != SQLITE_OK) fail(code);
+  return {*this, prepared};
+}
+
+std::int64_t Database::number(std::string_view query) const {
+  Statement statement = prepare(query);
+  return statement.next() ? statement.number(0) : 0;
+}
+
+void Database::fail(int code) const {
+  const Cause cause = causeOf(code, connection_.get());
+  raise(cause.number, "Store", fmt::format("{}: {}", file_, cause.text));
+}
+
+void Database::failDamaged(const std::string& what) const {
+  raise(ErrorNumber::InvalidArgument, "Store", fmt::format("{}: it is damaged: {}", file_, what));
+}
+
+Transaction::~Transaction() {
+  // Some failures end the transaction by themselves; a failing rollback leaves the journal, which the next
+  // opening plays back.
+  if (database_.isInTransaction()) {
+    try {
+      database_.execute("ROLLBACK");
+    } catch (...) {  // the failure that led here is on its way already
+    }
+  }
+}
+
+}  // namespace banddesk::host::sqlite

@@ -1,0 +1,244 @@
+#include "host/store/sqlite_store.h"
+
+#include <bit>
+#include <fcntl.h>
+#include <filesystem>
+#include <fmt/format.h>
+#include <unistd.h>
+#include <utility>
+
+#include "host/store/analysis_rows.h"
+#include "host/store/fragment_blob.h"
+#include "plugin/base/error.h"
+
+namespace banddesk::host {
+namespace {
+
+namespace fs = std::filesystem;
+using sqlite::Statement;
+
+// SQLite would make a missing file, and wait at a pipe.
+const std::string& existingFile(const std::string& file) {
+  std::error_code trouble;
+  const fs::file_status status = fs::status(file, trouble);
+  const auto refuse = [&](ErrorNumber number, const char* why) {
+    raise(number, "Store", fmt::format("{}: {}", file, why));
+  };
+  if (status.type() == fs::file_type::not_found) refuse(ErrorNumber::PathNotFound, "there is no such file");
+  if (trouble) refuse(ErrorNumber::PermissionDenied, trouble.message().c_str());
+  if (fs::is_directory(status)) refuse(ErrorNumber::InvalidArgument, "it is a folder, no study");
+  if (!fs::is_regular_file(status)) refuse(ErrorNumber::InvalidArgument, "it is no ordinary file");
+  return file;
+}
+
+// Of the file that links lead to: the journal of a save is made beside that one.
+bool mayWriteFolderOf(const std::string& file) {
+  std::error_code trouble;
+  const fs::path real = fs::canonical(file, trouble);
+  if (trouble) return false;
+  return ::faccessat(AT_FDCWD, real.parent_path().c_str(), W_OK | X_OK, AT_EACCESS) == 0;
+}
+
+// SQLite takes a last page of which a part is missing for a whole one.
+void requireWhole(const sqlite::Database& database, const std::string& file) {
+  const std::int64_t wanted = database.number("PRAGMA page_count") * database.number("PRAGMA page_size");
+  std::error_code trouble;
+  const auto size = fs::file_size(file, trouble);
+  if (!trouble && size < static_cast<std::uintmax_t>(wanted)) database.failDamaged("its end is missing");
+}
+
+}  // namespace
+
+SqliteStore::SqliteStore(const std::string& file, Access access, SchemaSteps steps)
+    : database_(existingFile(file), SQLITE_OPEN_READWRITE, file) {
+  // What is found here decides whether the file is ours, before anything could be written to it.
+  requireStudy(database_, steps);
+  requireWhole(database_, file);
+  if (access == Access::Read) {
+    whyReadOnly_ = "it was opened for reading";
+  } else if (database_.isReadOnly()) {
+    whyReadOnly_ = "the file may not be written";
+  } else if (!mayWriteFolderOf(file)) {
+    whyReadOnly_ = "its folder may not be written";
+  }
+  database_.execute("PRAGMA foreign_keys = ON; PRAGMA trusted_schema = OFF; PRAGMA locking_mode = EXCLUSIVE");
+  if (whyReadOnly_.empty()) {
+    openForWriting(steps);
+  } else {
+    openForReading(steps);
+  }
+  lastAnalysisId_ = static_cast<std::int32_t>(database_.number(
+      "SELECT max(last_analysis_id, (SELECT coalesce(max(id), 0) FROM analysis)) FROM study"));
+}
+
+// Takes the emptied journal away. It would do no harm: the next opening knows it for empty.
+SqliteStore::~SqliteStore() {
+  try {
+    database_.execute("PRAGMA locking_mode = NORMAL; PRAGMA journal_mode = DELETE");
+  } catch (...) {
+  }
+}
+
+// The first read takes the shared lock, which the locking mode keeps: all that is read is of one state.
+void SqliteStore::openForReading(SchemaSteps steps) {
+  database_.execute("PRAGMA query_only = ON; SELECT count(*) FROM sqlite_schema");
+  if (isOutdated(database_, steps))
+    raise(ErrorNumber::PermissionDenied, "Store",
+          fmt::format("{}: it was made by an earlier version and has to be opened for writing once",
+                      database_.file()));
+}
+
+// In this locking mode the end of a save is synchronised too: the journal is emptied, not unlinked.
+void SqliteStore::openForWriting(SchemaSteps steps) {
+  database_.execute("PRAGMA journal_mode = TRUNCATE; PRAGMA synchronous = FULL; BEGIN EXCLUSIVE; COMMIT");
+  if (isOutdated(database_, steps)) bringUpToDate(database_, steps);
+}
+
+void SqliteStore::write(const std::function<void()>& work) {
+  if (!whyReadOnly_.empty())
+    raise(ErrorNumber::PermissionDenied, "Store",
+          fmt::format("{}: it cannot be saved: {}", database_.file(), whyReadOnly_));
+  sqlite::Transaction transaction(database_);
+  work();
+  transaction.commit();
+}
+
+std::shared_ptr<const SampleFragments> SqliteStore::readFragments(std::int32_t resultId) {
+  Statement rows = database_.prepare(
+      "SELECT f.dye, f.peaks FROM result r LEFT JOIN fragments f ON f.result_id = r.id WHERE r.id = ?");
+  auto fragments = std::make_shared<SampleFragments>();
+  bool isKnown = false;
+  for (rows.begin(resultId); rows.next(); isKnown = true) {
+    if (rows.isNull(0)) continue;
+    const auto dye = static_cast<std::size_t>(rows.number(0));
+    auto peaks = decodeFragments(rows.blob(1));
+    if (dye >= kDyeCount || !peaks)
+      database_.failDamaged(fmt::format("the fragments of result {} cannot be read", resultId));
+    fragments->dyes[dye] = std::move(*peaks);
+  }
+  if (!isKnown) raise(ErrorNumber::InvalidArgument, "Store", fmt::format("There is no result {}.", resultId));
+  return fragments;
+}
+
+StudyRecord SqliteStore::readStudy() {
+  StudyRecord record;
+  Statement study = database_.prepare(
+      "SELECT name, owner_id, result_stamp, show_inclusion_warning, display_view_index, fourth_dye FROM "
+      "study");
+  if (!study.next()) database_.failDamaged("it has no study record");
+  record.name = study.text(0);
+  record.ownerId = study.integer(1);
+  record.resultStamp = study.integer(2);
+  record.settings = {study.number(3) != 0, static_cast<std::int16_t>(study.integer(4))};
+  record.fourthDye = study.text(5).empty() ? '-' : study.text(5).front();
+
+  Statement dyes = database_.prepare("SELECT color, is_visible FROM dye ORDER BY slot");
+  for (DyeRecord& dye : record.dyes) {
+    if (!dyes.next()) database_.failDamaged("a dye is missing");
+    dye = {static_cast<Colour>(dyes.number(0)), dyes.number(1) != 0};
+  }
+  Statement results =
+      database_.prepare("SELECT id, sample_name, is_excluded, is_deleted FROM result ORDER BY id");
+  while (results.next()) {
+    record.results.push_back(
+        {results.integer(0), std::string(results.text(1)), results.number(2) != 0, results.number(3) != 0});
+  }
+  return record;
+}
+
+void SqliteStore::writeStudy(const StudyRecord& record) {
+  write([&] { writeRecord(record); });
+}
+
+void SqliteStore::writeRecord(const StudyRecord& record) {
+  database_
+      .prepare(
+          "UPDATE study SET name = ?, owner_id = ?, result_stamp = ?, show_inclusion_warning = ?, "
+          "display_view_index = ?, fourth_dye = ?")
+      .run(std::string_view(record.name), record.ownerId, record.resultStamp,
+           record.settings.showInclusionWarning, std::int32_t{record.settings.displayViewIndex},
+           std::string_view(&record.fourthDye, 1));
+  Statement dye = database_.prepare("UPDATE dye SET color = ?, is_visible = ? WHERE slot = ?");
+  for (std::size_t slot = 0; slot < kDyeCount; ++slot)
+    dye.run(record.dyes[slot].color, record.dyes[slot].isVisible, static_cast<std::int32_t>(slot));
+  Statement marks = database_.prepare(
+      "UPDATE result SET is_excluded = ?1, is_deleted = ?2 "
+      "WHERE id = ?3 AND (is_excluded <> ?1 OR is_deleted <> ?2)");
+  for (const ResultRecord& result : record.results) marks.run(result.isExcluded, result.isDeleted, result.id);
+}
+
+std::vector<ResultRecord> SqliteStore::addResults(const StudyRecord& record,
+                                                  const std::vector<NewResult>& results,
+                                                  const std::optional<ImportRecord>& import) {
+  std::vector<ResultRecord> added;
+  added.reserve(results.size());
+  write([&] {
+    const std::int64_t importId = import ? addImport(*import) : 0;
+    for (const NewResult& result : results) added.push_back(addResult(result, importId));
+    writeRecord(record);
+  });
+  return added;
+}
+
+std::int64_t SqliteStore::addImport(const ImportRecord& import) {
+  database_.prepare("INSERT INTO import(finished, report) VALUES(?, ?)")
+      .run(std::string_view(import.finished), std::string_view(import.report));
+  const std::int64_t id = database_.lastRowId();
+  Statement file = database_.prepare(
+      "INSERT INTO import_file(import_id, position, path, size, hash) VALUES(?, ?, ?, ?, ?)");
+  std::int32_t position = 0;
+  for (const ImportedFile& each : import.files)
+    file.run(id, ++position, std::string_view(each.path), std::bit_cast<std::int64_t>(each.size),
+             std::bit_cast<std::int64_t>(each.hash));
+  return id;
+}
+
+ResultRecord SqliteStore::addResult(const NewResult& result, std::int64_t importId) {
+  Statement row = database_.prepare("INSERT INTO result(import_id, sample_name) VALUES(nullif(?, 0), ?)");
+  row.run(importId, std::string_view(result.sampleName));
+  const auto id = static_cast<std::int32_t>(database_.lastRowId());
+  Statement fragments = database_.prepare("INSERT INTO fragments(result_id, dye, peaks) VALUES(?, ?, ?)");
+  for (std::size_t dye = 0; dye < kDyeCount; ++dye) {
+    if (result.fragments.dyes[dye].sizes.empty()) continue;
+    const std::vector<std::byte> bytes = encodeFragments(result.fragments.dyes[dye]);
+    fragments.run(id, static_cast<std::int32_t>(dye), sqlite::Blob(bytes));
+  }
+  return {id, result.sampleName, false, false};
+}
+
+std::vector<ImportRecord> SqliteStore::readImports() {
+  std::vector<ImportRecord> imports;
+  Statement rows = database_.prepare("SELECT id, finished, report FROM import ORDER BY id");
+  Statement files =
+      database_.prepare("SELECT path, size, hash FROM import_file WHERE import_id = ? ORDER BY position");
+  while (rows.next()) {
+    ImportRecord& import = imports.emplace_back(std::string(rows.text(1)), std::string(rows.text(2)));
+    for (files.begin(rows.number(0)); files.next();) {
+      import.files.push_back({std::string(files.text(0)), std::bit_cast<std::uint64_t>(files.number(1)),
+                              std::bit_cast<std::uint64_t>(files.number(2))});
+    }
+  }
+  return imports;
+}
+
+std::vector<std::int32_t> SqliteStore::analysisIds() {
+  std::vector<std::int32_t> ids;
+  Statement rows = database_.prepare("SELECT id FROM analysis ORDER BY position");
+  while (rows.next()) ids.push_back(rows.integer(0));
+  return ids;
+}
+
+AnalysisSnapshot SqliteStore::readAnalysis(std::int32_t id) { return readAnalysisRows(database_, id); }
+
+void SqliteStore::writeAnalysis(const AnalysisSnapshot& snapshot) {
+  write([&] {
+    writeAnalysisRows(database_, snapshot);
+    database_.prepare("UPDATE study SET last_analysis_id = max(last_analysis_id, ?)").run(snapshot.id);
+  });
+}
+
+void SqliteStore::removeAnalysis(std::int32_t id) {
+  write([&] { removeAnalysisRows(database_, id); });
+}
+
+}  // namespace banddesk::host

@@ -1,0 +1,62 @@
+// A study as one SQLite file. Whoever opens it for writing has it alone until the store ends; whoever opens
+// it for reading keeps writers out. Each write is one transaction, on the disk when it returns.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "host/store/sqlite.h"
+#include "host/store/store.h"
+#include "host/store/study_schema.h"
+
+namespace banddesk::host {
+
+inline constexpr const char* kStudyExtension = ".study";
+
+class SqliteStore final : public Store {
+ public:
+  enum class Access { Write, Read };
+
+  // Makes the file of an empty study, whole or not at all. Error 70 if there is such a file already.
+  static void create(const std::string& file, const std::string& studyName);
+
+  // Opens an existing file; where it cannot be written it opens for reading and whyReadOnly() tells the
+  // reason. A file that is no study of this version or an earlier one is an error and stays as it is.
+  explicit SqliteStore(const std::string& file, Access access = Access::Write,
+                       SchemaSteps steps = studySchema());
+  SqliteStore(const SqliteStore&) = delete;
+  SqliteStore& operator=(const SqliteStore&) = delete;
+  ~SqliteStore() override;
+
+  std::string whyReadOnly() const override { return whyReadOnly_; }
+  std::shared_ptr<const SampleFragments> readFragments(std::int32_t resultId) override;
+  StudyRecord readStudy() override;
+  void writeStudy(const StudyRecord& record) override;
+  std::vector<ResultRecord> addResults(const StudyRecord& record, const std::vector<NewResult>& results,
+                                       const std::optional<ImportRecord>& import) override;
+  std::vector<ImportRecord> readImports() override;
+  std::int32_t newAnalysisId() override { return ++lastAnalysisId_; }
+  std::vector<std::int32_t> analysisIds() override;
+  AnalysisSnapshot readAnalysis(std::int32_t id) override;
+  void writeAnalysis(const AnalysisSnapshot& snapshot) override;
+  void removeAnalysis(std::int32_t id) override;
+
+  // SQLite's level of synchronisation: 2 is full.
+  std::int64_t synchronisation() const { return database_.number("PRAGMA synchronous"); }
+
+ private:
+  void openForReading(SchemaSteps steps);
+  void openForWriting(SchemaSteps steps);
+  void write(const std::function<void()>& work);
+  void writeRecord(const StudyRecord& record);
+  std::int64_t addImport(const ImportRecord& import);
+  ResultRecord addResult(const NewResult& result, std::int64_t importId);
+
+  sqlite::Database database_;
+  std::string whyReadOnly_;
+  std::int32_t lastAnalysisId_ = 0;
+};
+
+}  // namespace banddesk::host

@@ -1,0 +1,276 @@
+// Studies as files: what one process saves, the next one finds.
+#include <filesystem>
+#include <fmt/format.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include "cli/session.h"
+#include "host/store/snapshot.h"
+#include "host/store/sqlite_store.h"
+#include "tests/cli/command.h"
+
+namespace banddesk::test {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using Arguments = std::vector<std::string>;
+
+std::string in(const std::string& name) { return folder() + "/" + name; }
+
+Outcome ok(const Arguments& arguments) {
+  const Outcome outcome = banddesk(arguments);
+  EXPECT_EQ(outcome.status, 0) << testing::PrintToString(arguments) << outcome.err;
+  return outcome;
+}
+
+// A table of three samples; "c" has the only fragment of 300 nt.
+std::string smallTable(const std::string& name = "t.txt") {
+  writeFile(in(name),
+            "Dye/Sample Peak\tSample File Name\tSize\tHeight\n"
+            "\"B,1\"\ta.fsa\t100.12\t500\n\"B,2\"\ta.fsa\t200.5\t300\n\"G,1\"\ta.fsa\t150\t80\n"
+            "\"B,1\"\tb<i>&.fsa\t100.3\t400\n\"B,2\"\tb<i>&.fsa\t200.6\t300\n"
+            "\"B,1\"\tc.fsa\t100.2\t900\n\"B,2\"\tc.fsa\t300\t90\n");
+  return in(name);
+}
+
+std::string smallStudy(const std::string& name = "s.study") {
+  ok({"new", in(name)});
+  ok({"import", in(name), smallTable()});
+  return in(name);
+}
+
+// What one analysis exports right after it was made and saved, and what a new process exports of the study.
+void expectSameExports(const std::string& study, const std::string& name, Arguments decisions) {
+  const Arguments outputs{"--csv", "--nts", "--matrix", "--json", "--xlsx"};
+  const auto with = [&](Arguments arguments, const std::string& prefix) {
+    for (const std::string& output : outputs) {
+      arguments.push_back(output);
+      arguments.push_back(in(prefix + output));
+    }
+    return arguments;
+  };
+  decisions.insert(decisions.begin(), {"analyze", study, "--name", name});
+  ok(with(decisions, "before"));
+  ok(with({"export", study, "--name", name}, "after"));
+  for (const std::string& output : outputs) {
+    if (output == "--xlsx") continue;  // it carries the time of its making
+    EXPECT_TRUE(readFile(in("before" + output)) == readFile(in("after" + output))) << output;
+    EXPECT_THAT(readFile(in("after" + output)), Not(IsEmpty()));
+  }
+}
+
+TEST(StudyFiles, ExportTheSameInANewProcess) {
+  struct Case {
+    std::string table;
+    Arguments import;
+    std::string sample, bin;  // to exclude
+  };
+  const std::vector<Case> cases = {
+      {smallTable(), {}, "c", "D1-200.55"},
+      {realTable("peak-scanner/eaacmcat.txt"), {"--ladder", "R"}, "BF29-2", "D1-100"},
+      {realTable("genemapper/demo_samples_abi.txt"), {}, "", ""},
+      {realTable("genemapper/example_data.txt"), {}, "", ""},
+  };
+  for (const Case& one : cases) {
+    if (one.table.empty()) continue;
+    SCOPED_TRACE(one.table);
+    const std::string study = in(fs::path(one.table).stem().string() + ".study");
+    ok({"new", study});
+    Arguments import{"import", study, one.table};
+    import.insert(import.end(), one.import.begin(), one.import.end());
+    ok(import);
+    Arguments decisions{"--max-bin-width", "1.2", "--y-threshold", "60", "--sort", "83:desc"};
+    if (!one.sample.empty()) decisions.insert(decisions.end(), {"--exclude-sample", one.sample});
+    if (one.table == cases.front().table) decisions.insert(decisions.end(), {"--exclude-bin", one.bin});
+    expectSameExports(study, "Hidden", decisions);
+    decisions.push_back("--show-excluded");
+    expectSameExports(study, "Shown", decisions);
+    decisions.insert(decisions.end(), {"--transpose", "--cells", "height"});
+    expectSameExports(study, "In rows", decisions);
+    // And opened again and saved once more, it is still the same.
+    ok({"analyze", study, "--name", "in rows", "--csv", in("again.csv")});
+    EXPECT_TRUE(readFile(in("again.csv")) == readFile(in("before--csv")));
+    const std::string hidden = in("hidden.csv");
+    ok({"export", study, "--name", "Shown", "--hide-excluded", "--csv", hidden});
+    ok({"export", study, "--name", "Hidden", "--csv", in("h.csv")});
+    std::string shown = readFile(hidden);
+    shown.replace(shown.find("Name: Shown"), 11, "Name: Hidden");
+    EXPECT_TRUE(shown == readFile(in("h.csv")));
+  }
+}
+
+// Column order and widths are of the grid, which only a user changes.
+TEST(StudyFiles, KeepWhatAUserDidToTheGrid) {
+  const std::string study = smallStudy();
+  std::vector<std::int32_t> widths;
+  host::AnalysisSnapshot saved;
+  {
+    cli::Session session;
+    session.openStudy(std::make_shared<host::SqliteStore>(study));
+    session.analyze({});
+    auto& grid = session.grid();
+    ASSERT_TRUE(grid.trackColumnWidth(4, 123));
+    grid.selectCols(5, 5);
+    ASSERT_TRUE(grid.dragColumns(5, 5, 2));
+    grid.selectCols(12, 12);
+    ASSERT_TRUE(grid.dragColumns(12, 12, 10));
+    session.excludeSample("a");
+    session.save();
+    saved = host::snapshotOf(session.analysis());
+    session.exportCsv(in("before.csv"));
+    for (std::int32_t col = 1; col <= grid.ColCount(); ++col) widths.push_back(grid.colWidth(col));
+  }
+  ok({"export", study, "--csv", in("after.csv")});
+  EXPECT_EQ(readFile(in("after.csv")), readFile(in("before.csv")));
+  EXPECT_THAT(readFile(in("after.csv")), HasSubstr("Bin"));
+
+  cli::Session session;
+  session.openStudy(std::make_shared<host::SqliteStore>(study));
+  session.reopen(session.study().AFLPs.Item(1), host::StaleAnalysis::OpenAsStored);
+  EXPECT_TRUE(host::snapshotOf(session.analysis()) == saved);
+  for (std::int32_t col = 1; col <= session.grid().ColCount(); ++col) {
+    if (session.grid().IsColHidden(col)) continue;  // it gets its width when it shows
+    EXPECT_EQ(session.grid().colWidth(col), widths.at(static_cast<std::size_t>(col - 1))) << col;
+  }
+}
+
+TEST(StudyFiles, AreTheSameWhateverTheSpellingOfTheTable) {
+  const std::string study = smallStudy();
+  const std::string plain = ok({"results", study}).out;
+  EXPECT_THAT(plain, HasSubstr("a\tB 2, G 1\n"));
+  const auto spelled = [&](std::vector<std::pair<std::string, std::string>> changes) {
+    std::string text = readFile(in("t.txt"));
+    for (const auto& [what, with] : changes) {
+      for (std::size_t at = 0; (at = text.find(what, at)) != std::string::npos; at += with.size())
+        text.replace(at, what.size(), with);
+    }
+    return text;
+  };
+  std::string wide = "\xFF\xFE";
+  for (const char c : spelled({})) (wide += c) += '\0';
+  const std::vector<std::string> spellings = {spelled({{"\n", "\t\r\n"}}),
+                                              "\xEF\xBB\xBF" + spelled({}),
+                                              wide,
+                                              spelled({{"\t", ";"}, {".", ","}, {",fsa", ".fsa"}}),
+                                              spelled({{"\"", ""}}),
+                                              spelled({{"B,", "B, "}}),
+                                              "GeneMarker\t\t\t\nVersion\t\n\n" + spelled({})};
+  const host::StudyRecord wanted = host::SqliteStore(study).readStudy();
+  for (std::size_t i = 0; i < spellings.size(); ++i) {
+    SCOPED_TRACE(i);
+    const std::string other = in(fmt::format("{}.study", i));
+    writeFile(in("other.txt"), spellings[i]);
+    ok({"new", other});
+    ok({"import", other, in("other.txt")});
+    host::SqliteStore store(other), first(study);
+    EXPECT_EQ(store.readStudy().results, wanted.results);
+    for (const auto& result : wanted.results)
+      EXPECT_TRUE(*store.readFragments(result.id) == *first.readFragments(result.id));
+  }
+}
+
+TEST(StudyFiles, AreListedAndTheirResultsExcludedAndDeleted) {
+  const std::string study = smallStudy();
+  ok({"analyze", study, "--name", "All"});
+  ok({"results", study, "--exclude", "a", "--delete", "c"});
+  EXPECT_EQ(banddesk({"results", study, "--exclude", "b<i>&", "--exclude", "nobody"}).status, 2);
+  EXPECT_EQ(ok({"results", study}).out, "a\tB 2, G 1\texcluded\nb<i>&\tB 2\n")
+      << "a wrong name changes nothing";
+  const std::string listed = ok({"list", study}).out;
+  EXPECT_THAT(listed, HasSubstr("2 results, 1 excluded, 1 deleted; dyes BGY-"));
+  EXPECT_THAT(listed, HasSubstr("/t.txt\n"));
+  EXPECT_THAT(listed,
+              HasSubstr("\"All\": 3 samples, bins up to 1 nt, from 0 RFU; the results have changed since"));
+  EXPECT_THAT(ok({"export", study, "--csv", in("old.csv")}).out, HasSubstr("as stored"));
+  EXPECT_THAT(ok({"analyze", study, "--name", "all"}).out, HasSubstr("1 samples"));
+  ok({"results", study, "--include", "a"});
+  EXPECT_THAT(ok({"analyze", study}).out, HasSubstr("\"New AFLP 1\"\n2 samples"));
+}
+
+TEST(StudyFiles, SayInOneLineWhatIsWrongAndStayAsTheyWere) {
+  const std::string study = smallStudy();
+  ok({"analyze", study, "--name", "One", "--exclude-bin", "D1-300"});
+  ok({"analyze", study, "--name", "Two"});
+  writeFile(in("text.study"), "no study");
+  const std::string before = readFile(study);
+  const std::vector<std::pair<Arguments, std::string>> cases = {
+      {{"new", study}, "such a file already"},
+      {{"new", in("no/x.study")}, "no such folder"},
+      {{"import", in("none.study"), in("t.txt")}, "no such file"},
+      {{"import", in("text.study"), in("t.txt")}, "it is no study"},
+      {{"import", study, in("none.txt")}, "no such file"},
+      {{"import", study, in("t.txt"), "--ladder", "X"}, "none of the dyes"},
+      {{"list", in("t.txt")}, "it is no study"},
+      {{"export", study, "--csv", in("x.csv")}, "several analyses"},
+      {{"export", study, "--name", "Three", "--csv", in("x.csv")}, "no analysis named \"Three\""},
+      {{"export", study, "--name", "One"}, "say what to write"},
+      {{"report", study, "--name", "One", in("no/r.html")}, "no/r.html"},
+      {{"analyze", study, in("t.txt")}, "analysed alone"},
+      {{"analyze", study, "--ladder", "R"}, "when files are imported"},
+      {{"analyze", in("t.txt"), "--name", "One"}, "only a study file"},
+      {{"analyze", study, "--name", "Two", "--max-bin-width", "x"}, "--max-bin-width: \"x\""},
+      {{"analyze", study, "--name", "One", "--max-bin-width", "2"}, "decided by hand"},
+  };
+  for (const auto& [arguments, message] : cases) {
+    SCOPED_TRACE(testing::PrintToString(arguments));
+    const Outcome outcome = banddesk(arguments);
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_THAT(outcome.err, HasSubstr(message));
+    EXPECT_EQ(std::count(outcome.err.begin(), outcome.err.end(), '\n'), 1) << outcome.err;
+    EXPECT_TRUE(readFile(study) == before);
+  }
+}
+
+TEST(StudyFiles, AreNotWorkedOnByTwoPrograms) {
+  const std::string study = smallStudy();
+  const host::SqliteStore open(study);
+  for (const Arguments& arguments :
+       {Arguments{"import", study, in("t.txt")}, Arguments{"list", study}, Arguments{"analyze", study}}) {
+    const Outcome outcome = banddesk(arguments);
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_EQ(outcome.err, "banddesk: " + study + ": it is open in another program\n");
+  }
+}
+
+TEST(StudyFiles, AreImportedIntoAndAnalysedOnlyWhereTheyMayBeWritten) {
+  if (::geteuid() != 0 || shell("setpriv --version").status != 0) GTEST_SKIP() << "needs root and setpriv";
+  const std::string study = smallStudy();
+  ok({"analyze", study, "--name", "One"});
+  ok({"export", study, "--csv", in("wanted.csv")});
+  fs::permissions(study, fs::perms::owner_all | fs::perms::others_read);
+  const auto asNobody = [&](const std::string& arguments) {
+    return shell("setpriv --reuid=65534 --regid=65534 --clear-groups '" BANDDESK_BINARY "' " + arguments);
+  };
+  EXPECT_THAT(asNobody("import '" + study + "' '" + in("t.txt") + "'").err,
+              HasSubstr("the file may not be written"));
+  EXPECT_THAT(asNobody("analyze '" + study + "'").err, HasSubstr("the file may not be written"));
+  EXPECT_THAT(asNobody("results '" + study + "' --exclude a").err, HasSubstr("the file may not be written"));
+  fs::create_directory(in("open"));
+  fs::permissions(in("open"), fs::perms::all);
+  EXPECT_THAT(asNobody("export '" + study + "' --csv '" + in("open/x.csv") + "'").err, IsEmpty());
+  EXPECT_EQ(readFile(in("open/x.csv")), readFile(in("wanted.csv")));
+}
+
+TEST(Report, TellsAnAnalysisAsOneEscapedPage) {
+  const std::string study = smallStudy();
+  ok({"analyze", study, "--name", "A <b> & \"c\"", "--exclude-bin", "D1-300", "--exclude-sample", "b<i>&"});
+  ok({"report", study, in("r.html")});
+  const std::string page = readFile(in("r.html"));
+  EXPECT_THAT(page, HasSubstr("<h1>AFLP analysis: A &lt;b&gt; &amp; &quot;c&quot;</h1>"));
+  EXPECT_THAT(page, HasSubstr("b&lt;i&gt;&amp;</td><td class=\"text\">by hand</td>"));
+  EXPECT_THAT(page, Not(HasSubstr("<i>")));
+  EXPECT_THAT(page, HasSubstr("<dt>Maximum bin width</dt><dd>1 nt</dd>"));
+  EXPECT_THAT(page, HasSubstr("<td class=\"text\">D1 (B)</td><td>6</td><td>3</td>"));
+  for (const char* part : {"Parameters", "Counts", "Excluded elements", "Head of the table", "Bins"})
+    EXPECT_THAT(page, HasSubstr(fmt::format("<h2>{}</h2>", part)));
+  EXPECT_THAT(page, HasSubstr("@media print"));
+  ok({"report", study, in("again.html")});
+  EXPECT_EQ(readFile(in("again.html")).size(), page.size()) << "a report changes nothing";
+}
+
+}  // namespace
+}  // namespace banddesk::test

@@ -1,0 +1,347 @@
+#include "host/store/sqlite_store.h"
+
+#include <cmath>
+#include <csignal>
+#include <fmt/format.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <limits>
+#include <rapidcheck/gtest.h>
+#include <sched.h>
+#include <sys/mount.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+
+#include "host/store/fragment_blob.h"
+#include "host/store/memory_store.h"
+#include "tests/store/store_folder.h"
+
+namespace banddesk::host {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::StartsWith;
+
+// A study file after some steps, closed.
+std::string studyAfter(const StoreFolder& folder, int steps, const std::string& name = "a.study") {
+  const std::string file = folder.file(name);
+  SqliteStore::create(file, "Study");
+  SqliteStore store(file);
+  for (int step = 0; step < steps; ++step) takeStep(store, step);
+  return file;
+}
+
+TEST(StudyFile, HoldsWhatTheSameStudyInMemoryHolds) {
+  constexpr int kSteps = 30;
+  StoreFolder folder;
+  MemoryStore memory("Study");
+  for (int step = 0; step < kSteps; ++step) takeStep(memory, step);
+  memory.removeAnalysis(2);
+  const std::string file = studyAfter(folder, kSteps);
+  {
+    SqliteStore store(file);
+    store.removeAnalysis(2);
+    store.removeAnalysis(99);
+    EXPECT_GT(store.newAnalysisId(), 4);
+    EXPECT_THAT(messageOf([&] { store.readAnalysis(2); }), HasSubstr("no analysis 2"));
+    EXPECT_THAT(messageOf([&] { store.readFragments(999); }), HasSubstr("no result 999"));
+  }
+  SqliteStore store(file);
+  EXPECT_TRUE(stateOf(store) == stateOf(memory));
+  EXPECT_THAT(store.analysisIds(), ElementsAre(1, 3, 4));
+  EXPECT_THAT(store.whyReadOnly(), IsEmpty());
+}
+
+TEST(StudyFile, GivesNoAnalysisTheNumberOfARemovedOne) {
+  StoreFolder folder;
+  const std::string file = studyAfter(folder, 1);
+  {
+    SqliteStore store(file);
+    store.writeAnalysis(someAnalysis(store.newAnalysisId(), 1, store.readStudy()));
+    store.removeAnalysis(1);
+  }
+  EXPECT_EQ(SqliteStore(file).newAnalysisId(), 2);
+}
+
+TEST(StudyFile, SynchronisesFullyAndLeavesNothingBesideItself) {
+  StoreFolder folder;
+  const std::string file = studyAfter(folder, 3);
+  EXPECT_EQ(SqliteStore(file).synchronisation(), 2);
+  EXPECT_THAT(folder.names(), ElementsAre("a.study"));
+}
+
+TEST(StudyFile, TakesBackAWriteThatFailsHalfWay) {
+  StoreFolder folder;
+  SqliteStore store(studyAfter(folder, 5));
+  const StudyState before = stateOf(store);
+  AnalysisSnapshot stranger = someAnalysis(1, 77, before.study);
+  stranger.resultIds.push_back(12345);
+  EXPECT_THAT(messageOf([&] { store.writeAnalysis(stranger); }), HasSubstr("FOREIGN KEY"));
+  std::vector<NewResult> uneven(2);
+  uneven[0].sampleName = "whole";
+  uneven[1].fragments.dyes[0].sizes = {1};
+  EXPECT_THAT(messageOf([&] { store.addResults(before.study, uneven, ImportRecord{}); }), Not(IsEmpty()));
+  EXPECT_TRUE(stateOf(store) == before);
+}
+
+RC_GTEST_PROP(FragmentBlob, GivesBackEveryNumberExactly,
+              (std::vector<std::pair<double, std::uint32_t>> peaks)) {
+  const int decimals = *rc::gen::inRange(0, 7);
+  const bool isMeasured = *rc::gen::arbitrary<bool>();
+  SampleFragments::Dye dye;
+  for (const auto& [size, height] : peaks) {
+    dye.sizes.push_back(isMeasured ? height / std::pow(10, decimals) : size);
+    dye.heights.push_back(height % 70'000);
+  }
+  const auto bytes = encodeFragments(dye);
+  const auto read = decodeFragments(bytes);
+  RC_ASSERT(read.has_value());
+  RC_ASSERT(*read == dye);
+  // No shorter blob and no other byte is taken for the same.
+  const auto at = *rc::gen::inRange<std::size_t>(0, bytes.size());
+  RC_ASSERT(!decodeFragments(std::span(bytes).first(at)));
+  auto damaged = bytes;
+  damaged[at] ^= std::byte{0x10};
+  RC_ASSERT(!decodeFragments(damaged));
+}
+
+TEST(FragmentBlob, KeepsWhatIsNoDecimalNumber) {
+  SampleFragments::Dye dye;
+  dye.sizes = {-0.0, -1.5, 1e300, std::numeric_limits<double>::infinity(), 0.1 + 0.2};
+  dye.heights = {4294967295.0, 4294967296.0, 0, 65535, 65536};
+  const auto read = decodeFragments(encodeFragments(dye));
+  ASSERT_TRUE(read);
+  EXPECT_EQ(read->sizes, dye.sizes);
+  EXPECT_TRUE(std::signbit(read->sizes[0]));
+  EXPECT_EQ(read->heights, dye.heights);
+}
+
+// Each line makes a file out of a good study; opening it says so and changes no byte of it.
+TEST(StudyFile, RefusesWhatIsNoStudyOfItsOwn) {
+  struct Case {
+    const char* name;
+    std::function<void(const std::string&)> spoil;
+    const char* message;
+  };
+  const auto sql = [](const char* text) {
+    return [text](const std::string& file) {
+      sqlite::Database(file, SQLITE_OPEN_READWRITE, file).execute(text);
+    };
+  };
+  const auto cut = [](double share) {
+    return [share](const std::string& file) {
+      fs::resize_file(file, static_cast<std::uintmax_t>(share * static_cast<double>(fs::file_size(file))));
+    };
+  };
+  const std::vector<Case> cases = {
+      {"text", [](const std::string& file) { writeBytes(file, std::string(5000, 'x')); }, "it is no study"},
+      {"empty", [](const std::string& file) { writeBytes(file, ""); }, "it is no study: the file is empty"},
+      {"cut in the middle", cut(0.5), "damaged or cut short"},
+      {"cut by a little", cut(0.9999), "damaged: its end is missing"},
+      {"cut to its head", cut(0.001), "damaged or cut short"},
+      {"another program's", sql("PRAGMA application_id = 77"), "database of another program"},
+      {"a plain database", sql("PRAGMA application_id = 0"), "database of another program"},
+      {"a newer version's", sql("PRAGMA user_version = 99"), "newer version of Banddesk (study format 99"},
+      {"a folder", [](const std::string& file) { fs::remove(file), fs::create_directory(file); }, "a folder"},
+      {"missing", [](const std::string& file) { fs::remove(file); }, "no such file"},
+      {"a pipe", [](const std::string& file) { fs::remove(file), ::mkfifo(file.c_str(), 0600); },
+       "no ordinary file"},
+  };
+  for (const Case& one : cases) {
+    SCOPED_TRACE(one.name);
+    StoreFolder folder;
+    const std::string file = studyAfter(folder, 12);
+    one.spoil(file);
+    const bool isFile = fs::is_regular_file(file);
+    const std::string before = isFile ? bytesOf(file) : "";
+    const auto names = folder.names();
+    for (const auto access : {SqliteStore::Access::Write, SqliteStore::Access::Read}) {
+      const std::string message = messageOf([&] { SqliteStore(file, access); });
+      EXPECT_THAT(message, StartsWith(file + ": "));
+      EXPECT_THAT(message, HasSubstr(one.message));
+    }
+    EXPECT_TRUE(!isFile || bytesOf(file) == before);
+    EXPECT_EQ(folder.names(), names);
+  }
+}
+
+TEST(StudyFile, SaysWhenAStoredValueIsDamaged) {
+  StoreFolder folder;
+  const std::string file = studyAfter(folder, 5);
+  sqlite::Database(file, SQLITE_OPEN_READWRITE, file)
+      .execute(
+          "UPDATE fragments SET peaks = substr(peaks, 1, length(peaks) - 1) WHERE result_id = 2; "
+          "DELETE FROM layout WHERE kind = 'dyes'");
+  SqliteStore store(file);
+  EXPECT_EQ(store.readFragments(1)->dyes[1].sizes.size(), 60U);
+  EXPECT_THAT(messageOf([&] { store.readFragments(2); }), HasSubstr(file + ": it is damaged"));
+  EXPECT_THAT(messageOf([&] { store.readAnalysis(1); }), HasSubstr("no layout of dyes"));
+}
+
+TEST(StudyFile, IsMadeOnlyWhereThereIsNone) {
+  StoreFolder folder;
+  const std::string file = studyAfter(folder, 3);
+  const std::string before = bytesOf(file);
+  EXPECT_THAT(messageOf([&] { SqliteStore::create(file, "Other"); }), HasSubstr("such a file already"));
+  EXPECT_TRUE(bytesOf(file) == before);
+  EXPECT_THAT(messageOf([&] { SqliteStore::create(folder.file("no/b.study"), "b"); }),
+              HasSubstr("no such folder"));
+  EXPECT_THAT(folder.names(), ElementsAre("a.study"));
+}
+
+TEST(StudyFile, IsOneWritersAloneOrManyReaders) {
+  StoreFolder folder;
+  const std::string file = studyAfter(folder, 5);
+  using Access = SqliteStore::Access;
+  const auto always = [] { return true; };
+  const auto inOther = [&](Access access) {
+    return messageInProcess(always, [&] { SqliteStore(file, access).readStudy(); });
+  };
+  const std::string isTaken = file + ": it is open in another program";
+  {
+    SqliteStore writer(file);
+    EXPECT_EQ(inOther(Access::Write), isTaken);
+    EXPECT_EQ(inOther(Access::Read), isTaken);
+    EXPECT_EQ(messageOf([&] { SqliteStore second(file); }), isTaken) << "in the same program";
+    takeStep(writer, 5);  // the refusals have not cost the writer its lock
+    EXPECT_EQ(inOther(Access::Write), isTaken);
+  }
+  SqliteStore reader(file, Access::Read);
+  EXPECT_EQ(inOther(Access::Read), "");
+  EXPECT_EQ(inOther(Access::Write), isTaken);
+  EXPECT_THAT(messageOf([&] { takeStep(reader, 6); }), HasSubstr("opened for reading"));
+}
+
+// Rights are taken away from file or folder, and a user without privileges opens and saves.
+TEST(StudyFile, OpensForReadingWhereItMayNotBeWrittenAndSavingSaysWhy) {
+  struct Case {
+    const char* name;
+    fs::perms file, folder;
+    const char* message;
+  };
+  constexpr auto all = fs::perms::all;
+  constexpr auto readable = fs::perms::owner_all | fs::perms::group_read | fs::perms::others_read;
+  constexpr auto walkable = readable | fs::perms::group_exec | fs::perms::others_exec;
+  const std::vector<Case> cases = {
+      {"file", readable, all, "it cannot be saved: the file may not be written"},
+      {"folder", all, walkable, "it cannot be saved: its folder may not be written"},
+      {"both", readable, walkable, "it cannot be saved: the file may not be written"},
+      {"secret", fs::perms::owner_all, all, "it cannot be opened: Permission denied"},
+  };
+  if (::geteuid() != 0) GTEST_SKIP() << "needs root, who can hand files to somebody without rights";
+  for (const Case& one : cases) {
+    SCOPED_TRACE(one.name);
+    StoreFolder folder;
+    const std::string file = studyAfter(folder, 5);
+    fs::permissions(file, one.file);
+    fs::permissions(folder.path(), one.folder);
+    const std::string before = bytesOf(file);
+    const std::string message = messageInProcess(becomeNobody, [&] {
+      SqliteStore store(file);
+      if (stateOf(store).study.results.size() != 6)
+        raise(ErrorNumber::Internal, "Test", "it reads otherwise");
+      takeStep(store, 5);
+    });
+    EXPECT_EQ(message, file + ": " + one.message);
+    EXPECT_TRUE(bytesOf(file) == before);
+    EXPECT_THAT(folder.names(), ElementsAre("a.study"));
+  }
+}
+
+// No file may grow beyond what it has: the system refuses as a quota does.
+bool limitFiles(std::uintmax_t bytes) {
+  std::signal(SIGXFSZ, SIG_IGN);
+  const rlimit limit{bytes, bytes};
+  return ::setrlimit(RLIMIT_FSIZE, &limit) == 0;
+}
+
+TEST(StudyFile, KeepsTheOldStateWhenTheSystemLetsItGrowNoFurther) {
+  StoreFolder folder;
+  const std::string file = studyAfter(folder, 5);
+  const std::uintmax_t size = fs::file_size(file);
+  for (const std::uintmax_t more : {0U, 20'000U, 60'000U}) {
+    SCOPED_TRACE(more);
+    int step = 0;
+    const std::string message =
+        messageInProcess([&] { return limitFiles(size + more); },
+                         [&] {
+                           SqliteStore store(file);
+                           const StudyState before = stateOf(store);
+                           try {
+                             for (step = stepsTaken(store); step < 500; ++step) takeStep(store, step);
+                           } catch (const Error&) {
+                             MemoryStore model("Study");
+                             for (int i = 0; i < step; ++i) takeStep(model, i);
+                             if (!(stateOf(store) == stateOf(model)))
+                               raise(ErrorNumber::Internal, "Test", "the old state is gone");
+                             throw;
+                           }
+                         });
+    EXPECT_EQ(message, file + ": it cannot be read or written: File too large");
+    EXPECT_GE(stepsTaken(*std::make_unique<SqliteStore>(file)), 5);
+  }
+}
+
+// A small file system of the test's own, seen by its process alone.
+bool mountSmall(const std::string& folder) {
+  return ::unshare(CLONE_NEWNS) == 0 && ::mount("", "/", "", MS_REC | MS_PRIVATE, nullptr) == 0 &&
+         ::mount("tmpfs", folder.c_str(), "tmpfs", 0, "size=600k") == 0;
+}
+
+TEST(StudyFile, SaysThatTheDiskIsFullAndKeepsTheOldState) {
+  StoreFolder folder;
+  const std::string message = messageInProcess(
+      [&] { return mountSmall(folder.path()); },
+      [&] {
+        const std::string file = studyAfter(folder, 5);
+        const std::string filler = folder.file("filler");
+        writeBytes(filler, std::string(100'000, 'x'));
+        int step = 5;
+        std::string said;
+        {
+          SqliteStore store(file);
+          said = messageOf([&] {
+            for (; step < 500; ++step) takeStep(store, step);
+          });
+        }
+        MemoryStore model("Study");
+        for (int i = 0; i < step; ++i) takeStep(model, i);
+        SqliteStore store(file);
+        if (!(stateOf(store) == stateOf(model))) said += ", and the old state is gone";
+        const std::string another = messageOf([&] { SqliteStore::create(folder.file("b.study"), "b"); });
+        fs::remove(filler);
+        takeStep(store, step);
+        raise(ErrorNumber::DiskFull, "Test", said + " | " + another);
+      });
+  if (message.starts_with("cannot prepare")) GTEST_SKIP() << "no file system may be mounted here";
+  EXPECT_THAT(message, StartsWith(folder.file("a.study") + ": the disk is full | "));
+}
+
+TEST(StudyFile, IsBroughtUpToDateInOneTransaction) {
+  StoreFolder folder;
+  const std::string file = studyAfter(folder, 5);
+  const StudyState before = stateOf(*std::make_unique<SqliteStore>(file));
+  const std::string bytes = bytesOf(file);
+  std::vector<const char*> steps(studySchema().begin(), studySchema().end());
+  steps.push_back("ALTER TABLE result ADD COLUMN well TEXT NOT NULL DEFAULT ''");
+  steps.push_back("UPDATE result SET well = 'A01'; UPDATE nothing SET x = 1");
+
+  EXPECT_THAT(messageOf([&] { SqliteStore(file, SqliteStore::Access::Write, steps); }), HasSubstr("nothing"));
+  EXPECT_TRUE(stateOf(*std::make_unique<SqliteStore>(file)) == before) << "half of the way is no way";
+  EXPECT_THAT(messageOf([&] { SqliteStore(file, SqliteStore::Access::Read, steps); }),
+              HasSubstr("made by an earlier version"));
+
+  steps.back() = "UPDATE result SET well = 'A01'";
+  EXPECT_TRUE(stateOf(*std::make_unique<SqliteStore>(file, SqliteStore::Access::Write, steps)) == before);
+  sqlite::Database database(file, SQLITE_OPEN_READWRITE, file);
+  EXPECT_EQ(database.number("PRAGMA user_version"), static_cast<std::int64_t>(steps.size()));
+  EXPECT_EQ(database.number("SELECT count(*) FROM result WHERE well = 'A01'"), 6);
+  EXPECT_THAT(messageOf([&] { SqliteStore older(file); }), HasSubstr("newer version"));
+}
+
+}  // namespace
+}  // namespace banddesk::host

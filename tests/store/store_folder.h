@@ -1,0 +1,60 @@
+// A folder for the study files of one test, removed at its end, and what the tests of stores put into and
+// read out of a study.
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "host/store/store.h"
+
+namespace banddesk::host {
+
+class StoreFolder {
+ public:
+  StoreFolder();
+  StoreFolder(const StoreFolder&) = delete;
+  StoreFolder& operator=(const StoreFolder&) = delete;
+  ~StoreFolder();
+
+  const std::filesystem::path& path() const { return folder_; }
+  std::string file(const std::string& name) const { return (folder_ / name).string(); }
+  // The names of all files in it, in order.
+  std::vector<std::string> names() const;
+
+ private:
+  std::filesystem::path folder_;
+};
+
+std::string bytesOf(const std::string& file);
+void writeBytes(const std::string& file, std::string_view bytes);
+
+// All that a store holds, as a value to compare.
+struct StudyState {
+  StudyRecord study;
+  std::vector<SampleFragments> fragments;
+  std::vector<ImportRecord> imports;
+  std::vector<AnalysisSnapshot> analyses;
+  friend bool operator==(const StudyState&, const StudyState&) = default;
+};
+StudyState stateOf(Store& store);
+
+// Step n of an endless sequence of imports, saves of analyses and changes of marks, each one write of the
+// store and different from all others.
+void takeStep(Store& store, int step);
+// How many steps a store has taken.
+int stepsTaken(Store& store);
+
+// A record of everything that an analysis can hold, different for each number.
+AnalysisSnapshot someAnalysis(std::int32_t id, int number, const StudyRecord& study);
+
+// What an action says when it fails, or nothing.
+std::string messageOf(const std::function<void()>& action);
+// The same in a process of its own, after `prepare` (which may drop rights) has run there. An answer that
+// begins with "cannot prepare" says that the machine does not let the test have its conditions.
+std::string messageInProcess(const std::function<bool()>& prepare, const std::function<void()>& action);
+// Conditions for the above.
+bool becomeNobody();
+
+}  // namespace banddesk::host
