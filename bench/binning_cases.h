@@ -26,7 +26,7 @@ inline constexpr double kNoises[] = {0.05, 0.10, 0.15, 0.20, 0.25, 0.30, 0.35};
 /// Loci of a dye between 50 and 500 nt. A crowded dye of real AFLP has about 360, a thin one 90.
 inline constexpr std::size_t kDensities[] = {90, 180, 360, 720};
 inline constexpr std::size_t kRealDensity = 360;
-inline constexpr std::uint64_t kSeeds[] = {101, 202, 303, 404, 505};
+inline constexpr std::uint64_t kSeeds[] = {101, 202, 303, 404, 505};  // others may be asked for, as a trial
 
 /// The width that a user would choose who knows the noise: three standard deviations to each side, to a
 /// tenth, and nobody goes below half a nucleotide.

@@ -1,6 +1,6 @@
 // Compares rules of binning. Without arguments: the simulated grid at the width a user would choose, then the
 // real tables if they are found (BANDDESK_SHARED, or ../shared beside the source tree).
-//   binning_quality [--widths FACTOR] [--details] [--real-only | --simulated-only]
+//   binning_quality [--widths FACTOR] [--seed-offset N] [--details] [--real-only | --simulated-only]
 // FACTOR multiplies the chosen widths of the grid; --details prints every figure of every cell of the grid.
 #include <CLI/CLI.hpp>
 #include <algorithm>
@@ -42,11 +42,11 @@ void add(Score& sum, const Score& one) {
 }
 
 /// The means over the seeds, by rule.
-std::vector<Score> scoresOfCell(const std::vector<Rule>& rules, double noise, std::size_t loci,
-                                double width) {
+std::vector<Score> scoresOfCell(const std::vector<Rule>& rules, double noise, std::size_t loci, double width,
+                                std::uint64_t seedOffset) {
   std::vector<Score> scores(rules.size());
   for (const std::uint64_t seed : kSeeds) {
-    const Case one = simulatedCase(noise, loci, seed);
+    const Case one = simulatedCase(noise, loci, seed + seedOffset);
     for (std::size_t rule = 0; rule < rules.size(); ++rule)
       add(scores[rule], scoreOf(one, rules[rule].bins(one.pool, width)));
   }
@@ -58,6 +58,12 @@ void printScore(const Rule& rule, const Score& score) {
              100 * score.split, 100 * score.merged, score.perCell, score.singles, 100 * score.jaccard,
              score.bins);
 }
+
+struct GridOptions {
+  double widthFactor = 1;
+  std::uint64_t seedOffset = 0;
+  bool details = false;
+};
 
 struct Verdict {
   std::size_t cells = 0, best = 0, worst = 0, realCells = 0, realBest = 0;
@@ -75,7 +81,7 @@ void judge(Verdict& verdict, const std::vector<Score>& scores, std::size_t loci)
   verdict.realBest += isBest ? 1 : 0;
 }
 
-void printGrid(const std::vector<Rule>& rules, double widthFactor, bool details) {
+void printGrid(const std::vector<Rule>& rules, const GridOptions& options) {
   fmt::print("Simulated: adjusted Rand index, mean of {} seeds\n", std::size(kSeeds));
   fmt::print("  loci noise width");
   for (const Rule& rule : rules) fmt::print(" {:>16}", rule.name);
@@ -83,15 +89,15 @@ void printGrid(const std::vector<Rule>& rules, double widthFactor, bool details)
   Verdict verdict;
   for (const std::size_t loci : kDensities) {
     for (const double noise : kNoises) {
-      const double width = usualWidth(noise) * widthFactor;
-      const std::vector<Score> scores = scoresOfCell(rules, noise, loci, width);
+      const double width = usualWidth(noise) * options.widthFactor;
+      const std::vector<Score> scores = scoresOfCell(rules, noise, loci, width, options.seedOffset);
       const double most = std::ranges::max(scores, {}, &Score::rand).rand;
       fmt::print("  {:4} {:5.2f} {:5.2f}", loci, noise, width);
       for (const Score& score : scores)
         fmt::print(" {:>15.4f}{}", score.rand, score.rand >= most - kNearBest ? '*' : ' ');
       fmt::print("\n");
       judge(verdict, scores, loci);
-      if (!details) continue;
+      if (!options.details) continue;
       fmt::print("  {:<17}    Rand  split%  merge% per-cell singles Jaccard%  bins\n", "");
       for (std::size_t rule = 0; rule < rules.size(); ++rule) printScore(rules[rule], scores[rule]);
     }
@@ -130,16 +136,17 @@ std::filesystem::path sharedFolder() {
 
 int main(int argc, char** argv) {
   CLI::App app("Compares rules of binning");
-  double widthFactor = 1;
-  bool details = false, realOnly = false, simulatedOnly = false;
-  app.add_option("--widths", widthFactor, "Multiplies the widths of the simulated grid");
-  app.add_flag("--details", details, "Every figure of every cell of the grid");
+  banddesk::bench::GridOptions options;
+  bool realOnly = false, simulatedOnly = false;
+  app.add_option("--widths", options.widthFactor, "Multiplies the widths of the simulated grid");
+  app.add_option("--seed-offset", options.seedOffset, "Added to the seeds: cases that no rule was tuned on");
+  app.add_flag("--details", options.details, "Every figure of every cell of the grid");
   app.add_flag("--real-only", realOnly);
   app.add_flag("--simulated-only", simulatedOnly);
   CLI11_PARSE(app, argc, argv);
 
   using namespace banddesk::bench;
   const std::vector<Rule> rules = allRules();
-  if (!realOnly) printGrid(rules, widthFactor, details);
+  if (!realOnly) printGrid(rules, options);
   if (!simulatedOnly) printReal(rules, realCases(sharedFolder()));
 }

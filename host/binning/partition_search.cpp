@@ -8,7 +8,8 @@ namespace banddesk::host {
 void PartitionSearch::add(const SizeGroup& group, double position, double opening,
                           std::span<const std::uint32_t> earlier) {
   rows_.push_back({group.least, position, group.count, cost() + opening});
-  while (isWider(rows_[earliest_].least, group.largest, costs_.maxWidth)) ++earliest_;
+  const std::size_t self = rows_.size() - 1;
+  while (earliest_ < self && isWider(rows_[earliest_].least, group.largest, costs_.maxWidth)) ++earliest_;
   for (const std::uint32_t begin : earlier) {
     if (begin >= earliest_) ++rows_[begin].newRepeats;
   }
@@ -24,7 +25,7 @@ void PartitionSearch::add(const SizeGroup& group, double position, double openin
     row.repeats += newRepeats;
     const double spread = std::max(0.0, squares - sum * sum / count) / 2;
     const double cost = row.before + costs_.bin + spread + costs_.repeat * row.repeats;
-    if (begin + 1 == rows_.size() || cost < best.cost) best = {cost, static_cast<std::uint32_t>(begin)};
+    if (begin == self || cost < best.cost) best = {cost, static_cast<std::uint32_t>(begin)};
   }
   reached_.push_back(best);
   earliest_ = best.begin;

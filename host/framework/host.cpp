@@ -3,7 +3,7 @@
 #include <fmt/format.h>
 #include <utility>
 
-#include "host/binning/gap_bin_calculator.h"
+#include "host/binning/default_calculator.h"
 #include "host/framework/first_failure.h"
 #include "host/framework/guarded_calculator.h"
 
@@ -25,7 +25,7 @@ Host::Host(HostSettings settings)
     return openAnalysis(analysis, show);
   };
   if (!settings_.makeBinCalculator) {
-    settings_.makeBinCalculator = [] { return std::make_shared<GapBinCalculator>(); };
+    settings_.makeBinCalculator = makeBinCalculator;
   }
 }
 
