@@ -1,6 +1,7 @@
 // Compares rules of binning. Without arguments: the simulated grid at the width a user would choose, then the
 // real tables if they are found (BANDDESK_SHARED, or ../shared beside the source tree).
-//   binning_quality [--widths FACTOR] [--seed-offset N] [--details] [--real-only | --simulated-only]
+//   binning_quality [--widths FACTOR] [--seed-offset N] [--details]
+//                   [--real-widths NT...] [--real-only | --simulated-only]
 // FACTOR multiplies the chosen widths of the grid; --details prints every figure of every cell of the grid.
 #include <CLI/CLI.hpp>
 #include <algorithm>
@@ -109,15 +110,17 @@ void printGrid(const std::vector<Rule>& rules, const GridOptions& options) {
       verdict.worst);
 }
 
-void printReal(const std::vector<Rule>& rules, const std::vector<Case>& cases) {
+void printReal(const std::vector<Rule>& rules, const std::vector<Case>& cases,
+               const std::vector<double>& widths) {
   for (const Case& one : cases) {
     fmt::print("{}: {} peaks, {} samples, {} pairs of replicates\n", one.name, one.pool.size(), one.samples,
                one.replicates.size());
     fmt::print("  {:<17} width   bins singles per-cell mean-width Jaccard%\n", "");
-    for (const double width : {1.0, 1.5, 2.0}) {
+    for (const double width : widths) {
       for (const Rule& rule : rules) {
-        const Score score = scoreOf(one, rule.bins(one.pool, width));
-        const auto table = tableQuality(one.pool, rule.bins(one.pool, width), one.samples, one.replicates);
+        const BinNumbers bins = rule.bins(one.pool, width);
+        const Score score = scoreOf(one, bins);
+        const auto table = tableQuality(one.pool, bins, one.samples, one.replicates);
         fmt::print("  {:<17} {:5.1f} {:6} {:7} {:8.4f} {:10.3f} {:>8}\n", rule.name, width, score.bins,
                    score.singles, score.perCell, table.meanWidth.value_or(0),
                    score.jaccard < 0 ? "-" : fmt::format("{:.2f}", 100 * score.jaccard));
@@ -137,10 +140,12 @@ std::filesystem::path sharedFolder() {
 int main(int argc, char** argv) {
   CLI::App app("Compares rules of binning");
   banddesk::bench::GridOptions options;
+  std::vector<double> realWidths{1, 1.5, 2};
   bool realOnly = false, simulatedOnly = false;
   app.add_option("--widths", options.widthFactor, "Multiplies the widths of the simulated grid");
   app.add_option("--seed-offset", options.seedOffset, "Added to the seeds: cases that no rule was tuned on");
   app.add_flag("--details", options.details, "Every figure of every cell of the grid");
+  app.add_option("--real-widths", realWidths, "Maximum widths of a bin in nt for the real tables");
   app.add_flag("--real-only", realOnly);
   app.add_flag("--simulated-only", simulatedOnly);
   CLI11_PARSE(app, argc, argv);
@@ -148,5 +153,5 @@ int main(int argc, char** argv) {
   using namespace banddesk::bench;
   const std::vector<Rule> rules = allRules();
   if (!realOnly) printGrid(rules, options);
-  if (!simulatedOnly) printReal(rules, realCases(sharedFolder()));
+  if (!simulatedOnly) printReal(rules, realCases(sharedFolder()), realWidths);
 }
