@@ -148,6 +148,7 @@ SizingError::SizingError(std::span<const SizeGroup> groups, double maxWidth)
     : fromSigma_(shareOfWidth(0) * maxWidth), toSigma_(fromSigma_) {
   if (groups.empty() || !(maxWidth > 0) || !std::isfinite(maxWidth)) return;
   std::vector<Stratum> strata = makeStrata(cellsOf(groups, maxWidth), maxWidth);
+  if (!std::isfinite(strata.back().size - strata.front().size)) return;  // no sizes of this world
   judgeLevels(strata);
   fromSize_ = strata.front().size;
   toSize_ = strata.back().size;
