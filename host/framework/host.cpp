@@ -3,7 +3,7 @@
 #include <fmt/format.h>
 #include <utility>
 
-#include "host/binning/gap_bin_calculator.h"
+#include "host/binning/default_calculator.h"
 #include "host/framework/analysis_report.h"
 #include "host/framework/first_failure.h"
 #include "host/framework/guarded_calculator.h"
@@ -29,7 +29,7 @@ Host::Host(HostSettings settings)
     return makeReport(cast<AFLP>(request.context, "AFLP"));
   };
   if (!settings_.makeBinCalculator) {
-    settings_.makeBinCalculator = [] { return std::make_shared<GapBinCalculator>(); };
+    settings_.makeBinCalculator = makeBinCalculator;
   }
 }
 

@@ -39,9 +39,10 @@ const std::vector<Room> rooms = {
 
     {"grid", {"host/grid/"}, {"face"}},
     {"binning", {"host/binning/"}, {"face"}},
+    {"quality", {"host/quality/"}, {"binning"}},
     {"simulation", {"host/simulation/"}, {"face"}},
     {"import", {"host/import/"}, {"face"}},
-    {"study", {"host/study/"}, {"grid", "binning", "simulation", "import"}},
+    {"study", {"host/study/"}, {"grid", "quality", "simulation", "import"}},
     {"store", {"host/store/"}, {"study"}},
     {"framework", {"host/framework/"}, {"store"}},
 

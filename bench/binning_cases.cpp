@@ -1,0 +1,81 @@
+#include "bench/binning_cases.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "host/import/read_files.h"
+#include "host/simulation/simulator.h"
+
+namespace banddesk::bench {
+namespace {
+
+constexpr double kShortest = 50, kLongest = 500, kThreshold = 50;
+
+void sortBySize(Pool& pool) { std::ranges::stable_sort(pool, {}, &PooledPeak::size); }
+
+Case caseOfDye(const std::string& name, const host::import::PeakTable& table, host::import::Dye dye) {
+  Case one{name + " " + host::import::letterOf(dye), {}, table.samples.size(), {}};
+  std::vector<std::string> names;
+  for (const host::import::Sample& sample : table.samples) {
+    const host::import::DyePeaks& peaks = sample.peaks(dye);
+    for (std::size_t i = 0; i < peaks.sizes.size(); ++i) {
+      if (peaks.sizes[i] < kShortest || peaks.sizes[i] > kLongest || peaks.heights[i] < kThreshold) continue;
+      one.pool.push_back({peaks.sizes[i], peaks.heights[i], static_cast<std::int32_t>(names.size()), -1});
+    }
+    names.push_back(sample.name);
+  }
+  sortBySize(one.pool);
+  one.replicates = host::replicatesBySuffix(names, "b").pairs;
+  return one;
+}
+
+}  // namespace
+
+double usualWidth(double noise) { return std::max(0.5, std::round(60 * noise) / 10); }
+
+Case simulatedCase(double noise, std::size_t loci, std::uint64_t seed) {
+  host::simulation::Settings settings;
+  settings.seed = seed;
+  settings.replicates = 12;
+  settings.dyes = 1;
+  settings.ladderDye.reset();
+  settings.lociPerDye = loci;
+  const double part = noise / std::sqrt(2.0);
+  const double middle = (settings.shortestNt + settings.longestNt) / 2;
+  settings.sigmaAt100Nt = part / (1 + settings.sigmaGrowth * (middle - 100) / 100);
+  settings.laneDriftNt = part;
+  const host::simulation::SimulatedRuns runs = host::simulation::simulate(settings);
+
+  Case one{"simulated", {}, runs.runs.size(), {}};
+  for (std::size_t run = 0; run < runs.runs.size(); ++run) {
+    for (const host::simulation::Peak& peak : runs.runs[run].dyes[0]) {
+      if (peak.height < kThreshold) continue;
+      one.pool.push_back({peak.size, peak.height, static_cast<std::int32_t>(run), peak.locus});
+    }
+    if (run >= settings.samples) one.replicates.push_back({run - settings.samples, run});
+  }
+  sortBySize(one.pool);
+  return one;
+}
+
+std::vector<Case> realCases(const std::filesystem::path& shared) {
+  struct Source {
+    const char* file;
+    const char* name;
+    std::string dyes;
+  };
+  const std::vector<Source> sources = {{"data/peak-scanner/eaacmcat.txt", "AFLP", "BGY"},
+                                       {"data/genemapper/demo_samples_abi.txt", "T-RFLP", "BGY"},
+                                       {"data/genemapper/example_data.txt", "repeats", "B"}};
+  std::vector<Case> cases;
+  for (const Source& source : sources) {
+    const std::filesystem::path file = shared / source.file;
+    if (!std::filesystem::exists(file)) continue;
+    const auto table = host::import::readFiles({&file, 1});
+    for (const char letter : source.dyes)
+      cases.push_back(caseOfDye(source.name, table, host::import::dyeOf({&letter, 1}).value()));
+  }
+  return cases;
+}
+
+}  // namespace banddesk::bench

@@ -1,0 +1,41 @@
+// The cases on which rules of binning are compared: a grid of simulated studies whose truth is known, and
+// real tables where they are at hand. The grid was fixed before the host's rule was tuned.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "bench/binning_rules.h"
+#include "host/quality/replicates.h"
+
+namespace banddesk::bench {
+
+struct Case {
+  std::string name;
+  Pool pool;
+  std::size_t samples = 0;
+  std::vector<host::ReplicatePair> replicates;
+};
+
+/// Standard deviations in nt, in the middle of the size range, of what is measured about what is true: the
+/// peak's own noise and the lane's drift, in equal parts. At 500 nt it is 1.4 times as much, at 50 nt 0.6
+/// times.
+inline constexpr double kNoises[] = {0.05, 0.10, 0.15, 0.20, 0.25, 0.30, 0.35};
+/// Loci of a dye between 50 and 500 nt. A crowded dye of real AFLP has about 360, a thin one 90.
+inline constexpr std::size_t kDensities[] = {90, 180, 360, 720};
+inline constexpr std::size_t kRealDensity = 360;
+inline constexpr std::uint64_t kSeeds[] = {101, 202, 303, 404, 505};  // others may be asked for, as a trial
+
+/// The width that a user would choose who knows the noise: three standard deviations to each side, to a
+/// tenth, and nobody goes below half a nucleotide.
+double usualWidth(double noise);
+
+Case simulatedCase(double noise, std::size_t loci, std::uint64_t seed);
+
+/// One case for each dye of the real tables under the folder, sizes from 50 to 500 nt and heights from 50
+/// RFU, the replicates told by the ending b.
+std::vector<Case> realCases(const std::filesystem::path& shared);
+
+}  // namespace banddesk::bench

@@ -1,0 +1,157 @@
+// Compares rules of binning. Without arguments: the simulated grid at the width a user would choose, then the
+// real tables if they are found (BANDDESK_SHARED, or ../shared beside the source tree).
+//   binning_quality [--widths FACTOR] [--seed-offset N] [--details]
+//                   [--real-widths NT...] [--real-only | --simulated-only]
+// FACTOR multiplies the chosen widths of the grid; --details prints every figure of every cell of the grid.
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cstdlib>
+#include <fmt/format.h>
+#include <vector>
+
+#include "bench/binning_cases.h"
+#include "bench/binning_scores.h"
+
+namespace banddesk::bench {
+namespace {
+
+constexpr double kNearBest = 0.002;
+
+struct Score {
+  double rand = 0, split = 0, merged = 0, perCell = 0, singles = 0, jaccard = 0, bins = 0;
+};
+
+Score scoreOf(const Case& one, const BinNumbers& bins) {
+  const host::TableQuality table = tableQuality(one.pool, bins, one.samples, one.replicates);
+  const LocusShares loci = locusShares(one.pool, bins);
+  Score score{adjustedRandIndex(one.pool, bins),
+              loci.split,
+              loci.merged,
+              table.fragmentsPerFilledCell.value_or(0),
+              static_cast<double>(table.singleFragmentBins),
+              -1,
+              static_cast<double>(table.bins)};
+  if (table.replicates) score.jaccard = table.replicates->overall.jaccardError().value_or(-1);
+  return score;
+}
+
+void add(Score& sum, const Score& one) {
+  const double share = 1.0 / static_cast<double>(std::size(kSeeds));
+  for (double Score::*figure : {&Score::rand, &Score::split, &Score::merged, &Score::perCell, &Score::singles,
+                                &Score::jaccard, &Score::bins})
+    sum.*figure += share * (one.*figure);
+}
+
+/// The means over the seeds, by rule.
+std::vector<Score> scoresOfCell(const std::vector<Rule>& rules, double noise, std::size_t loci, double width,
+                                std::uint64_t seedOffset) {
+  std::vector<Score> scores(rules.size());
+  for (const std::uint64_t seed : kSeeds) {
+    const Case one = simulatedCase(noise, loci, seed + seedOffset);
+    for (std::size_t rule = 0; rule < rules.size(); ++rule)
+      add(scores[rule], scoreOf(one, rules[rule].bins(one.pool, width)));
+  }
+  return scores;
+}
+
+void printScore(const Rule& rule, const Score& score) {
+  fmt::print("  {:<17} {:7.4f} {:7.2f} {:7.2f} {:8.4f} {:7.1f} {:7.2f} {:6.1f}\n", rule.name, score.rand,
+             100 * score.split, 100 * score.merged, score.perCell, score.singles, 100 * score.jaccard,
+             score.bins);
+}
+
+struct GridOptions {
+  double widthFactor = 1;
+  std::uint64_t seedOffset = 0;
+  bool details = false;
+};
+
+struct Verdict {
+  std::size_t cells = 0, best = 0, worst = 0, realCells = 0, realBest = 0;
+};
+
+void judge(Verdict& verdict, const std::vector<Score>& scores, std::size_t loci) {
+  const auto [least, most] = std::ranges::minmax(scores, {}, &Score::rand);
+  const double ours = scores.back().rand;
+  const bool isBest = ours >= most.rand - kNearBest;
+  ++verdict.cells;
+  verdict.best += isBest ? 1 : 0;
+  verdict.worst += ours <= least.rand && least.rand < most.rand ? 1 : 0;
+  if (loci != kRealDensity) return;
+  ++verdict.realCells;
+  verdict.realBest += isBest ? 1 : 0;
+}
+
+void printGrid(const std::vector<Rule>& rules, const GridOptions& options) {
+  fmt::print("Simulated: adjusted Rand index, mean of {} seeds\n", std::size(kSeeds));
+  fmt::print("  loci noise width");
+  for (const Rule& rule : rules) fmt::print(" {:>16}", rule.name);
+  fmt::print("\n");
+  Verdict verdict;
+  for (const std::size_t loci : kDensities) {
+    for (const double noise : kNoises) {
+      const double width = usualWidth(noise) * options.widthFactor;
+      const std::vector<Score> scores = scoresOfCell(rules, noise, loci, width, options.seedOffset);
+      const double most = std::ranges::max(scores, {}, &Score::rand).rand;
+      fmt::print("  {:4} {:5.2f} {:5.2f}", loci, noise, width);
+      for (const Score& score : scores)
+        fmt::print(" {:>15.4f}{}", score.rand, score.rand >= most - kNearBest ? '*' : ' ');
+      fmt::print("\n");
+      judge(verdict, scores, loci);
+      if (!options.details) continue;
+      fmt::print("  {:<17}    Rand  split%  merge% per-cell singles Jaccard%  bins\n", "");
+      for (std::size_t rule = 0; rule < rules.size(); ++rule) printScore(rules[rule], scores[rule]);
+    }
+  }
+  fmt::print(
+      "* best, or within {} of it. {}: {} of {} cells, {} of {} at the density of real AFLP; worst in "
+      "{}.\n\n",
+      kNearBest, rules.back().name, verdict.best, verdict.cells, verdict.realBest, verdict.realCells,
+      verdict.worst);
+}
+
+void printReal(const std::vector<Rule>& rules, const std::vector<Case>& cases,
+               const std::vector<double>& widths) {
+  for (const Case& one : cases) {
+    fmt::print("{}: {} peaks, {} samples, {} pairs of replicates\n", one.name, one.pool.size(), one.samples,
+               one.replicates.size());
+    fmt::print("  {:<17} width   bins singles per-cell mean-width Jaccard%\n", "");
+    for (const double width : widths) {
+      for (const Rule& rule : rules) {
+        const BinNumbers bins = rule.bins(one.pool, width);
+        const Score score = scoreOf(one, bins);
+        const auto table = tableQuality(one.pool, bins, one.samples, one.replicates);
+        fmt::print("  {:<17} {:5.1f} {:6} {:7} {:8.4f} {:10.3f} {:>8}\n", rule.name, width, score.bins,
+                   score.singles, score.perCell, table.meanWidth.value_or(0),
+                   score.jaccard < 0 ? "-" : fmt::format("{:.2f}", 100 * score.jaccard));
+      }
+    }
+  }
+}
+
+std::filesystem::path sharedFolder() {
+  const char* given = std::getenv("BANDDESK_SHARED");
+  return given != nullptr ? given : std::filesystem::path(BANDDESK_SOURCE_DIR) / ".." / "shared";
+}
+
+}  // namespace
+}  // namespace banddesk::bench
+
+int main(int argc, char** argv) {
+  CLI::App app("Compares rules of binning");
+  banddesk::bench::GridOptions options;
+  std::vector<double> realWidths{1, 1.5, 2};
+  bool realOnly = false, simulatedOnly = false;
+  app.add_option("--widths", options.widthFactor, "Multiplies the widths of the simulated grid");
+  app.add_option("--seed-offset", options.seedOffset, "Added to the seeds: cases that no rule was tuned on");
+  app.add_flag("--details", options.details, "Every figure of every cell of the grid");
+  app.add_option("--real-widths", realWidths, "Maximum widths of a bin in nt for the real tables");
+  app.add_flag("--real-only", realOnly);
+  app.add_flag("--simulated-only", simulatedOnly);
+  CLI11_PARSE(app, argc, argv);
+
+  using namespace banddesk::bench;
+  const std::vector<Rule> rules = allRules();
+  if (!realOnly) printGrid(rules, options);
+  if (!simulatedOnly) printReal(rules, realCases(sharedFolder()), realWidths);
+}

@@ -1,0 +1,82 @@
+#include "bench/binning_scores.h"
+
+#include <algorithm>
+#include <cmath>
+#include <map>
+#include <utility>
+#include <vector>
+
+namespace banddesk::bench {
+namespace {
+
+double pairsOf(double count) { return count * (count - 1) / 2; }
+
+using Counts = std::map<std::int32_t, std::size_t>;
+
+/// By locus: how many of its peaks lie in which bin.
+std::map<std::int32_t, Counts> binsByLocus(const Pool& pool, const BinNumbers& bins) {
+  std::map<std::int32_t, Counts> found;
+  for (std::size_t i = 0; i < pool.size(); ++i) {
+    if (pool[i].locus >= 0) ++found[pool[i].locus][bins[i]];
+  }
+  return found;
+}
+
+}  // namespace
+
+double adjustedRandIndex(const Pool& pool, const BinNumbers& bins) {
+  double together = 0, sameLocus = 0, sameBin = 0;
+  for (const auto& [locus, counts] : binsByLocus(pool, bins)) {
+    std::size_t ofLocus = 0;
+    for (const auto& [bin, count] : counts) {
+      together += pairsOf(static_cast<double>(count));
+      ofLocus += count;
+    }
+    sameLocus += pairsOf(static_cast<double>(ofLocus));
+  }
+  Counts ofBin;
+  for (const std::int32_t bin : bins) ++ofBin[bin];
+  for (const auto& [bin, count] : ofBin) sameBin += pairsOf(static_cast<double>(count));
+  const double expected = sameLocus * sameBin / pairsOf(static_cast<double>(pool.size()));
+  const double most = (sameLocus + sameBin) / 2;
+  return most == expected ? 1 : (together - expected) / (most - expected);
+}
+
+LocusShares locusShares(const Pool& pool, const BinNumbers& bins) {
+  double loci = 0, split = 0;
+  std::map<std::int32_t, std::size_t> lociByMainBin;
+  for (const auto& [locus, counts] : binsByLocus(pool, bins)) {
+    std::size_t all = 0;
+    auto main = counts.begin();
+    for (auto bin = counts.begin(); bin != counts.end(); ++bin) {
+      all += bin->second;
+      if (bin->second > main->second) main = bin;
+    }
+    if (all < 2) continue;
+    ++loci;
+    ++lociByMainBin[main->first];
+    const std::size_t outside = all - main->second;
+    if (outside >= 2 && outside * 10 >= all) ++split;
+  }
+  double merged = 0;
+  for (const auto& [bin, count] : lociByMainBin) merged += count > 1 ? static_cast<double>(count) : 0;
+  return loci == 0 ? LocusShares{} : LocusShares{split / loci, merged / loci};
+}
+
+host::TableQuality tableQuality(const Pool& pool, const BinNumbers& bins, std::size_t samples,
+                                std::span<const host::ReplicatePair> replicates) {
+  std::vector<host::BinExtent> extents;
+  std::vector<std::int32_t> counts;
+  for (std::size_t i = 0; i < pool.size(); ++i) {
+    const auto bin = static_cast<std::size_t>(bins[i]);
+    if (bin == extents.size()) {
+      extents.push_back({pool[i].size, pool[i].size});
+      counts.resize(counts.size() + samples, 0);
+    }
+    extents[bin].xMax = pool[i].size;
+    ++counts[bin * samples + static_cast<std::size_t>(pool[i].sample)];
+  }
+  return host::qualityOf({counts, extents, samples}, replicates);
+}
+
+}  // namespace banddesk::bench

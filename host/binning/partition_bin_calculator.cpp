@@ -1,0 +1,167 @@
+#include "host/binning/partition_bin_calculator.h"
+
+#include <algorithm>
+#include <cmath>
+#include <span>
+#include <tuple>
+
+#include "host/binning/crowding.h"
+#include "host/binning/partition_search.h"
+#include "host/binning/sizing_error.h"
+#include "plugin/base/error.h"
+#include "plugin/base/numbers.h"
+
+namespace banddesk::host {
+namespace {
+
+// In units of log-likelihood; docs/binning.md says why these.
+constexpr double kBinCost = 5;
+constexpr double kRepeatCost = 8;
+constexpr double kCrowdingCost = 2;
+
+// Sums of whole numbers below this are exact, in whatever order.
+constexpr double kWholeLimit = 1e9;
+
+}  // namespace
+
+void PartitionBinCalculator::AddFragments(std::int32_t resultIndex, std::int32_t,
+                                          const FragmentTable& fragments, std::int16_t dye, std::int32_t,
+                                          std::int32_t) {
+  if (resultIndex < 0) {
+    raise(ErrorNumber::SubscriptOutOfRange, "BinCalculator",
+          "There is no result index " + integerText(resultIndex) + ".");
+  }
+  const DyeFragments given = fragments.OfDye(dye);
+  if (given.sizes.size() != given.heights.size()) {
+    raise(ErrorNumber::InvalidArgument, "BinCalculator",
+          "The fragments of a dye have different numbers of sizes and heights.");
+  }
+  resultCount_ = std::max(resultCount_, resultIndex + 1);
+  for (std::size_t i = 0; i < given.sizes.size(); ++i) {
+    const double size = given.sizes[i];
+    const double height = given.heights[i];
+    if (!std::isfinite(size) || !std::isfinite(height)) continue;
+    fragments_.push_back({size, height, resultIndex});
+    heightsAreWhole_ = heightsAreWhole_ && std::abs(height) < kWholeLimit && std::trunc(height) == height;
+    isSorted_ = false;
+  }
+}
+
+void PartitionBinCalculator::Calculate() {
+  bins_.clear();
+  calculatedThreshold_ = yThreshold_;
+  sortFragments();
+  const std::vector<SizeGroup> groups = groupSizes();
+  if (groups.empty()) return;
+  const std::vector<std::uint32_t> begins = binBegins(groups);
+  std::vector<std::int32_t> lastBinOfResult(static_cast<std::size_t>(resultCount_), -1);
+  bins_.reserve(begins.size());
+  for (std::size_t i = 0; i < begins.size(); ++i) {
+    const bool isLast = i + 1 == begins.size();
+    addBin(groups[begins[i]], isLast ? fragments_.size() : groups[begins[i + 1]].begin, lastBinOfResult);
+  }
+}
+
+void PartitionBinCalculator::sortFragments() {
+  if (isSorted_) return;
+  sortBySize(fragments_);
+  fragments_.shrink_to_fit();
+  isSorted_ = true;
+  if (heightsAreWhole_) return;
+  // Sums of heights must come out the same however the fragments came.
+  const auto byHeight = [](const Fragment& a, const Fragment& b) { return a.height < b.height; };
+  for (auto begin = fragments_.begin(); begin != fragments_.end();) {
+    const auto isLarger = [&](const Fragment& fragment) { return fragment.size != begin->size; };
+    const auto end = std::find_if(begin + 1, fragments_.end(), isLarger);
+    std::sort(begin, end, byHeight);
+    begin = end;
+  }
+}
+
+std::vector<SizeGroup> PartitionBinCalculator::groupSizes() const {
+  SizeGrouping grouping(maxBinWidth_);
+  for (std::size_t i = 0; i < fragments_.size(); ++i) {
+    if (qualifies(fragments_[i])) grouping.add(fragments_[i].size, i);
+  }
+  return grouping.take();
+}
+
+std::vector<std::uint32_t> PartitionBinCalculator::binBegins(const std::vector<SizeGroup>& groups) const {
+  const SizingError error(groups, maxBinWidth_);
+  Crowding crowding(groups);
+  PartitionSearch search({.bin = kBinCost, .repeat = kRepeatCost, .maxWidth = maxBinWidth_});
+  constexpr std::uint32_t kNone = UINT32_MAX;
+  std::vector<std::uint32_t> lastGroupOfResult(static_cast<std::size_t>(resultCount_), kNone);
+  std::vector<std::uint32_t> earlier;
+  double position = 0;
+  for (std::uint32_t number = 0; number < groups.size(); ++number) {
+    const SizeGroup& group = groups[number];
+    double opening = 0;
+    if (number > 0) {
+      const double cut = (groups[number - 1].largest + group.least) / 2;
+      const double sigma = error.at(cut);
+      if (sigma > 0) position += (group.least - groups[number - 1].least) / sigma;
+      opening = kCrowdingCost * crowding.before(number, cut, sigma);
+    }
+    earlier.clear();
+    const std::size_t end = number + 1 < groups.size() ? groups[number + 1].begin : fragments_.size();
+    for (std::size_t i = group.begin; i < end; ++i) {
+      if (!qualifies(fragments_[i])) continue;
+      std::uint32_t& last = lastGroupOfResult[static_cast<std::size_t>(fragments_[i].result)];
+      if (last != kNone) earlier.push_back(last);
+      last = number;
+    }
+    search.add(group, position, opening, earlier);
+  }
+  return search.binBegins();
+}
+
+void PartitionBinCalculator::addBin(const SizeGroup& first, std::size_t end,
+                                    std::vector<std::int32_t>& lastBinOfResult) {
+  Bin bin{};
+  bin.begin = first.begin;
+  bin.end = end;
+  bin.xMin = first.least;
+  const std::int32_t number = BinCount();
+  double deviations = 0, squares = 0, heights = 0;  // deviations from xMin: small numbers lose little
+  for (std::size_t i = bin.begin; i < bin.end; ++i) {
+    const Fragment& fragment = fragments_[i];
+    if (!qualifies(fragment)) continue;
+    bin.xMax = fragment.size;
+    ++bin.fragmentCount;
+    const double deviation = fragment.size - bin.xMin;
+    deviations += deviation;
+    squares += deviation * deviation;
+    heights += fragment.height;
+    std::int32_t& lastBin = lastBinOfResult[static_cast<std::size_t>(fragment.result)];
+    if (lastBin != number) ++bin.sampleCount;
+    lastBin = number;
+  }
+  const double mean = deviations / bin.fragmentCount;
+  bin.xMean = std::clamp(bin.xMin + mean, bin.xMin, bin.xMax);
+  bin.xVariance = std::max(0.0, squares / bin.fragmentCount - mean * mean);
+  bin.yMean = heights / bin.fragmentCount;
+  bins_.push_back(bin);
+}
+
+void PartitionBinCalculator::GetResultData(std::int32_t bin, std::vector<std::int32_t>& counts,
+                                           std::vector<double>& heights) const {
+  const Bin& wanted = at(bin);
+  counts.assign(static_cast<std::size_t>(resultCount_), 0);
+  heights.assign(static_cast<std::size_t>(resultCount_), 0.0);
+  for (std::size_t i = wanted.begin; i < wanted.end; ++i) {
+    const Fragment& fragment = fragments_[i];
+    if (!qualifies(fragment)) continue;
+    const auto result = static_cast<std::size_t>(fragment.result);
+    heights[result] = counts[result]++ == 0 ? fragment.height : std::max(heights[result], fragment.height);
+  }
+}
+
+const PartitionBinCalculator::Bin& PartitionBinCalculator::at(std::int32_t bin) const {
+  if (bin < 0 || bin >= BinCount()) {
+    raise(ErrorNumber::SubscriptOutOfRange, "BinCalculator", "There is no bin " + integerText(bin) + ".");
+  }
+  return bins_[static_cast<std::size_t>(bin)];
+}
+
+}  // namespace banddesk::host

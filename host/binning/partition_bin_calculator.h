@@ -1,0 +1,62 @@
+// The bin calculator that parts the fragments of one dye as cheaply as can be, by a cost that weighs how far
+// the sizes of a bin spread, how many fragments of one sample share it, and how crowded the place of each cut
+// is. docs/binning.md tells the rule and why. The bins depend on the fragments alone, not on the order in
+// which they or their samples came.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "host/binning/fragment_sort.h"
+#include "host/binning/size_groups.h"
+#include "plugin/analysis/bin_calculator.h"
+
+namespace banddesk::host {
+
+class PartitionBinCalculator final : public BinCalculator {
+ public:
+  void SetMaxBinWidth(double nt) override { maxBinWidth_ = nt; }
+  void SetYThreshold(double rfu) override { yThreshold_ = rfu; }
+  /// A fragment whose size or height is not a finite number is left out.
+  void AddFragments(std::int32_t resultIndex, std::int32_t, const FragmentTable& fragments, std::int16_t dye,
+                    std::int32_t, std::int32_t) override;
+  void Calculate() override;
+
+  std::int32_t BinCount() const override { return static_cast<std::int32_t>(bins_.size()); }
+  std::int32_t SampleCount(std::int32_t bin) const override { return at(bin).sampleCount; }
+  std::int32_t FragmentCount(std::int32_t bin) const override { return at(bin).fragmentCount; }
+  double XMin(std::int32_t bin) const override { return at(bin).xMin; }
+  double XMax(std::int32_t bin) const override { return at(bin).xMax; }
+  double XMean(std::int32_t bin) const override { return at(bin).xMean; }
+  double XVariance(std::int32_t bin) const override { return at(bin).xVariance; }
+  double YMean(std::int32_t bin) const override { return at(bin).yMean; }
+  void GetResultData(std::int32_t bin, std::vector<std::int32_t>& counts,
+                     std::vector<double>& heights) const override;
+
+ private:
+  // A bin is a slice of the sorted fragments; those in it that do not count are passed over.
+  struct Bin {
+    std::size_t begin, end;
+    double xMin, xMax, xMean, xVariance, yMean;
+    std::int32_t sampleCount, fragmentCount;
+  };
+
+  const Bin& at(std::int32_t bin) const;
+  bool qualifies(const Fragment& fragment) const { return fragment.height >= calculatedThreshold_; }
+  void sortFragments();
+  std::vector<SizeGroup> groupSizes() const;
+  std::vector<std::uint32_t> binBegins(const std::vector<SizeGroup>& groups) const;
+  void addBin(const SizeGroup& first, std::size_t end, std::vector<std::int32_t>& lastBinOfResult);
+
+  double maxBinWidth_ = 1;
+  double yThreshold_ = 0;
+  double calculatedThreshold_ = 0;  // the one that the present bins were made with
+  std::int32_t resultCount_ = 0;
+  bool isSorted_ = true;
+  bool heightsAreWhole_ = true;
+  std::vector<Fragment> fragments_;
+  std::vector<Bin> bins_;
+};
+
+}  // namespace banddesk::host

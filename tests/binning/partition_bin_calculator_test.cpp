@@ -1,0 +1,121 @@
+#include "host/binning/partition_bin_calculator.h"
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <gtest/gtest.h>
+#include <rapidcheck/gtest.h>
+
+#include "host/binning/fragment_sort.h"
+#include "host/binning/sizing_error.h"
+#include "tests/binning/calculator_facts.h"
+
+namespace banddesk::host {
+namespace {
+
+// As many sizes as there are samples, spread as a normal distribution would spread them, in a mixed order.
+std::vector<double> spread(double mean, double sigma, std::size_t samples) {
+  std::vector<double> sizes(samples);
+  for (std::size_t i = 0; i < samples; ++i) {
+    const double share = (static_cast<double>(i * 7 % samples) + 0.5) / static_cast<double>(samples);
+    sizes[i] = mean + sigma * 0.5513 * std::log(share / (1 - share));  // the logistic of that deviation
+  }
+  return sizes;
+}
+
+Peaks peaksOf(const std::vector<std::vector<double>>& loci) {
+  Peaks peaks;
+  for (const auto& sizes : loci) {
+    for (std::size_t i = 0; i < sizes.size(); ++i)
+      peaks.push_back({static_cast<std::int32_t>(i), sizes[i], 100});
+  }
+  return peaks;
+}
+
+std::int32_t binCount(const Peaks& peaks, double width) {
+  PartitionBinCalculator calculator;
+  add(calculator, peaks);
+  calculate(calculator, width, 0);
+  return calculator.BinCount();
+}
+
+TEST(PartitionBins, KeepOneFragmentTogetherAndTellTwoApart) {
+  EXPECT_EQ(binCount(peaksOf({spread(200, 0.2, 41)}), 1.5), 1) << "spread, but one";
+  EXPECT_EQ(binCount(peaksOf({spread(200, 0.1, 41), spread(201, 0.1, 41)}), 1.5), 2) << "a gap between";
+  Peaks peaks = peaksOf({spread(200, 0.15, 41), spread(200.6, 0.15, 41)});
+  EXPECT_EQ(binCount(peaks, 2), 2) << "two in each sample";
+  for (std::size_t i = 41; i < peaks.size(); ++i) peaks[i].result += 41;
+  EXPECT_EQ(binCount(peaks, 2), 1) << "the same sizes, but never two in a sample";
+}
+
+// The names of the samples say nothing: numbering them otherwise permutes the tables and changes nothing
+// else.
+RC_GTEST_PROP(PartitionBins, DoNotDependOnTheOrderOfTheSamples, ()) {
+  constexpr std::int32_t kSamples = 7;
+  Peaks peaks, renumbered;
+  for (const int drawn : *rc::gen::container<std::vector<int>>(rc::gen::inRange(0, 4000))) {
+    const double size = 100 + drawn / 7 * 0.01;
+    peaks.push_back({drawn % kSamples, size, drawn / 10.0});
+    renumbered.push_back({kSamples - 1 - drawn % kSamples, size, drawn / 10.0});
+  }
+  PartitionBinCalculator calculator, other;
+  const Peaks last = {{kSamples - 1, 900, 100}};  // so that the tables are of one size
+  const Peaks first = {{0, 900, 100}};
+  for (const Peaks& some : {peaks, last, first}) add(calculator, some);
+  for (const Peaks& some : {renumbered, first, last}) add(other, some);
+  calculate(calculator, 1, 0);
+  calculate(other, 1, 0);
+  auto facts = factsOf(other);
+  for (BinFacts& bin : facts) {
+    std::ranges::reverse(bin.counts);
+    std::ranges::reverse(bin.heights);
+  }
+  RC_ASSERT(factsOf(calculator) == facts);
+}
+
+TEST(PartitionBins, TakeASpanAsItIsTyped) {
+  for (int hundredths = 5000; hundredths <= 50000; ++hundredths) {
+    ASSERT_FALSE(isWider(hundredths / 100.0, (hundredths + 100) / 100.0, 1)) << hundredths;
+    ASSERT_TRUE(isWider(hundredths / 100.0, (hundredths + 101) / 100.0, 1)) << hundredths;
+  }
+}
+
+TEST(PartitionBins, OfSizesBeyondAllReasonAreStillNotTooWide) {
+  EXPECT_EQ(binCount({{0, -1e300, 1}, {1, -1e300, 1}, {0, 1e300, 1}, {1, 1.7e308, 1}, {2, -1.7e308, 1}}, 1),
+            4);
+}
+
+TEST(SizingError, FollowsTheDataBetweenASixthAndAQuarterOfTheWidth) {
+  constexpr double kWidth = 1.2;
+  for (const double sigma : {0.05, 0.25, 0.6}) {
+    SizeGrouping grouping(kWidth);
+    std::vector<double> sizes;
+    for (double locus = 60; locus < 480; locus += 5) {
+      const double grown = locus < 200 ? sigma : sigma * 1.1;
+      std::ranges::copy(spread(locus, grown, 61), std::back_inserter(sizes));
+    }
+    std::ranges::sort(sizes);
+    for (const double size : sizes) grouping.add(size, 0);
+    const SizingError error(grouping.take(), kWidth);
+    EXPECT_NEAR(error.at(60), std::clamp(sigma, kWidth / 6, kWidth / 4), 0.03) << sigma;
+    EXPECT_NEAR(error.at(480), std::clamp(sigma * 1.1, kWidth / 6, kWidth / 4), 0.03) << sigma;
+    EXPECT_LE(error.at(60), error.at(480));
+  }
+}
+
+RC_GTEST_PROP(SortingFragments, IsAStableSortOfAnySizes, ()) {
+  const bool isTyped = *rc::gen::arbitrary<bool>();  // whole hundredths, which are sorted in their own way
+  std::vector<Fragment> fragments;
+  for (const auto bits : *rc::gen::arbitrary<std::vector<std::int64_t>>()) {
+    const double any = std::bit_cast<double>(bits % 3 == 0 ? std::bit_cast<std::int64_t>(-0.0) : bits);
+    const double size = isTyped ? static_cast<double>(bits % 2000) / 100 : any;
+    if (std::isfinite(size)) fragments.push_back({size, 0, static_cast<std::int32_t>(fragments.size())});
+  }
+  std::vector<Fragment> expected = fragments;
+  std::ranges::stable_sort(expected, {}, &Fragment::size);
+  sortBySize(fragments);
+  for (std::size_t i = 0; i < expected.size(); ++i) RC_ASSERT(fragments[i].result == expected[i].result);
+}
+
+}  // namespace
+}  // namespace banddesk::host
