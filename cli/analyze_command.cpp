@@ -8,6 +8,7 @@
 #include "cli/matrix_file.h"
 #include "cli/output_file.h"
 #include "cli/progress_line.h"
+#include "cli/say.h"
 #include "cli/session.h"
 #include "cli/study_analysis.h"
 #include "cli/summary.h"
@@ -27,35 +28,58 @@ std::string dyeLetters(const host::TableImport& imported) {
   return letters;
 }
 
+// A dye that nobody has was not meant: most likely the size standard's is another.
+void requireLadder(const AnalyzeArguments& arguments, const host::import::Report& report) {
+  if (!arguments.ladder) return;
+  for (const auto& file : report.files) {
+    for (const auto& left : file.leftOut) {
+      if (left.reason == "size standard") return;
+    }
+  }
+  raise(ErrorNumber::InvalidArgument, "Analyze",
+        fmt::format("--ladder: no row has the dye {}", host::import::letterOf(*arguments.ladder)));
+}
+
 host::TableImport readTables(const AnalyzeArguments& arguments, ProgressLine& bar) {
   bar.begin("Reading");
   auto table = host::import::readFiles(arguments.files, {arguments.ladder}, [&](auto done, auto total) {
     bar.show(total == 0 ? 0 : static_cast<double>(done) / static_cast<double>(total));
   });
   bar.clear();
-  fmt::print("{}", host::import::reportText(table.report));
+  say(host::import::reportText(table.report));
+  requireLadder(arguments, table.report);
   return host::importTable(std::move(table));
 }
 
 }  // namespace
 
+std::vector<std::filesystem::path> pathsOf(const Outputs& outputs) {
+  std::vector<std::filesystem::path> paths;
+  for (const auto* path : {&outputs.csv, &outputs.nts, &outputs.matrix, &outputs.json, &outputs.xlsx}) {
+    if (*path) paths.push_back(**path);
+  }
+  return paths;
+}
+
 // The spreadsheet rebuilds the table, so it comes last: no other output misses a decision.
 void writeOutputs(const Outputs& outputs, Session& session, const std::string& dyes) {
-  if (outputs.csv) session.exportCsv(*outputs.csv);
-  if (outputs.nts) session.exportNts(*outputs.nts);
-  if (outputs.matrix) {
-    writeWholeText(*outputs.matrix, [&](std::ostream& out) { writeMatrix(out, session); });
-  }
+  using std::filesystem::path;
+  OutputFiles files;
+  if (outputs.csv) files.write(*outputs.csv, [&](const path& target) { session.exportCsv(target); });
+  if (outputs.nts) files.write(*outputs.nts, [&](const path& target) { session.exportNts(target); });
+  if (outputs.matrix) files.writeText(*outputs.matrix, [&](std::ostream& out) { writeMatrix(out, session); });
   if (outputs.json) {
-    writeWholeText(*outputs.json,
-                   [&](std::ostream& out) { writeJson(out, session, session.study().Name, dyes); });
+    files.writeText(*outputs.json,
+                    [&](std::ostream& out) { writeJson(out, session, session.study().Name, dyes); });
   }
-  if (outputs.xlsx) session.exportXlsx(*outputs.xlsx);
+  if (outputs.xlsx) files.writeFile(*outputs.xlsx, [&](const path& target) { session.exportXlsx(target); });
+  files.commit();
 }
 
 std::string printedHead(const Session& session) { return tableHead(session, kHeadRows, kHeadColumns); }
 
 void runAnalyze(const AnalyzeArguments& arguments) {
+  requireDistinct(pathsOf(arguments.outputs), arguments.files);
   if (isStudyFile(arguments.files.front())) {
     runStudyAnalysis(arguments);
     return;
@@ -67,8 +91,8 @@ void runAnalyze(const AnalyzeArguments& arguments) {
   host::TableImport imported = readTables(arguments, bar);
   const std::string dyes = dyeLetters(imported);
   if (imported.leftOver) {
-    fmt::print("the dye {} has no place beside four others and was left out\n",
-               host::import::letterOf(*imported.leftOver));
+    say("the dye {} has no place beside four others and was left out\n",
+        host::import::letterOf(*imported.leftOver));
   }
   const std::string studyName = arguments.files.front().stem().string();
 
@@ -84,8 +108,8 @@ void runAnalyze(const AnalyzeArguments& arguments) {
   bar.clear();
 
   const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - started;
-  if (!head.empty()) fmt::print("\n{}\n", head);
-  fmt::print("{}time: {:.2f} s\n", summary, taken.count());
+  if (!head.empty()) say("\n{}\n", head);
+  say("{}time: {:.2f} s\n", summary, taken.count());
 }
 
 }  // namespace banddesk::cli

@@ -31,6 +31,7 @@ class Session;
 // The options that name outputs, and the writing of those that were given; `dyes` are the letters of the four
 // slots. What is unsaved must be saved before.
 void addOutputOptions(CLI::App& command, Outputs& outputs);
+std::vector<std::filesystem::path> pathsOf(const Outputs& outputs);
 void writeOutputs(const Outputs& outputs, Session& session, const std::string& dyes);
 // The first lines of the table, for --head.
 std::string printedHead(const Session& session);

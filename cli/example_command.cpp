@@ -6,6 +6,7 @@
 
 #include "cli/analyze_command.h"
 #include "cli/output_file.h"
+#include "cli/say.h"
 #include "host/simulation/peak_table_writer.h"
 #include "host/simulation/simulator.h"
 #include "plugin/base/error.h"
@@ -38,11 +39,18 @@ CLI::App& addExampleCommand(CLI::App& app, ExampleArguments& arguments) {
 
 void runExample(const ExampleArguments& arguments) {
   std::error_code trouble;
+  const fs::path mark = arguments.out / ".banddesk-example";
+  if (fs::exists(arguments.out, trouble) && !fs::exists(mark, trouble) &&
+      !(fs::is_directory(arguments.out, trouble) && fs::is_empty(arguments.out, trouble))) {
+    raise(ErrorNumber::InvalidArgument, "Example",
+          fmt::format("{}: something else is there already; name a new folder", arguments.out.string()));
+  }
   fs::create_directories(arguments.out, trouble);
   if (trouble) {
     raise(ErrorNumber::PathNotFound, "Example",
           fmt::format("{}: {}", arguments.out.string(), trouble.message()));
   }
+  writeWholeText(mark, [](std::ostream& out) { out << "Made by banddesk example, which may replace it.\n"; });
   AnalyzeArguments analyze;
   const fs::path table = arguments.out / "peaks.txt";
   writeExampleTable(table, arguments.seed);
@@ -57,8 +65,7 @@ void runExample(const ExampleArguments& arguments) {
   analyze.printHead = true;
   runAnalyze(analyze);
   const Outputs& made = analyze.outputs;
-  fmt::print(
-      "\nThe simulated peak table: {}\nIts AFLP table:           {}\nas a spreadsheet:         {}\n"
+  say("\nThe simulated peak table: {}\nIts AFLP table:           {}\nas a spreadsheet:         {}\n"
       "for NTSYSpc:              {}\nfor statistics:           {}\nThe analysis as JSON:     {}\n",
       table.string(), made.csv->string(), made.xlsx->string(), made.nts->string(), made.matrix->string(),
       made.json->string());

@@ -72,7 +72,9 @@ ordered_json sampleJson(const SampleReading& sample) {
 void writeJson(std::ostream& out, const Session& session, const std::string& studyName,
                const std::string& dyes) {
   const AnalysisView view = session.page().Analysis();
-  out << "{\n\"parameters\": " << parameters(session, studyName).dump() << ",\n\"samples\": [";
+  out << "{\n\"parameters\": "
+      << parameters(session, studyName).dump(-1, ' ', false, ordered_json::error_handler_t::replace)
+      << ",\n\"samples\": [";
   const char* separator = "\n";
   for (const SampleReading& sample : readSamples(session)) {
     out << separator << sampleJson(sample).dump(-1, ' ', false, ordered_json::error_handler_t::replace);

@@ -2,6 +2,7 @@
 // error.
 #include <CLI/CLI.hpp>
 #include <clocale>
+#include <csignal>
 #include <cstdio>
 #include <exception>
 #include <fmt/format.h>
@@ -29,6 +30,7 @@ int run(int argc, char** argv) {
   using namespace banddesk::cli;
   CLI::App app{"Banddesk makes AFLP tables from the fragments of many samples.", "banddesk"};
   app.require_subcommand(1);
+  app.set_version_flag("--version", "banddesk " BANDDESK_VERSION);
   app.footer("Each command explains itself: banddesk analyze --help");
   AnalyzeArguments analyze;
   ExampleArguments example;
@@ -56,6 +58,8 @@ int run(int argc, char** argv) {
 int main(int argc, char** argv) {
   // The character set of exported text follows the user's locale; numbers never do.
   std::setlocale(LC_CTYPE, "");
+  // A reader of standard output who goes away must not end the writing of files.
+  std::signal(SIGPIPE, SIG_IGN);
   try {
     return run(argc, argv);
   } catch (const banddesk::Error& error) {

@@ -1,11 +1,12 @@
 #include "cli/session.h"
 
+#include <algorithm>
 #include <fmt/format.h>
 #include <utility>
 
-#include "cli/output_file.h"
 #include "cli/table_reading.h"
 #include "host/store/memory_store.h"
+#include "plugin/base/numbers.h"
 #include "plugin/base/text.h"
 
 namespace banddesk::cli {
@@ -35,13 +36,15 @@ void Session::openStudy(const std::string& name, std::vector<host::NewResult> re
   openStudy(std::make_shared<host::MemoryStore>(name, std::move(results)));
 }
 
-// The box that the page has marked says which value it is.
-void Session::raiseRefused(const ui::ControlSet& controls, const AnalysisRequest& request) {
-  const bool isWidth = control<ui::TextBox>(controls, "txtMaxBinWidth").BackColor == ui::kYellow;
+// Names the value that the pages refused.
+void Session::raiseRefused(const AnalysisRequest& request) {
+  const double width = leadingNumber(request.maxBinWidth);
+  const bool widthIsGood = isNumeric(request.maxBinWidth) && width >= 0.05 && width <= 10;
   const std::string message =
-      isWidth
-          ? fmt::format("--max-bin-width: \"{}\" is not a number from 0.05 to 10 (nt)", request.maxBinWidth)
-          : fmt::format("--y-threshold: \"{}\" is not a number of 0 or more (RFU)", request.yThreshold);
+      widthIsGood
+          ? fmt::format("--y-threshold: \"{}\" is not a number from 0 to 2147483647 (RFU)",
+                        request.yThreshold)
+          : fmt::format("--max-bin-width: \"{}\" is not a number from 0.05 to 10 (nt)", request.maxBinWidth);
   raise(ErrorNumber::InvalidArgument, "Session", message);
 }
 
@@ -57,7 +60,14 @@ void Session::analyze(const AnalysisRequest& request) {
   const auto parameters = openPage("AFLPParams");
   analysis_ = cast<AFLP>(parameters->bound(), "AFLP");
   host_.pages().userEvent(*parameters, [&] { fillParameters(parameters->control()->Controls(), request); });
-  if (!host_.pages().end(parameters, true)) raiseRefused(parameters->control()->Controls(), request);
+  bool accepted = false;
+  try {
+    accepted = host_.pages().end(parameters, true);
+  } catch (const Error& error) {
+    // What the boxes let pass and the strict reading does not: "1,5", "1.5abc", a threshold of 1e99.
+    if (error.number() != ErrorNumber::TypeMismatch && error.number() != ErrorNumber::Overflow) throw;
+  }
+  if (!accepted) raiseRefused(request);
   takePage();
   chooseView(request);
 }
@@ -122,7 +132,7 @@ void Session::excludeBin(const std::string& key) {
     const std::string number = fmt::format("D{}-{}", bin.dye + 1, bin.number);
     if (bin.key == key) found.assign(1, bin);
     if (bin.key == key) break;
-    if (number == key) found.push_back(bin);
+    if (number == key || fmt::format("D{}_{}", bin.dye + 1, bin.meanText) == key) found.push_back(bin);
   }
   if (found.size() != 1) {
     raise(ErrorNumber::InvalidArgument, "Session",
@@ -134,21 +144,45 @@ void Session::excludeBin(const std::string& key) {
   if (!found.front().isSuppressed()) chooseFromMenu(found.front().row, 1, "mnuExcludeBin");
 }
 
-void Session::sortBy(const std::string& column) {
-  constexpr std::string_view kDescending = ":desc";
-  const bool descending = column.ends_with(kDescending);
-  const std::string name = descending ? column.substr(0, column.size() - kDescending.size()) : column;
+namespace {
+
+// How well a name fits a column: 3 the exact header or sample name, 2 but for its case, 1 the key, 0 not.
+int fit(const std::string& key, const GridColumn& column, const std::string& name) {
+  const std::string& shown = key.starts_with('-') ? column.ToolTip.get() : column.Header.get();
+  if (shown == name) return 3;
+  if (equalsIgnoringCase(shown, name)) return 2;
+  return key == name ? 1 : 0;
+}
+
+}  // namespace
+
+// The column that a name fits best; 0 if it fits none, an error if it fits several as well.
+std::int32_t Session::columnNamed(const std::string& name) const {
+  int best = 0;
+  std::vector<std::int32_t> found;
   for (std::int32_t col = 1; col <= page_->NumCols(); ++col) {
     const std::string key = page_->Key(col);
-    const auto& entry = page_->ColumnSet(key)->Columns.Item(key);
-    const bool isSample = key.starts_with('-');
-    if (key != name && !equalsIgnoringCase(isSample ? entry->ToolTip.get() : entry->Header.get(), name))
-      continue;
-    act([&] { page_->SortCol(col); });
-    if (descending) act([&] { page_->SortCol(col); });
-    return;
+    const int quality = fit(key, *page_->ColumnSet(key)->Columns.Item(key), name);
+    if (quality > best) found.clear();
+    if (quality > 0 && quality >= best) found.push_back(col);
+    best = std::max(best, quality);
   }
-  raise(ErrorNumber::InvalidArgument, "Session", fmt::format("--sort: there is no column \"{}\"", name));
+  if (found.size() > 1)
+    raise(ErrorNumber::InvalidArgument, "Session",
+          fmt::format("--sort: {} columns are named \"{}\"", found.size(), name));
+  return found.empty() ? 0 : found.front();
+}
+
+void Session::sortBy(const std::string& column) {
+  constexpr std::string_view kDescending = ":desc";
+  std::int32_t col = columnNamed(column);
+  const bool descending = col == 0 && column.ends_with(kDescending);
+  const std::string name = descending ? column.substr(0, column.size() - kDescending.size()) : column;
+  if (descending) col = columnNamed(name);
+  if (col == 0)
+    raise(ErrorNumber::InvalidArgument, "Session", fmt::format("--sort: there is no column \"{}\"", name));
+  act([&] { page_->SortCol(col); });
+  if (descending) act([&] { page_->SortCol(col); });
 }
 
 void Session::save() {
@@ -175,19 +209,15 @@ void Session::exportCsv(const std::filesystem::path& path) { exportBy(path, kCsv
 
 void Session::exportNts(const std::filesystem::path& path) { exportBy(path, kNtsType); }
 
-void Session::exportXlsx(const std::filesystem::path& path) {
-  writeWhole(path, [&](const std::filesystem::path& target) { page_->ExportExcel(target.string()); });
-}
+void Session::exportXlsx(const std::filesystem::path& path) { page_->ExportExcel(path.string()); }
 
 void Session::exportBy(const std::filesystem::path& path, std::int32_t filterIndex) {
-  writeWhole(path, [&](const std::filesystem::path& target) {
-    host_.platform().saveAnswers.push_back(host::SaveAnswer{target.string(), filterIndex});
-    const std::size_t messagesBefore = host_.platform().messages().size();
-    page_->Export();
-    if (host_.platform().messages().size() > messagesBefore) {
-      raise(ErrorNumber::PermissionDenied, "Export", "it cannot be written: permission denied");
-    }
-  });
+  host_.platform().saveAnswers.push_back(host::SaveAnswer{path.string(), filterIndex});
+  const std::size_t messagesBefore = host_.platform().messages().size();
+  page_->Export();
+  if (host_.platform().messages().size() > messagesBefore) {
+    raise(ErrorNumber::PermissionDenied, "Export", "it cannot be written: permission denied");
+  }
 }
 
 }  // namespace banddesk::cli

@@ -39,8 +39,8 @@ class Session {
   // The study's save, with all that is unsaved.
   void save();
 
-  // Each writes a whole file or raises an Error that names it. The spreadsheet rebuilds the table, and
-  // decisions about bins go with that: it comes last, after a save.
+  // Each writes one file; a failure may leave a part of it. The spreadsheet rebuilds the table, and decisions
+  // about bins go with that: it comes last, after a save.
   void exportCsv(const std::filesystem::path& path);
   void exportNts(const std::filesystem::path& path);
   void exportXlsx(const std::filesystem::path& path);
@@ -60,7 +60,8 @@ class Session {
   void decide(const AnalysisRequest& request);
   void takePage();
   void fillBox(const char* box, const std::string& text, const AnalysisRequest& request);
-  [[noreturn]] static void raiseRefused(const ui::ControlSet& controls, const AnalysisRequest& request);
+  [[noreturn]] static void raiseRefused(const AnalysisRequest& request);
+  std::int32_t columnNamed(const std::string& name) const;
   void act(const std::function<void()>& action);
   void chooseFromMenu(std::int32_t row, std::int32_t col, const char* item);
   void exportBy(const std::filesystem::path& path, std::int32_t filterIndex);

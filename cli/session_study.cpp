@@ -56,7 +56,7 @@ void Session::fillBox(const char* box, const std::string& text, const AnalysisRe
   filled.Text = text;
   const bool isValid = filled.leave();
   host_.platform().onRunModal = nullptr;
-  if (!isValid) raiseRefused(page_->Controls(), request);
+  if (!isValid) raiseRefused(request);
   if (isWarned)
     raise(
         ErrorNumber::InvalidArgument, "Session",

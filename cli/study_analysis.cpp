@@ -9,6 +9,7 @@
 
 #include "cli/output_file.h"
 #include "cli/progress_line.h"
+#include "cli/say.h"
 #include "cli/session.h"
 #include "cli/summary.h"
 #include "host/store/sqlite_store.h"
@@ -47,7 +48,7 @@ void openAsStored(Session& session, const std::filesystem::path& study,
   session.openStudy(std::make_shared<SqliteStore>(study.string(), SqliteStore::Access::Read));
   const auto analysis = wanted(session, name);
   if (analysis->ResultStamp != session.study().ResultStamp)
-    fmt::print("the study's results have changed since this analysis; it is taken as stored\n");
+    say("the study's results have changed since this analysis; it is taken as stored\n");
   session.reopen(analysis, host::StaleAnalysis::OpenAsStored);
 }
 
@@ -101,15 +102,16 @@ void runStudyAnalysis(const AnalyzeArguments& arguments) {
   writeOutputs(arguments.outputs, session, dyes);
   bar.clear();
   const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - started;
-  if (!head.empty()) fmt::print("\n{}\n", head);
-  fmt::print("{} the analysis \"{}\"\n{}time: {:.2f} s\n", existing ? "opened and saved" : "made and saved",
-             name, summary, taken.count());
+  if (!head.empty()) say("\n{}\n", head);
+  say("{} the analysis \"{}\"\n{}time: {:.2f} s\n", existing ? "opened and saved" : "made and saved", name,
+      summary, taken.count());
 }
 
 void runExport(const ExportArguments& arguments) {
   if (isEmpty(arguments.outputs))
     raise(ErrorNumber::InvalidArgument, "Export",
           "say what to write: --csv, --nts, --matrix, --json or --xlsx");
+  requireDistinct(pathsOf(arguments.outputs), {arguments.study});
   Session session;
   openAsStored(session, arguments.study, arguments.name);
   if (arguments.showExcluded) session.showExcluded(*arguments.showExcluded);
@@ -117,6 +119,7 @@ void runExport(const ExportArguments& arguments) {
 }
 
 void runReport(const ReportArguments& arguments) {
+  requireDistinct({arguments.out}, {arguments.study});
   Session session;
   openAsStored(session, arguments.study, arguments.name);
   writeWholeText(arguments.out, [&](std::ostream& out) { out << session.report(); });

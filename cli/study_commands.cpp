@@ -5,6 +5,7 @@
 #include <fmt/format.h>
 
 #include "cli/progress_line.h"
+#include "cli/say.h"
 #include "host/framework/host.h"
 #include "host/framework/study_import.h"
 #include "host/store/sqlite_store.h"
@@ -41,9 +42,8 @@ void printResults(SqliteStore& store) {
   for (const ResultRecord& result : study.results) {
     if (result.isDeleted) continue;
     const std::string mark = markOf(result);
-    fmt::print("{}\t{}{}\n", result.sampleName,
-               fragmentCounts(*store.readFragments(result.id), lettersOf(study)),
-               mark.empty() ? "" : "\t" + mark);
+    say("{}\t{}{}\n", result.sampleName, fragmentCounts(*store.readFragments(result.id), lettersOf(study)),
+        mark.empty() ? "" : "\t" + mark);
   }
 }
 
@@ -72,22 +72,22 @@ void changeResults(const ResultsArguments& arguments) {
   for (const std::int32_t id : excluded) study.setResultExcluded(id, true);
   for (const std::int32_t id : included) study.setResultExcluded(id, false);
   for (const std::int32_t id : removed) study.deleteResult(id);
-  fmt::print("excluded {}, included {}, deleted {}\n", excluded.size(), included.size(), removed.size());
+  say("excluded {}, included {}, deleted {}\n", excluded.size(), included.size(), removed.size());
 }
 
 void printImports(SqliteStore& store) {
   for (const host::ImportRecord& import : store.readImports()) {
-    fmt::print("import of {} UTC\n", import.finished);
-    for (const host::ImportedFile& file : import.files) fmt::print("  {}\n", file.path);
+    say("import of {} UTC\n", import.finished);
+    for (const host::ImportedFile& file : import.files) say("  {}\n", file.path);
   }
 }
 
 void printAnalyses(SqliteStore& store, const host::StudyRecord& study) {
   for (const std::int32_t id : store.analysisIds()) {
     const host::AnalysisSnapshot analysis = store.readAnalysis(id);
-    fmt::print("analysis \"{}\": {} samples, bins up to {} nt, from {} RFU{}\n", analysis.name,
-               analysis.resultIds.size(), generalText(analysis.maxBinWidth), analysis.yThreshold,
-               analysis.resultStamp == study.resultStamp ? "" : "; the results have changed since");
+    say("analysis \"{}\": {} samples, bins up to {} nt, from {} RFU{}\n", analysis.name,
+        analysis.resultIds.size(), generalText(analysis.maxBinWidth), analysis.yThreshold,
+        analysis.resultStamp == study.resultStamp ? "" : "; the results have changed since");
   }
 }
 
@@ -95,7 +95,7 @@ void printAnalyses(SqliteStore& store, const host::StudyRecord& study) {
 
 void runNew(const NewArguments& arguments) {
   SqliteStore::create(arguments.study.string(), arguments.study.stem().string());
-  fmt::print("made {}\n", arguments.study.string());
+  say("made {}\n", arguments.study.string());
 }
 
 void runImport(const ImportArguments& arguments) {
@@ -108,17 +108,17 @@ void runImport(const ImportArguments& arguments) {
         bar.show(total == 0 ? 0 : static_cast<double>(done) / static_cast<double>(total));
       });
   bar.clear();
-  fmt::print("{}", outcome.report);
-  fmt::print("added {} results; the study has {}\n", outcome.added, host.study().Study()->Results.Count());
+  say("{}", outcome.report);
+  say("added {} results; the study has {}\n", outcome.added, host.study().Study()->Results.Count());
 }
 
 void runList(const ListArguments& arguments) {
   SqliteStore store(arguments.study.string(), SqliteStore::Access::Read);
   const host::StudyRecord study = store.readStudy();
-  fmt::print("study \"{}\": {} results, {} excluded, {} deleted; dyes {}\n", study.name,
-             countOf(study.results, [](const auto& each) { return !each.isDeleted; }),
-             countOf(study.results, [](const auto& each) { return each.isExcluded && !each.isDeleted; }),
-             countOf(study.results, [](const auto& each) { return each.isDeleted; }), lettersOf(study));
+  say("study \"{}\": {} results, {} excluded, {} deleted; dyes {}\n", study.name,
+      countOf(study.results, [](const auto& each) { return !each.isDeleted; }),
+      countOf(study.results, [](const auto& each) { return each.isExcluded && !each.isDeleted; }),
+      countOf(study.results, [](const auto& each) { return each.isDeleted; }), lettersOf(study));
   printImports(store);
   printAnalyses(store, study);
 }

@@ -44,8 +44,23 @@ std::string aligned(const std::vector<std::vector<std::string>>& lines) {
 
 }  // namespace
 
+namespace {
+
+std::string counted(std::size_t count, const char* what) {
+  return fmt::format("{} {}{}", count, what, count == 1 ? "" : "s");
+}
+
+bool isLookedAt(const Session& session, int dye) {
+  return control<ui::CheckBox>(session.page().Controls(), fmt::format("chkDye({})", dye)).Value ==
+         ui::kChecked;
+}
+
+}  // namespace
+
+// Of the dyes that the analysis looks at.
 std::string summaryText(const Session& session, const std::string& dyes) {
-  const auto bins = readBins(session);
+  auto bins = readBins(session);
+  std::erase_if(bins, [&](const BinReading& bin) { return !isLookedAt(session, bin.dye); });
   const auto samples = readSamples(session);
   std::array<DyeCounts, 4> counts{};
   for (const BinReading& bin : bins) {
@@ -53,18 +68,21 @@ std::string summaryText(const Session& session, const std::string& dyes) {
     count.fragments += static_cast<std::size_t>(bin.fragments);
     ++count.bins;
   }
-  std::string text = fmt::format("{} samples\n", samples.size());
+  std::string text = counted(samples.size(), "sample") + "\n";
   for (std::size_t dye = 0; dye < counts.size(); ++dye) {
     if (counts[dye].bins == 0) continue;
-    text += fmt::format("D{} ({}): {} fragments in {} bins\n", dye + 1, dyes.substr(dye, 1),
-                        counts[dye].fragments, counts[dye].bins);
+    text += fmt::format("D{} ({}): {} in {}\n", dye + 1, dyes.substr(dye, 1),
+                        counted(counts[dye].fragments, "fragment"), counted(counts[dye].bins, "bin"));
   }
-  const auto excludedBins =
-      std::count_if(bins.begin(), bins.end(), [](const auto& bin) { return bin.isSuppressed(); });
-  const auto excludedSamples = std::count_if(
-      samples.begin(), samples.end(), [](const auto& each) { return each.excluded || each.filterExcluded; });
-  text += fmt::format("excluded: {} of {} bins, {} of {} samples\n", excludedBins, bins.size(),
-                      excludedSamples, samples.size());
+  const auto excludedBins = static_cast<std::size_t>(
+      std::ranges::count_if(bins, [](const auto& bin) { return bin.isSuppressed(); }));
+  const auto excludedSamples = static_cast<std::size_t>(
+      std::ranges::count_if(samples, [](const auto& each) { return each.excluded || each.filterExcluded; }));
+  text += fmt::format("excluded: {} of {}, {} of {}\n", excludedBins, counted(bins.size(), "bin"),
+                      excludedSamples, counted(samples.size(), "sample"));
+  if (excludedBins == bins.size() || excludedSamples == samples.size())
+    text +=
+        "nothing is left in the table; --keep-full-bins and --keep-empty-samples switch the filters off\n";
   return text;
 }
 

@@ -53,7 +53,8 @@ std::optional<ExcelNumber> excelNumber(std::string_view text) {
   const std::string_view mantissa = plain.substr(0, plain.find_first_of("eE"));
   // With an exponent only as numbers are written here: a name such as "4e2" stays text.
   if (mantissa.size() != plain.size() && generalText(value) != text) return {};
-  if (std::ranges::count_if(mantissa, isDigit) > kMostDigits) return {};
+  const std::size_t first = std::min(mantissa.find_first_of("123456789"), mantissa.size());
+  if (std::ranges::count_if(mantissa.substr(first), isDigit) > kMostDigits) return {};
   const std::size_t point = mantissa.find('.');
   const bool hasDecimals = point != std::string_view::npos && mantissa.size() == plain.size();
   return ExcelNumber{value, hasDecimals ? static_cast<int>(mantissa.size() - point - 1) : 0};

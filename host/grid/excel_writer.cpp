@@ -194,12 +194,13 @@ class Sheet {
     const StyleAttributes& look = grid_.look(row, col);
     NumberText buffer;
     const std::string_view text = grid_.textAt(row, col, buffer);
+    const bool isHeader = row == 0 || col == 0;  // names, whatever they look like
     const lxw_row_t place = sheetRow(atRow);
     if (text.empty()) {
       if (ExcelFormats::showsEmpty(look)) {
         check(worksheet_write_blank(sheet_, place, sheetCol(atCol), formats_->format(look, 0)));
       }
-    } else if (const auto number = excelNumber(text)) {
+    } else if (const auto number = isHeader ? std::nullopt : excelNumber(text)) {
       check(worksheet_write_number(sheet_, place, sheetCol(atCol), number->value,
                                    formats_->format(look, number->decimals)));
     } else {
