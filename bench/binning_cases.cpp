@@ -33,10 +33,11 @@ Case caseOfDye(const std::string& name, const host::import::PeakTable& table, ho
 
 double usualWidth(double noise) { return std::max(0.5, std::round(60 * noise) / 10); }
 
-Case simulatedCase(double noise, std::size_t loci, std::uint64_t seed) {
+Case simulatedCase(double noise, std::size_t loci, std::uint64_t seed, std::size_t samples) {
   host::simulation::Settings settings;
   settings.seed = seed;
-  settings.replicates = 12;
+  settings.samples = samples;
+  settings.replicates = samples / 4;
   settings.dyes = 1;
   settings.ladderDye.reset();
   settings.lociPerDye = loci;

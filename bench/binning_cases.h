@@ -32,7 +32,9 @@ inline constexpr std::uint64_t kSeeds[] = {101, 202, 303, 404, 505};  // others 
 /// tenth, and nobody goes below half a nucleotide.
 double usualWidth(double noise);
 
-Case simulatedCase(double noise, std::size_t loci, std::uint64_t seed);
+/// As many samples, and a replicate of each of the first quarter.
+inline constexpr std::size_t kUsualSamples = 48;
+Case simulatedCase(double noise, std::size_t loci, std::uint64_t seed, std::size_t samples = kUsualSamples);
 
 /// One case for each dye of the real tables under the folder, sizes from 50 to 500 nt and heights from 50
 /// RFU, the replicates told by the ending b.

@@ -1,6 +1,6 @@
 // Compares rules of binning. Without arguments: the simulated grid at the width a user would choose, then the
 // real tables if they are found (BANDDESK_SHARED, or ../shared beside the source tree).
-//   binning_quality [--widths FACTOR] [--seed-offset N] [--details]
+//   binning_quality [--widths FACTOR] [--seed-offset N] [--samples N] [--details]
 //                   [--real-widths NT...] [--real-only | --simulated-only]
 // FACTOR multiplies the chosen widths of the grid; --details prints every figure of every cell of the grid.
 #include <CLI/CLI.hpp>
@@ -42,12 +42,19 @@ void add(Score& sum, const Score& one) {
     sum.*figure += share * (one.*figure);
 }
 
+struct GridOptions {
+  double widthFactor = 1;
+  std::uint64_t seedOffset = 0;
+  std::size_t samples = kUsualSamples;
+  bool details = false;
+};
+
 /// The means over the seeds, by rule.
 std::vector<Score> scoresOfCell(const std::vector<Rule>& rules, double noise, std::size_t loci, double width,
-                                std::uint64_t seedOffset) {
+                                const GridOptions& options) {
   std::vector<Score> scores(rules.size());
   for (const std::uint64_t seed : kSeeds) {
-    const Case one = simulatedCase(noise, loci, seed + seedOffset);
+    const Case one = simulatedCase(noise, loci, seed + options.seedOffset, options.samples);
     for (std::size_t rule = 0; rule < rules.size(); ++rule)
       add(scores[rule], scoreOf(one, rules[rule].bins(one.pool, width)));
   }
@@ -59,12 +66,6 @@ void printScore(const Rule& rule, const Score& score) {
              100 * score.split, 100 * score.merged, score.perCell, score.singles, 100 * score.jaccard,
              score.bins);
 }
-
-struct GridOptions {
-  double widthFactor = 1;
-  std::uint64_t seedOffset = 0;
-  bool details = false;
-};
 
 struct Verdict {
   std::size_t cells = 0, best = 0, worst = 0, realCells = 0, realBest = 0;
@@ -91,7 +92,7 @@ void printGrid(const std::vector<Rule>& rules, const GridOptions& options) {
   for (const std::size_t loci : kDensities) {
     for (const double noise : kNoises) {
       const double width = usualWidth(noise) * options.widthFactor;
-      const std::vector<Score> scores = scoresOfCell(rules, noise, loci, width, options.seedOffset);
+      const std::vector<Score> scores = scoresOfCell(rules, noise, loci, width, options);
       const double most = std::ranges::max(scores, {}, &Score::rand).rand;
       fmt::print("  {:4} {:5.2f} {:5.2f}", loci, noise, width);
       for (const Score& score : scores)
@@ -144,6 +145,7 @@ int main(int argc, char** argv) {
   bool realOnly = false, simulatedOnly = false;
   app.add_option("--widths", options.widthFactor, "Multiplies the widths of the simulated grid");
   app.add_option("--seed-offset", options.seedOffset, "Added to the seeds: cases that no rule was tuned on");
+  app.add_option("--samples", options.samples, "Simulated samples, without replicates");
   app.add_flag("--details", options.details, "Every figure of every cell of the grid");
   app.add_option("--real-widths", realWidths, "Maximum widths of a bin in nt for the real tables");
   app.add_flag("--real-only", realOnly);

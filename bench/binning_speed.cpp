@@ -1,6 +1,6 @@
 // Times all of the binning of one dye (taking over the fragments, sorting, bins) against std::sort of the
 // same (size, sample) pairs in the same run; the least of three times each.
-//   binning_speed [--fragments N...] [--widths NT...] [--uniform]
+//   binning_speed [--fragments N...] [--widths NT...] [--uniform] [--fractions]
 // Without --uniform the sizes lie about 400 loci, as fragments do; with it, anywhere.
 #include <CLI/CLI.hpp>
 #include <algorithm>
@@ -24,6 +24,7 @@ constexpr std::size_t kLoci = 400;
 struct Workload {
   bool isUniform = false;
   bool isContinuous = false;
+  bool hasWholeHeights = true;
 };
 
 class OneSample final : public FragmentTable {
@@ -42,7 +43,8 @@ std::vector<OneSample> makeSamples(std::size_t fragments, const Workload& worklo
     const double size = workload.isUniform ? random.uniform(50, 500) : locus + 0.15 * random.normal();
     OneSample& sample = samples[i / kPerSample];
     sample.sizes.push_back(workload.isContinuous ? size : std::round(size * 100) / 100);
-    sample.heights.push_back(std::round(random.uniform(50, 5000)));
+    const double height = random.uniform(50, 5000);
+    sample.heights.push_back(workload.hasWholeHeights ? std::round(height) : height);
   }
   return samples;
 }
@@ -119,14 +121,16 @@ int main(int argc, char** argv) {
   CLI::App app("Times the binning of one dye");
   std::vector<std::size_t> sizes{100'000, 1'000'000, 10'000'000};
   std::vector<double> widths{1, 10};
-  bool isUniform = false;
+  bool isUniform = false, hasFractions = false;
   app.add_option("--fragments", sizes);
   app.add_option("--widths", widths, "Maximum widths of a bin in nt");
   app.add_flag("--uniform", isUniform, "Sizes anywhere between 50 and 500 nt");
+  app.add_flag("--fractions", hasFractions, "Heights that are not whole, as no instrument writes them");
   CLI11_PARSE(app, argc, argv);
   fmt::print(
       " fragments        sizes width std::sort   binning  ratio   ns/each ns/each/log2 again      bins\n");
   for (const bool isContinuous : {false, true}) {
-    for (const std::size_t size : sizes) banddesk::bench::measure(size, {isUniform, isContinuous}, widths);
+    for (const std::size_t size : sizes)
+      banddesk::bench::measure(size, {isUniform, isContinuous, !hasFractions}, widths);
   }
 }

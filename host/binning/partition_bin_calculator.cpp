@@ -2,8 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <span>
-#include <tuple>
 
 #include "host/binning/crowding.h"
 #include "host/binning/partition_search.h"
@@ -18,6 +16,8 @@ namespace {
 constexpr double kBinCost = 5;
 constexpr double kRepeatCost = 8;
 constexpr double kCrowdingCost = 2;
+
+constexpr std::uint32_t kNoGroup = UINT32_MAX;
 
 // Sums of whole numbers below this are exact, in whatever order.
 constexpr double kWholeLimit = 1e9;
@@ -69,11 +69,10 @@ void PartitionBinCalculator::sortFragments() {
   isSorted_ = true;
   if (heightsAreWhole_) return;
   // Sums of heights must come out the same however the fragments came.
-  const auto byHeight = [](const Fragment& a, const Fragment& b) { return a.height < b.height; };
   for (auto begin = fragments_.begin(); begin != fragments_.end();) {
-    const auto isLarger = [&](const Fragment& fragment) { return fragment.size != begin->size; };
-    const auto end = std::find_if(begin + 1, fragments_.end(), isLarger);
-    std::sort(begin, end, byHeight);
+    const auto isOther = [&](const Fragment& fragment) { return fragment.size != begin->size; };
+    const auto end = std::find_if(begin + 1, fragments_.end(), isOther);
+    std::ranges::sort(begin, end, {}, &Fragment::height);
     begin = end;
   }
 }
@@ -90,8 +89,7 @@ std::vector<std::uint32_t> PartitionBinCalculator::binBegins(const std::vector<S
   const SizingError error(groups, maxBinWidth_);
   Crowding crowding(groups);
   PartitionSearch search({.bin = kBinCost, .repeat = kRepeatCost, .maxWidth = maxBinWidth_});
-  constexpr std::uint32_t kNone = UINT32_MAX;
-  std::vector<std::uint32_t> lastGroupOfResult(static_cast<std::size_t>(resultCount_), kNone);
+  std::vector<std::uint32_t> lastGroupOfResult(static_cast<std::size_t>(resultCount_), kNoGroup);
   std::vector<std::uint32_t> earlier;
   double position = 0;
   for (std::uint32_t number = 0; number < groups.size(); ++number) {
@@ -103,17 +101,23 @@ std::vector<std::uint32_t> PartitionBinCalculator::binBegins(const std::vector<S
       if (sigma > 0) position += (group.least - groups[number - 1].least) / sigma;
       opening = kCrowdingCost * crowding.before(number, cut, sigma);
     }
-    earlier.clear();
     const std::size_t end = number + 1 < groups.size() ? groups[number + 1].begin : fragments_.size();
-    for (std::size_t i = group.begin; i < end; ++i) {
-      if (!qualifies(fragments_[i])) continue;
-      std::uint32_t& last = lastGroupOfResult[static_cast<std::size_t>(fragments_[i].result)];
-      if (last != kNone) earlier.push_back(last);
-      last = number;
-    }
+    findEarlier({group.begin, end}, number, lastGroupOfResult, earlier);
     search.add(group, position, opening, earlier);
   }
   return search.binBegins();
+}
+
+void PartitionBinCalculator::findEarlier(Slice slice, std::uint32_t group,
+                                         std::vector<std::uint32_t>& lastGroupOfResult,
+                                         std::vector<std::uint32_t>& earlier) const {
+  earlier.clear();
+  for (std::size_t i = slice.begin; i < slice.end; ++i) {
+    if (!qualifies(fragments_[i])) continue;
+    std::uint32_t& last = lastGroupOfResult[static_cast<std::size_t>(fragments_[i].result)];
+    if (last != kNoGroup) earlier.push_back(last);
+    last = group;
+  }
 }
 
 void PartitionBinCalculator::addBin(const SizeGroup& first, std::size_t end,

@@ -42,11 +42,19 @@ class PartitionBinCalculator final : public BinCalculator {
     std::int32_t sampleCount, fragmentCount;
   };
 
+  // Of the sorted fragments.
+  struct Slice {
+    std::size_t begin, end;
+  };
+
   const Bin& at(std::int32_t bin) const;
   bool qualifies(const Fragment& fragment) const { return fragment.height >= calculatedThreshold_; }
   void sortFragments();
   std::vector<SizeGroup> groupSizes() const;
   std::vector<std::uint32_t> binBegins(const std::vector<SizeGroup>& groups) const;
+  // For each fragment of a group whose result has an earlier one, the group of that one.
+  void findEarlier(Slice slice, std::uint32_t group, std::vector<std::uint32_t>& lastGroupOfResult,
+                   std::vector<std::uint32_t>& earlier) const;
   void addBin(const SizeGroup& first, std::size_t end, std::vector<std::int32_t>& lastBinOfResult);
 
   double maxBinWidth_ = 1;

@@ -27,7 +27,8 @@ struct Cell {
 /// A part of the size range with as many fragments as the others: how many pairs of its fragments lie how far
 /// apart, and how likely each level makes that.
 struct Stratum {
-  double size = 0;  // mean, nt
+  double count = 0;  // fragments
+  double size = 0;   // their mean, nt
   std::array<double, kLags> pairs{};
   std::array<double, kLevels> logLikelihood{};
 };
@@ -101,24 +102,17 @@ std::vector<Stratum> makeStrata(const std::vector<Cell>& cells, double maxWidth)
   double all = 0;
   for (const Cell& cell : cells) all += cell.count;
   std::vector<Stratum> strata(kStrata);
-  std::array<double, kStrata> counts{};
   double before = 0;
   for (std::size_t i = 0; i < cells.size(); ++i) {
-    const auto number = std::min(static_cast<std::size_t>(before / all * kStrata), kStrata - 1);
-    countPairs(cells, i, strata[number].pairs);
-    strata[number].size += cells[i].count * cells[i].place * maxWidth / kCellsPerWidth;
-    counts[number] += cells[i].count;
+    Stratum& stratum = strata[std::min(static_cast<std::size_t>(before / all * kStrata), kStrata - 1)];
+    countPairs(cells, i, stratum.pairs);
+    stratum.size += cells[i].count * cells[i].place * maxWidth / kCellsPerWidth;
+    stratum.count += cells[i].count;
     before += cells[i].count;
   }
-  for (std::size_t i = 0; i < kStrata; ++i) strata[i].size /= std::max(counts[i], 1.0);
-  const auto isEmpty = [&](const Stratum& one) {
-    return counts[static_cast<std::size_t>(&one - strata.data())] == 0;
-  };
-  std::vector<Stratum> filled;
-  for (const Stratum& one : strata) {
-    if (!isEmpty(one)) filled.push_back(one);
-  }
-  return filled;
+  std::erase_if(strata, [](const Stratum& one) { return one.count == 0; });
+  for (Stratum& one : strata) one.size /= one.count;
+  return strata;
 }
 
 void judgeLevels(std::vector<Stratum>& strata) {
