@@ -331,7 +331,7 @@ TEST(Menus, PopUpByPlaceWithTheirItemsPrepared) {
 TEST(Views, OpenWindowsForSamplesOnly) {
   Desk desk(kScript);
   desk.newAnalysis();
-  desk.host.study().displayViewIndex = 2;
+  desk.host.study().setDisplayViewIndex(2);
   desk.grid().selectCols(9, 11);
   desk.choose("mnuSingleColumn");
   const auto window = desk.pageNamed("SingleSample");
