@@ -86,6 +86,11 @@ void runStudyAnalysis(const AnalyzeArguments& arguments) {
           fmt::format("{}: no analysis can be saved: {}", arguments.files.front().string(), why));
   session.openStudy(std::move(store));
 
+  if (session.study().Results.Count() == 0)
+    raise(ErrorNumber::InvalidArgument, "Study",
+          fmt::format("{}: the study has no results: import peak tables first",
+                      arguments.files.front().string()));
+
   const auto existing = arguments.name ? find(session, *arguments.name) : nullptr;
   if (existing) {
     session.reopen(existing, host::StaleAnalysis::Redo);

@@ -196,6 +196,7 @@ TEST(StudyFiles, SayInOneLineWhatIsWrongAndStayAsTheyWere) {
   ok({"analyze", study, "--name", "One", "--exclude-bin", "D1-300"});
   ok({"analyze", study, "--name", "Two"});
   writeFile(in("text.study"), "no study");
+  ok({"new", in("empty.study")});
   const std::string before = readFile(study);
   const std::vector<std::pair<Arguments, std::string>> cases = {
       {{"new", study}, "such a file already"},
@@ -210,6 +211,7 @@ TEST(StudyFiles, SayInOneLineWhatIsWrongAndStayAsTheyWere) {
       {{"export", study, "--name", "One"}, "say what to write"},
       {{"report", study, "--name", "One", in("no/r.html")}, "no/r.html"},
       {{"analyze", study, in("t.txt")}, "analysed alone"},
+      {{"analyze", in("empty.study")}, "no results: import peak tables first"},
       {{"analyze", study, "--ladder", "R"}, "when files are imported"},
       {{"analyze", in("t.txt"), "--name", "One"}, "only a study file"},
       {{"analyze", study, "--name", "Two", "--max-bin-width", "x"}, "--max-bin-width: \"x\""},
