@@ -123,6 +123,10 @@ void Database::execute(const char* statements) {
   if (code != SQLITE_OK) fail(code);
 }
 
+void Database::executeIfPossible(const char* statements) noexcept {
+  sqlite3_exec(connection_.get(), statements, nullptr, nullptr, nullptr);
+}
+
 Statement Database::prepare(std::string_view statement) const {
   sqlite3_stmt* prepared = nullptr;
   const int code = sqlite3_prepare_v2(connection_.get(), statement.data(), static_cast<int>(statement.size()),
@@ -145,15 +149,10 @@ void Database::failDamaged(const std::string& what) const {
   raise(ErrorNumber::InvalidArgument, "Store", fmt::format("{}: it is damaged: {}", file_, what));
 }
 
+// Some failures end the transaction by themselves. Should the rollback fail, it leaves the journal, which the
+// next opening plays back.
 Transaction::~Transaction() {
-  // Some failures end the transaction by themselves; a failing rollback leaves the journal, which the next
-  // opening plays back.
-  if (database_.isInTransaction()) {
-    try {
-      database_.execute("ROLLBACK");
-    } catch (...) {  // the failure that led here is on its way already
-    }
-  }
+  if (database_.isInTransaction()) database_.executeIfPossible("ROLLBACK");
 }
 
 }  // namespace banddesk::host::sqlite

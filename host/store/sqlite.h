@@ -77,6 +77,8 @@ class Database {
 
   const std::string& file() const { return file_; }  // as errors name it
   void execute(const char* statements);
+  // For ends, which have nobody to tell of a failure.
+  void executeIfPossible(const char* statements) noexcept;
   Statement prepare(std::string_view statement) const;
   std::int64_t number(std::string_view query) const;  // the first value of the first row
   std::int64_t lastRowId() const { return sqlite3_last_insert_rowid(connection_.get()); }

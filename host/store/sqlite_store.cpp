@@ -18,7 +18,7 @@ namespace fs = std::filesystem;
 using sqlite::Statement;
 
 // SQLite would make a missing file, and wait at a pipe.
-const std::string& existingFile(const std::string& file) {
+std::string existingFile(const std::string& file) {
   std::error_code trouble;
   const fs::file_status status = fs::status(file, trouble);
   const auto refuse = [&](ErrorNumber number, const char* why) {
@@ -73,10 +73,7 @@ SqliteStore::SqliteStore(const std::string& file, Access access, SchemaSteps ste
 
 // Takes the emptied journal away. It would do no harm: the next opening knows it for empty.
 SqliteStore::~SqliteStore() {
-  try {
-    database_.execute("PRAGMA locking_mode = NORMAL; PRAGMA journal_mode = DELETE");
-  } catch (...) {
-  }
+  database_.executeIfPossible("PRAGMA locking_mode = NORMAL; PRAGMA journal_mode = DELETE");
 }
 
 // The first read takes the shared lock, which the locking mode keeps: all that is read is of one state.
