@@ -9,6 +9,7 @@
 
 #include "cli/analyze_command.h"
 #include "cli/example_command.h"
+#include "cli/quality_command.h"
 #include "cli/study_analysis.h"
 #include "cli/study_commands.h"
 #include "plugin/base/error.h"
@@ -38,7 +39,7 @@ int run(int argc, char** argv) {
   CLI::App& exampleCommand = addExampleCommand(app, example);
   Chosen chosen;  // of the commands on study files
   for (const auto add : {addNewCommand, addImportCommand, addListCommand, addResultsCommand, addExportCommand,
-                         addReportCommand})
+                         addReportCommand, addQualityCommand})
     add(app, chosen);
   try {
     app.parse(argc, argv);

@@ -42,16 +42,6 @@ std::shared_ptr<AFLP> wanted(const Session& session, const std::optional<std::st
   return analyses.Item(1);
 }
 
-// As it is stored, whatever the results are by now; what is shown of it is never saved.
-void openAsStored(Session& session, const std::filesystem::path& study,
-                  const std::optional<std::string>& name) {
-  session.openStudy(std::make_shared<SqliteStore>(study.string(), SqliteStore::Access::Read));
-  const auto analysis = wanted(session, name);
-  if (analysis->ResultStamp != session.study().ResultStamp)
-    say("the study's results have changed since this analysis; it is taken as stored\n");
-  session.reopen(analysis, host::StaleAnalysis::OpenAsStored);
-}
-
 bool isEmpty(const Outputs& outputs) {
   return !outputs.csv && !outputs.nts && !outputs.matrix && !outputs.json && !outputs.xlsx;
 }
@@ -65,6 +55,15 @@ void checkStudy(const AnalyzeArguments& arguments) {
 }
 
 }  // namespace
+
+void openAsStored(Session& session, const std::filesystem::path& study,
+                  const std::optional<std::string>& name) {
+  session.openStudy(std::make_shared<SqliteStore>(study.string(), SqliteStore::Access::Read));
+  const auto analysis = wanted(session, name);
+  if (analysis->ResultStamp != session.study().ResultStamp)
+    say("the study's results have changed since this analysis; it is taken as stored\n");
+  session.reopen(analysis, host::StaleAnalysis::OpenAsStored);
+}
 
 bool isStudyFile(const std::filesystem::path& file) {
   constexpr std::string_view kMark("SQLite format 3\0", 16);

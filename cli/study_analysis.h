@@ -28,6 +28,13 @@ struct ReportArguments {
 void addExportCommand(CLI::App& app, Chosen& chosen);
 void addReportCommand(CLI::App& app, Chosen& chosen);
 
+class Session;
+
+// Opens an analysis of a study as it is stored, whatever the results are by now; nothing of it is saved.
+// Without a name it is the only one.
+void openAsStored(Session& session, const std::filesystem::path& study,
+                  const std::optional<std::string>& name);
+
 // Whether the file to analyse is a study and no peak table, by its content.
 bool isStudyFile(const std::filesystem::path& file);
 // `banddesk analyze` on a study file: makes the analysis, or opens the one of that name again, brings it up

@@ -1,0 +1,216 @@
+#include "cli/quality_command.h"
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+#include <fstream>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <regex>
+#include <vector>
+
+#include "cli/output_file.h"
+#include "cli/say.h"
+#include "cli/session.h"
+#include "cli/study_analysis.h"
+#include "cli/table_reading.h"
+#include "host/quality/table_quality.h"
+#include "plugin/base/text.h"
+
+namespace banddesk::cli {
+namespace {
+
+using nlohmann::ordered_json;
+
+constexpr std::size_t kPairsTold = 5;
+constexpr std::size_t kBinsTold = 10;
+
+// The table as it is shown, in arrays of its own.
+struct ShownTable {
+  std::vector<std::string> names;
+  std::vector<std::string> binKeys;
+  std::vector<host::BinExtent> bins;
+  std::vector<std::int32_t> counts;
+};
+
+ShownTable shownTable(const Session& session) {
+  ShownTable table;
+  std::vector<std::size_t> results;
+  const auto samples = readSamples(session);
+  for (std::size_t i = 0; i < samples.size(); ++i) {
+    if (samples[i].hidden) continue;
+    results.push_back(i);
+    table.names.push_back(samples[i].name);
+  }
+  const AnalysisView view = session.page().Analysis();
+  for (const BinReading& bin : readBins(session)) {
+    if (bin.hidden) continue;
+    table.binKeys.push_back(bin.key);
+    table.bins.push_back({bin.minSize, bin.maxSize});
+    const auto line = view.fragmentCounts.subspan(static_cast<std::size_t>(bin.bin) *
+                                                  static_cast<std::size_t>(view.resultCount));
+    for (const std::size_t result : results) table.counts.push_back(line[result]);
+  }
+  return table;
+}
+
+// Replicates are told apart by the sample's own name, before the well and time stamp of the run.
+std::vector<std::string> ownNames(const std::vector<std::string>& names) {
+  static const std::regex run(R"(\..\d\d_\d{8}..$)");
+  std::vector<std::string> own;
+  for (const std::string& name : names) own.push_back(std::regex_replace(name, run, ""));
+  return own;
+}
+
+// Two names a line, separated by a tab; empty lines do not count.
+std::vector<std::pair<std::string, std::string>> readPairs(const std::filesystem::path& file) {
+  std::ifstream in(file);
+  std::vector<std::pair<std::string, std::string>> pairs;
+  std::size_t number = 0;
+  for (std::string line; std::getline(in, line);) {
+    ++number;
+    if (line.ends_with('\r')) line.pop_back();
+    if (trim(line).empty()) continue;
+    const std::size_t tab = line.find('\t');
+    if (tab == std::string::npos || line.find('\t', tab + 1) != std::string::npos)
+      raise(ErrorNumber::InvalidArgument, "Quality",
+            fmt::format("{}, line {}: expected two sample names with a tab between them", file.string(),
+                        number));
+    pairs.emplace_back(trim(line.substr(0, tab)), trim(line.substr(tab + 1)));
+  }
+  return pairs;
+}
+
+host::Replicates replicatesOf(const ShownTable& table, const std::string& wanted) {
+  if (wanted.empty()) return {};
+  std::error_code trouble;
+  if (!std::filesystem::is_regular_file(wanted, trouble))
+    return host::replicatesBySuffix(ownNames(table.names), wanted);
+  return host::replicatesByName(table.names, readPairs(wanted));
+}
+
+std::string figure(const std::optional<double>& value, int decimals) {
+  return value ? fmt::format("{:.{}f}", *value, decimals) : "-";
+}
+
+std::string percent(const std::optional<double>& value) {
+  return value ? fmt::format("{:.2f} %", *value * 100) : "-";
+}
+
+std::string replicateText(const host::ReplicateQuality& quality, const ShownTable& table) {
+  std::string text =
+      fmt::format("replicates: {} pairs, mismatch error {}, Jaccard error {}\n", quality.pairs.size(),
+                  percent(quality.overall.mismatchError()), percent(quality.overall.jaccardError()));
+  for (std::size_t i = 0; i < std::min(kPairsTold, quality.pairs.size()); ++i) {
+    const host::PairQuality& pair = quality.pairs[i];
+    text += fmt::format("  {} and {}: Jaccard error {}, {} cells differ\n", table.names[pair.samples.first],
+                        table.names[pair.samples.second], percent(pair.agreement.jaccardError()),
+                        pair.agreement.differing);
+  }
+  for (std::size_t i = 0; i < std::min(kBinsTold, quality.bins.size()); ++i) {
+    const host::BinQuality& bin = quality.bins[i];
+    if (bin.agreement.differing == 0) break;
+    text += fmt::format("  bin {}: {} of {} pairs differ\n", table.binKeys[bin.bin], bin.agreement.differing,
+                        quality.pairs.size());
+  }
+  return text;
+}
+
+std::string qualityText(const host::TableQuality& quality, const host::Replicates& replicates,
+                        const ShownTable& table) {
+  std::string text = fmt::format(
+      "{} samples, {} bins, {} of them with a single fragment\n"
+      "fragments per filled cell: {}\nbin width: {} nt on average, {} nt at most\ninformation content: {}\n",
+      quality.samples, quality.bins, quality.singleFragmentBins, figure(quality.fragmentsPerFilledCell, 4),
+      figure(quality.meanWidth, 3), figure(quality.largestWidth, 3), figure(quality.informationContent, 4));
+  if (quality.replicates) text += replicateText(*quality.replicates, table);
+  for (const host::UnmadePair& unmade : replicates.unmade) {
+    text += fmt::format("no pair of \"{}\" and \"{}\": {}\n", unmade.first, unmade.second, unmade.reason);
+  }
+  return text;
+}
+
+ordered_json number(const std::optional<double>& value) {
+  return value ? ordered_json(*value) : ordered_json();
+}
+
+ordered_json agreementJson(const host::Agreement& agreement) {
+  return {{"both", agreement.both},
+          {"differing", agreement.differing},
+          {"neither", agreement.neither},
+          {"mismatchError", number(agreement.mismatchError())},
+          {"jaccardError", number(agreement.jaccardError())}};
+}
+
+ordered_json qualityJson(const host::TableQuality& quality, const host::Replicates& replicates,
+                         const ShownTable& table) {
+  ordered_json json = {{"samples", quality.samples},
+                       {"bins", quality.bins},
+                       {"singleFragmentBins", quality.singleFragmentBins},
+                       {"fragments", quality.fragments},
+                       {"filledCells", quality.filledCells},
+                       {"fragmentsPerFilledCell", number(quality.fragmentsPerFilledCell)},
+                       {"meanWidthNt", number(quality.meanWidth)},
+                       {"largestWidthNt", number(quality.largestWidth)},
+                       {"informationContent", number(quality.informationContent)}};
+  if (quality.replicates) {
+    ordered_json pairs = ordered_json::array();
+    for (const auto& pair : quality.replicates->pairs) {
+      ordered_json entry = agreementJson(pair.agreement);
+      entry["first"] = table.names[pair.samples.first];
+      entry["second"] = table.names[pair.samples.second];
+      pairs.push_back(entry);
+    }
+    ordered_json bins = ordered_json::array();
+    for (const auto& bin : quality.replicates->bins) {
+      ordered_json entry = agreementJson(bin.agreement);
+      entry["bin"] = table.binKeys[bin.bin];
+      bins.push_back(entry);
+    }
+    json["replicates"] = {
+        {"overall", agreementJson(quality.replicates->overall)}, {"pairs", pairs}, {"bins", bins}};
+  }
+  ordered_json unmade = ordered_json::array();
+  for (const auto& pair : replicates.unmade) {
+    unmade.push_back({{"first", pair.first}, {"second", pair.second}, {"reason", pair.reason}});
+  }
+  if (!unmade.empty()) json["unmadePairs"] = unmade;
+  return json;
+}
+
+}  // namespace
+
+void addQualityCommand(CLI::App& app, Chosen& chosen) {
+  CLI::App& command = *app.add_subcommand("quality", "Tell how good the table of an analysis is");
+  auto arguments = std::make_shared<QualityArguments>();
+  command.final_callback([arguments, &chosen] { chosen = [arguments] { runQuality(*arguments); }; });
+  command.add_option("STUDY", arguments->study, "The study file")->required();
+  command.add_option("--name", arguments->name, "The analysis [the only one]")->type_name("NAME");
+  command
+      .add_option("--replicates", arguments->replicates,
+                  "Which samples are replicates: an ending of their names, or a file with two names a line")
+      ->type_name("SUFFIX-or-FILE");
+  command.add_option("--json", arguments->json, "Write all figures, those of every pair and bin too")
+      ->type_name("OUT");
+  command.footer("Example:\n  banddesk quality primula.study --name First --replicates b");
+}
+
+void runQuality(const QualityArguments& arguments) {
+  if (arguments.json) requireDistinct({*arguments.json}, {arguments.study});
+  Session session;
+  openAsStored(session, arguments.study, arguments.name);
+  const ShownTable table = shownTable(session);
+  const host::Replicates replicates = replicatesOf(table, arguments.replicates);
+  const host::TableQuality quality =
+      host::qualityOf({table.counts, table.bins, table.names.size()}, replicates.pairs);
+  if (arguments.json) {
+    const std::string text =
+        qualityJson(quality, replicates, table).dump(1, ' ', false, ordered_json::error_handler_t::replace);
+    writeWholeText(*arguments.json, [&](std::ostream& out) { out << text << '\n'; });
+  }
+  say(qualityText(quality, replicates, table));
+  if (!arguments.replicates.empty() && replicates.pairs.empty())
+    say("no replicates: \"{}\" is no file, and no shown sample's name ends in it beside one without it\n",
+        arguments.replicates);
+}
+
+}  // namespace banddesk::cli
