@@ -12,46 +12,17 @@
 #include "cli/say.h"
 #include "cli/session.h"
 #include "cli/study_analysis.h"
-#include "cli/table_reading.h"
-#include "host/quality/table_quality.h"
+#include "host/framework/shown_table.h"
 #include "plugin/base/text.h"
 
 namespace banddesk::cli {
 namespace {
 
+using host::ShownTable;
 using nlohmann::ordered_json;
 
 constexpr std::size_t kPairsTold = 5;
 constexpr std::size_t kBinsTold = 10;
-
-// The table as it is shown, in arrays of its own.
-struct ShownTable {
-  std::vector<std::string> names;
-  std::vector<std::string> binKeys;
-  std::vector<host::BinExtent> bins;
-  std::vector<std::int32_t> counts;
-};
-
-ShownTable shownTable(const Session& session) {
-  ShownTable table;
-  std::vector<std::size_t> results;
-  const auto samples = readSamples(session);
-  for (std::size_t i = 0; i < samples.size(); ++i) {
-    if (samples[i].hidden) continue;
-    results.push_back(i);
-    table.names.push_back(samples[i].name);
-  }
-  const AnalysisView view = session.page().Analysis();
-  for (const BinReading& bin : readBins(session)) {
-    if (bin.hidden) continue;
-    table.binKeys.push_back(bin.key);
-    table.bins.push_back({bin.minSize, bin.maxSize});
-    const auto line = view.fragmentCounts.subspan(static_cast<std::size_t>(bin.bin) *
-                                                  static_cast<std::size_t>(view.resultCount));
-    for (const std::size_t result : results) table.counts.push_back(line[result]);
-  }
-  return table;
-}
 
 // Replicates are told apart by the sample's own name, before the well and time stamp of the run.
 std::vector<std::string> ownNames(const std::vector<std::string>& names) {
@@ -84,8 +55,8 @@ host::Replicates replicatesOf(const ShownTable& table, const std::string& wanted
   if (wanted.empty()) return {};
   std::error_code trouble;
   if (!std::filesystem::is_regular_file(wanted, trouble))
-    return host::replicatesBySuffix(ownNames(table.names), wanted);
-  return host::replicatesByName(table.names, readPairs(wanted));
+    return host::replicatesBySuffix(ownNames(table.samples), wanted);
+  return host::replicatesByName(table.samples, readPairs(wanted));
 }
 
 std::string figure(const std::optional<double>& value, int decimals) {
@@ -102,14 +73,14 @@ std::string replicateText(const host::ReplicateQuality& quality, const ShownTabl
                   percent(quality.overall.mismatchError()), percent(quality.overall.jaccardError()));
   for (std::size_t i = 0; i < std::min(kPairsTold, quality.pairs.size()); ++i) {
     const host::PairQuality& pair = quality.pairs[i];
-    text += fmt::format("  {} and {}: Jaccard error {}, {} cells differ\n", table.names[pair.samples.first],
-                        table.names[pair.samples.second], percent(pair.agreement.jaccardError()),
+    text += fmt::format("  {} and {}: Jaccard error {}, {} cells differ\n", table.samples[pair.samples.first],
+                        table.samples[pair.samples.second], percent(pair.agreement.jaccardError()),
                         pair.agreement.differing);
   }
   for (std::size_t i = 0; i < std::min(kBinsTold, quality.bins.size()); ++i) {
     const host::BinQuality& bin = quality.bins[i];
     if (bin.agreement.differing == 0) break;
-    text += fmt::format("  bin {}: {} of {} pairs differ\n", table.binKeys[bin.bin], bin.agreement.differing,
+    text += fmt::format("  bin {}: {} of {} pairs differ\n", table.bins[bin.bin], bin.agreement.differing,
                         quality.pairs.size());
   }
   return text;
@@ -156,14 +127,14 @@ ordered_json qualityJson(const host::TableQuality& quality, const host::Replicat
     ordered_json pairs = ordered_json::array();
     for (const auto& pair : quality.replicates->pairs) {
       ordered_json entry = agreementJson(pair.agreement);
-      entry["first"] = table.names[pair.samples.first];
-      entry["second"] = table.names[pair.samples.second];
+      entry["first"] = table.samples[pair.samples.first];
+      entry["second"] = table.samples[pair.samples.second];
       pairs.push_back(entry);
     }
     ordered_json bins = ordered_json::array();
     for (const auto& bin : quality.replicates->bins) {
       ordered_json entry = agreementJson(bin.agreement);
-      entry["bin"] = table.binKeys[bin.bin];
+      entry["bin"] = table.bins[bin.bin];
       bins.push_back(entry);
     }
     json["replicates"] = {
@@ -198,10 +169,9 @@ void runQuality(const QualityArguments& arguments) {
   if (arguments.json) requireDistinct({*arguments.json}, {arguments.study});
   Session session;
   openAsStored(session, arguments.study, arguments.name);
-  const ShownTable table = shownTable(session);
+  const ShownTable table = host::shownTable(session.analysis(), session.page());
   const host::Replicates replicates = replicatesOf(table, arguments.replicates);
-  const host::TableQuality quality =
-      host::qualityOf({table.counts, table.bins, table.names.size()}, replicates.pairs);
+  const host::TableQuality quality = host::qualityOf(table.view(), replicates.pairs);
   if (arguments.json) {
     const std::string text =
         qualityJson(quality, replicates, table).dump(1, ' ', false, ordered_json::error_handler_t::replace);

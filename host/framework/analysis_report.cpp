@@ -5,6 +5,7 @@
 #include <fmt/chrono.h>
 #include <fmt/format.h>
 
+#include "host/framework/shown_table.h"
 #include "plugin/base/numbers.h"
 
 namespace banddesk::host {
@@ -75,6 +76,23 @@ class Reading {
       table.rows.push_back(line(dyeName(dye), ofDye.at(static_cast<std::size_t>(dye))));
     table.rows.push_back(line("all", all));
     section.tables.push_back(std::move(table));
+    return section;
+  }
+
+  // Of the table as it is shown.
+  ReportSection quality() const {
+    const TableQuality quality = qualityOf(shownTable(analysis_, page_).view());
+    const auto figure = [](const std::optional<double>& value, const char* unit) {
+      return value ? fmt::format("{:.4g}{}", *value, unit) : std::string("-");
+    };
+    ReportSection section{"Quality of the table", {}, {}, {}};
+    section.facts = {
+        {"Bins", integerText(static_cast<std::int64_t>(quality.bins))},
+        {"Bins of a single fragment", integerText(static_cast<std::int64_t>(quality.singleFragmentBins))},
+        {"Fragments per filled cell", figure(quality.fragmentsPerFilledCell, "")},
+        {"Mean width of a bin", figure(quality.meanWidth, " nt")},
+        {"Largest width of a bin", figure(quality.largestWidth, " nt")},
+        {"Information content", figure(quality.informationContent, "")}};
     return section;
   }
 
@@ -178,7 +196,6 @@ class Reading {
 
 }  // namespace
 
-// A section about the quality of the bins has its place behind the counts.
 ReportDocument reportOf(const AFLP& analysis, IAFLPResultsPage& page, const std::string& dyeLetters) {
   const Reading reading(analysis, page, dyeLetters);
   ReportDocument document;
@@ -186,8 +203,8 @@ ReportDocument reportOf(const AFLP& analysis, IAFLPResultsPage& page, const std:
   document.subtitle =
       fmt::format("Study {}, report of {:%Y-%m-%d %H:%M}", required(analysis.Study.get(), "Study").Name.get(),
                   fmt::localtime(std::time(nullptr)));
-  document.sections = {reading.parameters(), reading.counts(), reading.excluded(), reading.tableHead(),
-                       reading.bins()};
+  document.sections = {reading.parameters(), reading.counts(),    reading.quality(),
+                       reading.excluded(),   reading.tableHead(), reading.bins()};
   return document;
 }
 

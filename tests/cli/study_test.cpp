@@ -257,6 +257,25 @@ TEST(StudyFiles, AreImportedIntoAndAnalysedOnlyWhereTheyMayBeWritten) {
   EXPECT_EQ(readFile(in("open/x.csv")), readFile(in("wanted.csv")));
 }
 
+TEST(Quality, TellsTheFiguresOfAStoredTableAndEveryPairItCannotMake) {
+  const std::string study = smallStudy();
+  ok({"analyze", study, "--name", "First", "--keep-full-bins"});
+  writeFile(in("pairs.tsv"), "a\tc\n\na\tnobody\n");
+  const std::string told =
+      ok({"quality", study, "--replicates", in("pairs.tsv"), "--json", in("q.json")}).out;
+  EXPECT_THAT(told, HasSubstr("3 samples, 4 bins, 2 of them with a single fragment\n"
+                              "fragments per filled cell: 1.0000\n"));
+  // Bins 100 (both), 200 and D2 150 (a), 300 (c): three of the four cells differ.
+  EXPECT_THAT(told, HasSubstr("a and c: Jaccard error 75.00 %, 3 cells differ\n"));
+  EXPECT_THAT(told, HasSubstr("no pair of \"a\" and \"nobody\""));
+  EXPECT_THAT(readFile(in("q.json")), HasSubstr("\"mismatchError\": 0.75"));
+  EXPECT_THAT(ok({"quality", study, "--replicates", "zz"}).out, HasSubstr("no replicates"));
+  writeFile(in("pairs.tsv"), "a\tc\na c\n");
+  const Outcome bad = banddesk({"quality", study, "--replicates", in("pairs.tsv")});
+  EXPECT_EQ(bad.status, 2);
+  EXPECT_THAT(bad.err, HasSubstr("pairs.tsv, line 2"));
+}
+
 TEST(Report, TellsAnAnalysisAsOneEscapedPage) {
   const std::string study = smallStudy();
   ok({"analyze", study, "--name", "A <b> & \"c\"", "--exclude-bin", "D1-300", "--exclude-sample", "b<i>&"});

@@ -1,0 +1,30 @@
+#include "host/framework/shown_table.h"
+
+#include "plugin/base/numbers.h"
+
+namespace banddesk::host {
+
+ShownTable shownTable(const AFLP& analysis, IAFLPResultsPage& page) {
+  ShownTable table;
+  std::vector<std::size_t> results;
+  std::size_t result = 0;
+  for (const auto& column : analysis.SampleGrid->Columns) {
+    const std::size_t at = result++;
+    if (page.IsColHidden(column->ColumnOrder)) continue;
+    results.push_back(at);
+    table.samples.push_back(column->ToolTip);
+  }
+  const AnalysisView view = page.Analysis();
+  for (std::int32_t row = 1; row <= page.NumRows(); ++row) {
+    if (page.IsRowHidden(row)) continue;
+    table.bins.push_back(page.CellText("7", row) + "-" + page.CellText("83", row));
+    table.extents.push_back(
+        {leadingNumber(page.CellText("9", row)), leadingNumber(page.CellText("10", row))});
+    const auto line = view.fragmentCounts.subspan(static_cast<std::size_t>(page.Bin(row)) *
+                                                  static_cast<std::size_t>(view.resultCount));
+    for (const std::size_t at : results) table.counts.push_back(line[at]);
+  }
+  return table;
+}
+
+}  // namespace banddesk::host

@@ -1,0 +1,25 @@
+// The table of an analysis as it is shown, in arrays: what the figures of its quality are made from.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "host/quality/table_quality.h"
+#include "plugin/banddesk.h"
+
+namespace banddesk::host {
+
+// Bins in the order of the rows, samples in the order of the results; what is hidden is left out.
+struct ShownTable {
+  std::vector<std::string> samples;  // full names
+  std::vector<std::string> bins;     // dye and mean size: "D1-100.25"
+  std::vector<BinExtent> extents;
+  std::vector<std::int32_t> counts;  // a line of all samples for each bin
+
+  TableView view() const { return {counts, extents, samples.size()}; }
+};
+
+ShownTable shownTable(const AFLP& analysis, IAFLPResultsPage& page);
+
+}  // namespace banddesk::host
