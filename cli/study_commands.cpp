@@ -57,6 +57,7 @@ std::int32_t resultNamed(const banddesk::Study& study, const std::string& name) 
 
 std::vector<std::int32_t> resultsNamed(const banddesk::Study& study, const std::vector<std::string>& names) {
   std::vector<std::int32_t> ids;
+  ids.reserve(names.size());
   for (const std::string& name : names) ids.push_back(resultNamed(study, name));
   return ids;
 }

@@ -286,7 +286,8 @@ TEST(Report, TellsAnAnalysisAsOneEscapedPage) {
   EXPECT_THAT(page, Not(HasSubstr("<i>")));
   EXPECT_THAT(page, HasSubstr("<dt>Maximum bin width</dt><dd>1 nt</dd>"));
   EXPECT_THAT(page, HasSubstr("<td class=\"text\">D1 (B)</td><td>6</td><td>3</td>"));
-  for (const char* part : {"Parameters", "Counts", "Excluded elements", "Head of the table", "Bins"})
+  for (const char* part :
+       {"Parameters", "Counts", "Quality of the table", "Excluded elements", "Head of the table", "Bins"})
     EXPECT_THAT(page, HasSubstr(fmt::format("<h2>{}</h2>", part)));
   EXPECT_THAT(page, HasSubstr("@media print"));
   ok({"report", study, in("again.html")});
