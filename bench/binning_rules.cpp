@@ -95,11 +95,11 @@ class LargestGap {
 class Agglomeration {
  public:
   Agglomeration(const Pool& pool, double maxWidth) : pool_(pool), maxWidth_(maxWidth) {
-    for (std::size_t i = 0; i < pool.size(); ++i) {
-      const double size = pool[i].size;
+    for (const PooledPeak& peak : pool) {
+      const double size = peak.size;
       if (groups_.empty() || size != groups_.back().last) groups_.push_back({size, size, 0, {}, {}, {}});
       groups_.back().sum += size;
-      groups_.back().samples.push_back(pool[i].sample);
+      groups_.back().samples.push_back(peak.sample);
     }
     for (std::size_t i = 0; i < groups_.size(); ++i) {
       groups_[i].previous = i == 0 ? kNone : i - 1;

@@ -33,8 +33,8 @@ inline double Crowding::before(std::size_t group, double cut, double sigma) {
     const double left = 1 - away * away;
     sum += one.count * left * left;
   };
-  for (std::size_t i = group; i-- > 0 && cut - groups_[i].largest < reach;)
-    weigh(groups_[i], cut - groups_[i].largest);
+  for (std::size_t i = group; i > 0 && cut - groups_[i - 1].largest < reach; --i)
+    weigh(groups_[i - 1], cut - groups_[i - 1].largest);
   for (std::size_t i = group; i < groups_.size() && groups_[i].least - cut < reach; ++i)
     weigh(groups_[i], groups_[i].least - cut);
   return sum;

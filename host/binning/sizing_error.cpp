@@ -131,7 +131,7 @@ double logLikelihoodOfLine(const std::vector<Stratum>& strata, std::size_t from,
   for (const Stratum& stratum : strata) {
     const double position = range > 0 ? (stratum.size - strata.front().size) / range : 0;
     const double level = static_cast<double>(from) + position * static_cast<double>(to - from);
-    sum += stratum.logLikelihood[static_cast<std::size_t>(level + 0.5)];
+    sum += stratum.logLikelihood[static_cast<std::size_t>(std::lround(level))];
   }
   return sum;
 }

@@ -54,7 +54,8 @@ RC_GTEST_PROP(PartitionBins, DoNotDependOnTheOrderOfTheSamples, ()) {
   constexpr std::int32_t kSamples = 7;
   Peaks peaks, renumbered;
   for (const int drawn : *rc::gen::container<std::vector<int>>(rc::gen::inRange(0, 4000))) {
-    const double size = 100 + drawn / 7 * 0.01;
+    const int hundredths = drawn / 7;
+    const double size = 100 + hundredths * 0.01;
     peaks.push_back({drawn % kSamples, size, drawn / 10.0});
     renumbered.push_back({kSamples - 1 - drawn % kSamples, size, drawn / 10.0});
   }
