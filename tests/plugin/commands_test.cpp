@@ -66,6 +66,30 @@ TEST(Commands, SortByTheColumnsThatTheUserChooses) {
   EXPECT_EQ(page.CellText("6", 1), "300");
 }
 
+TEST(Commands, SortAndLockWhereTheRightClickWas) {
+  Desk desk(kScript);
+  IAFLPResultsPage& page = desk.newAnalysis();
+  const auto choose = [&](std::int32_t row, std::int32_t col, const char* item) {
+    desk.host.platform().popupAnswers.push_back([](ui::MenuItem&, ui::MenuItem*) {});
+    desk.grid().rightClick(row, col);
+    desk.choose(item);
+  };
+  choose(0, 12, "mnuSortColumn");
+  EXPECT_EQ(page.CellText("-3", 1), "0");
+  choose(3, 1, "mnuSortBin");
+  EXPECT_EQ(page.Key(10), "-3");
+  choose(0, 4, "mnuLockColumn");
+  EXPECT_EQ(page.LockedCol(), 4);
+  choose(0, 4, "mnuLockColumn");
+  EXPECT_EQ(page.LockedCol(), 0);
+  desk.grid().selectCols(3, 4);
+  desk.grid().selectCols(4, 10, true);
+  EXPECT_EQ(page.GetSelected(1, 1)->Count(), 8);
+  EXPECT_EQ(page.GetSelected(1, 0)->Item(8), -3);
+  EXPECT_EQ(page.ExcludeColumn(4, true), page.Key(4));
+  EXPECT_EQ(page.GetSelected(1, 1)->Count(), 7);
+}
+
 TEST(Commands, LeavingABoxAnalysesAtOnceAndEnterDoesNotReachIt) {
   Desk desk(kScript);
   IAFLPResultsPage& page = desk.newAnalysis();
