@@ -8,7 +8,6 @@
 #include <unordered_set>
 
 #include "host/binning/default_calculator.h"
-#include "host/binning/gap_bin_calculator.h"
 
 namespace banddesk::bench {
 namespace {
@@ -200,11 +199,7 @@ std::vector<Rule> allRules() {
   return {
       {"fixed grid", fixedGrid},
       {"greedy", greedy},
-      {"largest gap",
-       [](const Pool& pool, double width) {
-         host::GapBinCalculator calculator;
-         return binsOf(calculator, pool, width);
-       }},
+      {"largest gap", [](const Pool& pool, double width) { return LargestGap(pool, width, width).bins(); }},
       {"largest gap, min",
        [](const Pool& pool, double width) { return LargestGap(pool, width, width / 2).bins(); }},
       {"agglomerative", [](const Pool& pool, double width) { return Agglomeration(pool, width).bins(); }},

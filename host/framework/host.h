@@ -26,7 +26,7 @@ namespace banddesk::host {
 
 struct HostSettings {
   std::function<std::shared_ptr<Grid>(const std::string& name)> makeGrid;  // absent: there are no grids
-  std::function<std::shared_ptr<BinCalculator>()> makeBinCalculator;       // absent: by gaps
+  std::function<std::shared_ptr<BinCalculator>()> makeBinCalculator;       // absent: the host's own
   std::string applicationPath = besideExecutable("");
   std::string codeSet = systemCodeSet();  // of text files
   char decimalSeparator = '.';            // in which the user types numbers

@@ -6,7 +6,6 @@
 #include <map>
 #include <rapidcheck/gtest.h>
 
-#include "host/binning/gap_bin_calculator.h"
 #include "host/binning/partition_bin_calculator.h"
 #include "plugin/base/error.h"
 #include "tests/binning/calculator_facts.h"
@@ -16,7 +15,7 @@ namespace {
 
 template <class Calculator>
 class AnyBinCalculator : public testing::Test {};
-using Calculators = testing::Types<GapBinCalculator, PartitionBinCalculator>;
+using Calculators = testing::Types<PartitionBinCalculator>;
 TYPED_TEST_SUITE(AnyBinCalculator, Calculators);
 
 constexpr std::int32_t kResults = 6;
