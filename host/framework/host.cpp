@@ -103,6 +103,17 @@ void Host::runCommand(const std::shared_ptr<IExplorerItemAccess>& item, const st
   }
 }
 
+std::vector<ReportRequest> Host::reportContexts() const {
+  Collection<std::shared_ptr<ReportContextType>> types;
+  serviceBase().GetReportContextTypes.raise(types);
+  std::vector<ReportRequest> contexts;
+  if (types.Count() == 0) return contexts;
+  Dictionary<ObjectRef> named;
+  serviceBase().GetReportContexts.raise(nullptr, named);
+  for (const auto& [name, context] : named) contexts.push_back({name, context, types.Item(1)->number()});
+  return contexts;
+}
+
 IAFLPService& Host::service() const { return required(service_, "AFLPService"); }
 
 ServiceBase& Host::serviceBase() const { return required(serviceBase_, "ServiceBase"); }

@@ -69,7 +69,7 @@ struct PageWatch {
   std::function<void(HostPage&)> onChange;  // caption or view index
 };
 
-class HostPage final : public Page {
+class HostPage final : public Page, public std::enable_shared_from_this<HostPage> {
  public:
   HostPage(FaultInjector& faults, const PageWatch& watch, std::string definitionName, std::string caption,
            ObjectRef bound, PageOwner* owner)

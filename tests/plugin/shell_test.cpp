@@ -195,16 +195,15 @@ TEST(Reports, OfferEveryAnalysisUnlessTheCommandIsHidden) {
   Desk desk(kOneBin);
   desk.newAnalysis();
   const auto offered = [&] {
-    Dictionary<ObjectRef> contexts;
-    Collection<std::shared_ptr<ReportContextType>> types;
-    desk.host.serviceBase().GetReportContexts.raise(nullptr, contexts);
-    desk.host.serviceBase().GetReportContextTypes.raise(types);
-    return std::pair(contexts.Count(), types.Count() == 0 ? 0 : types.Item(1)->number());
+    std::vector<std::pair<std::string, std::int32_t>> contexts;
+    for (const auto& each : desk.host.reportContexts())
+      contexts.emplace_back(each.contextName, each.contextType);
+    return contexts;
   };
-  EXPECT_EQ(offered(), std::pair(1, 1013));
+  EXPECT_THAT(offered(), ElementsAre(std::pair("New AFLP 1", 1013)));
   const auto& definition = desk.host.registry().Definitions.Item("AFLPService")->ExplorerItems.Item("AFLP");
   definition->Commands.Item("NewReport")->Visible = std::optional<bool>();
-  EXPECT_EQ(offered(), std::pair(0, 0));
+  EXPECT_THAT(offered(), IsEmpty());
 }
 
 }  // namespace
