@@ -246,7 +246,7 @@ QRadioButton* ControlBinder::make(ui::OptionButton& control, QWidget* parent) {
 }
 
 QComboBox* ControlBinder::make(ui::ComboBox& control, QWidget* parent) {
-  auto* widget = new DropDownList(parent);
+  QComboBox* widget = new DropDownList(parent);
   follow(control, widget, showComboBox);
   nameByLabel(*widget);
   QObject::connect(widget, &QComboBox::activated, &context_, [this, &control](int index) {

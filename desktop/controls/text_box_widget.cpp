@@ -96,15 +96,13 @@ bool TextBoxWidget::takesFocus(QWidget* target, Qt::FocusPolicy policy) const {
 
 // Whether the accelerator of a widget moves the focus: those of menus and of the box's own label do not.
 bool TextBoxWidget::isWayOut(const QWidget& target) const {
-  if (&target == this || target.window() != window() || target.property(kLeavesUnasked).toBool())
-    return false;
+  if (&target == this || target.window() != window()) return false;
   const auto* label = qobject_cast<const QLabel*>(&target);
   return qobject_cast<const QMenuBar*>(&target) == nullptr && (label == nullptr || label->buddy() != this);
 }
 
 bool TextBoxWidget::refusesPointer(QWidget* target, const QPoint& windowPos, Qt::FocusPolicy policy) {
   if (target == nullptr || target == this || isAncestorOf(target)) return false;
-  if (target->property(kLeavesUnasked).toBool()) return false;
   const bool goes = takesFocus(target, policy);
   if (!goes && !switchesPage(target, windowPos)) return false;
   const QPointer<TextBoxWidget> self = this;

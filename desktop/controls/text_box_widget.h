@@ -8,10 +8,6 @@
 
 namespace banddesk::desktop {
 
-// A property that, set to true on a widget, lets the user go to it from any box: a page can always be given
-// up.
-inline constexpr const char* kLeavesUnasked = "leavesUnasked";
-
 class TextBoxWidget final : public QLineEdit {
   Q_OBJECT
 
