@@ -117,7 +117,7 @@ bool TextBoxWidget::refusesPointer(QWidget* target, const QPoint& windowPos, Qt:
 
 bool TextBoxWidget::eventFilter(QObject* watched, QEvent* event) {
   if (isLeaving_) {
-    wasInterrupted_ = wasInterrupted_ || (event->type() == QEvent::WindowBlocked && watched == window());
+    if (event->type() == QEvent::WindowBlocked && watched == window()->windowHandle()) wasInterrupted_ = true;
     return false;
   }
   if (QApplication::activePopupWidget() != nullptr) return false;

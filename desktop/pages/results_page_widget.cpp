@@ -105,6 +105,7 @@ QWidget* ResultsPageWidget::makeNumbers(QWidget* parent) {
   lines->addLayout(numberField("txtYThreshold", "udYThreshold", block), 1, 1, Qt::AlignLeft);
   lines->addWidget(binder().make(control<ui::Label>("lblDyes"), block), 2, 0);
   auto* dyes = new QHBoxLayout;
+  dyes->setSpacing(fontMetrics().height() / 4);
   for (int dye = 0; dye < kDyes; ++dye) dyes->addWidget(check(fmt::format("chkDye({})", dye).c_str(), block));
   lines->addLayout(dyes, 2, 1, Qt::AlignLeft);
   return block;
