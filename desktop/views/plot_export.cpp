@@ -25,6 +25,10 @@ void paintPanels(QPainter& painter, const Figure& figure, double columnsPerUnit)
   }
 }
 
+void requirePanels(const Figure& figure) {
+  if (figure.panels < 1) raise(ErrorNumber::InvalidArgument, "Export", "No sample is chosen.");
+}
+
 QSize wholeSize(const Figure& figure) {
   return {figure.panel.width(), figure.panel.height() * figure.panels};
 }
@@ -69,6 +73,7 @@ void paintPdf(const Figure& figure, QIODevice& device) {
 }  // namespace
 
 QImage figureImage(const Figure& figure) {
+  requirePanels(figure);
   const QSize size = wholeSize(figure) * kPictureScale;
   if (std::max(size.width(), size.height()) > kLongestPicture) {
     raise(ErrorNumber::InvalidArgument, "Export",
@@ -84,6 +89,7 @@ QImage figureImage(const Figure& figure) {
 }
 
 void writeFigure(const Figure& figure, const QString& fileName) {
+  requirePanels(figure);
   const QString ending = fileName.section(QLatin1Char('.'), -1).toLower();
   const bool isPicture = ending == QLatin1String("png");
   if (!isPicture && ending != QLatin1String("svg") && ending != QLatin1String("pdf")) {

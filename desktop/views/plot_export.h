@@ -20,7 +20,8 @@ struct Figure {
 QImage figureImage(const Figure& figure);
 
 // As PNG, SVG or PDF, as the name's end says (PDF: landscape A4 sheets, as many panels on each as are
-// readable). Error 5 for another ending or for too large a picture, 70 where the file cannot be written.
+// readable). Error 5 for another ending, no panels or too large a picture, 70 where the file cannot be
+// written.
 void writeFigure(const Figure& figure, const QString& fileName);
 
 }  // namespace banddesk::desktop

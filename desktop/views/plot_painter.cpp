@@ -13,6 +13,8 @@ namespace {
 
 constexpr double kTick = 4;
 constexpr double kGap = 3;
+constexpr double kHeadroom = 1.08;         // above the highest peak
+constexpr double kEmptyHeight = 100;       // RFU, where there is no peak
 constexpr double kLeastContrast = 3;       // between a curve and its ground
 constexpr double kLeastBandWidth = 2;      // a bin of one fragment has no width of its own
 constexpr double kHatch = 8;               // between its lines
@@ -47,6 +49,18 @@ PlotLook lookOf(const QFont& font, const QColor& ground, const QColor& text) {
 
 }  // namespace
 
+Span fittedHeights(const PlotScene& scene, Span sizes) {
+  Span all;
+  for (const std::size_t sample : scene.samples) {
+    for (std::size_t dye = 0; dye < scene.dyes.size(); ++dye) {
+      if (!scene.dyes[dye] || !scene.traces) continue;
+      const Span one = heightExtent(scene.traces->samples[sample].dyes[dye], sizes);
+      all = {std::min(all.low, one.low), std::max(all.high, one.high)};
+    }
+  }
+  return {all.low * kHeadroom, all.high > 0 ? all.high * kHeadroom : kEmptyHeight};
+}
+
 PlotLook PlotLook::ofPalette(const QPalette& palette, const QFont& font) {
   return lookOf(font, palette.color(QPalette::Base), palette.color(QPalette::Text));
 }
@@ -69,7 +83,7 @@ QRectF PlotPainter::areaIn(const QRectF& whole) const {
   const QFontMetricsF metrics(look_.font);
   const double left =
       metrics.height() + metrics.horizontalAdvance(QStringLiteral("000000")) + kTick + 2 * kGap;
-  const double bottom = 2 * metrics.height() + kTick + 2 * kGap;
+  const double bottom = (scene_.hasSizeTitle ? 2 : 1) * metrics.height() + kTick + 2 * kGap;
   const double top = metrics.height() + 2 * kGap;
   const double right = metrics.horizontalAdvance(QStringLiteral("00"));
   // On whole pixels, so that what was drawn can be moved by them.
@@ -240,6 +254,7 @@ void PlotPainter::paintSizeTicks(QPainter& painter, const QRectF& whole,
     painter.drawText(QRectF(x - width / 2, area.bottom() + kTick + 1, width, height), Qt::AlignHCenter,
                      tickText(tick, ticks));
   }
+  if (!scene_.hasSizeTitle) return;
   painter.drawText(QRectF(area.left(), whole.bottom() - height - kGap, area.width(), height),
                    Qt::AlignHCenter, QStringLiteral("Size (nt)"));
 }

@@ -24,7 +24,11 @@ struct PlotScene {
   std::shared_ptr<const std::vector<BinBand>> bands;
   QString title;
   bool hasLegend = true;
+  bool hasSizeTitle = true;
 };
+
+// From 0, or below for curves that go there, to a little above the highest peak within the sizes.
+Span fittedHeights(const PlotScene& scene, Span sizes);
 
 // Fonts are measured in pixels of the painter, so that a figure is the same on every device.
 struct PlotLook {

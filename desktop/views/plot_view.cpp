@@ -13,8 +13,6 @@
 namespace banddesk::desktop {
 namespace {
 
-constexpr double kHeadroom = 1.08;
-constexpr double kEmptyHeight = 100;  // RFU, where there is no peak
 constexpr int kSettleMs = 250;
 
 }  // namespace
@@ -96,6 +94,12 @@ void PlotView::setTitle(const QString& title) {
   update();
 }
 
+void PlotView::setSizeTitle(bool isShown) {
+  if (scene_.hasSizeTitle == isShown) return;
+  scene_.hasSizeTitle = isShown;
+  update();
+}
+
 void PlotView::setLegend(bool isShown) {
   scene_.hasLegend = isShown;
   update();
@@ -115,17 +119,18 @@ void PlotView::zoomHeight(double factor) {
 }
 
 void PlotView::showHeights(Span heights) {
-  const bool wasAutomatic = std::exchange(isAutomatic_, false);
+  if (!isAutomatic_ && heights_ == heights) return;
+  isAutomatic_ = false;
   heights_ = heights;
   update();
-  if (wasAutomatic && onHeightModeChange) onHeightModeChange();
+  if (onHeightChange) onHeightChange();
 }
 
 void PlotView::setAutomaticHeight(bool isAutomatic) {
   if (isAutomatic_ == isAutomatic) return;
   isAutomatic_ = isAutomatic;
   fitHeights();
-  if (onHeightModeChange) onHeightModeChange();
+  if (onHeightChange) onHeightChange();
 }
 
 void PlotView::showAll() {
@@ -135,16 +140,8 @@ void PlotView::showAll() {
 }
 
 void PlotView::fitHeights() {
-  if (!isAutomatic_ || !scene_.traces) return;
-  Span all;
-  for (const std::size_t sample : scene_.samples) {
-    for (std::size_t dye = 0; dye < scene_.dyes.size(); ++dye) {
-      if (!scene_.dyes[dye]) continue;
-      const Span one = heightExtent(scene_.traces->samples[sample].dyes[dye], axis_->shown());
-      all = {std::min(all.low, one.low), std::max(all.high, one.high)};
-    }
-  }
-  heights_ = {all.low * kHeadroom, all.high > 0 ? all.high * kHeadroom : kEmptyHeight};
+  if (!isAutomatic_) return;
+  heights_ = fittedHeights(scene_, axis_->shown());
   update();
 }
 
@@ -205,6 +202,13 @@ void PlotView::stepPeak(int direction) {
   const auto last = static_cast<std::ptrdiff_t>(shown.size()) - 1;
   const std::ptrdiff_t from = at == shown.end() ? (direction > 0 ? -1 : last + 1) : at - shown.begin();
   readOut(shown[static_cast<std::size_t>(std::clamp<std::ptrdiff_t>(from + direction, 0, last))].second);
+}
+
+void PlotView::pointOut(const PeakPlace& peak) {
+  const double size = scene_.traces->samples[peak.sample].dyes[peak.dye].sizes[peak.peak];
+  const Span shown = axis_->shown();
+  if (size < shown.low || size > shown.high) axis_->shift(size - shown.middle());
+  readOut(peak);
 }
 
 // ---- painting

@@ -30,6 +30,7 @@ class PlotView final : public QWidget {
   void setEmphasis(std::optional<std::size_t> sample);  // drawn above the others
   void setTitle(const QString& title);
   void setLegend(bool isShown);
+  void setSizeTitle(bool isShown);
   const PlotScene& scene() const { return scene_; }
 
   // ---- the part that it shows
@@ -51,11 +52,13 @@ class PlotView final : public QWidget {
   const QString& readout() const { return readout_; }  // empty while the pointer is nowhere near a peak
   // The next (1) or the previous (-1) peak of the one that is read out, in the order of sizes.
   void stepPeak(int direction);
+  void pointOut(const PeakPlace& peak);  // it comes into view and is read out
 
   // The same plot for another device, on white.
   void paintFigure(QPainter& painter, const QRectF& whole, double columnsPerUnit) const;
 
-  std::function<void()> onHeightModeChange;
+  // Other heights were chosen, or they became automatic.
+  std::function<void()> onHeightChange;
 
   QSize sizeHint() const override;
   QSize minimumSizeHint() const override;
