@@ -49,6 +49,7 @@ BinReview::BinReview(TableLink& link, QWidget* keysIn, QWidget* parent)
   status_->setAccessibleName(QStringLiteral("Bin"));
   status_->setTextFormat(Qt::PlainText);
   status_->setWordWrap(true);
+  status_->setMinimumHeight(2 * QFontMetrics(font()).height());  // so that no text moves the plot
   auto* line = new QHBoxLayout(this);
   line->setContentsMargins(0, 0, 0, 0);
   for (QPushButton* button : {previous_, next_, exclude_}) line->addWidget(button);

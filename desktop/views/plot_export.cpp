@@ -17,6 +17,7 @@ constexpr int kPictureScale = 2;
 constexpr int kLongestPicture = 30000;  // device pixels
 constexpr double kVectorColumns = 3;    // columns a unit: finer than print shows
 constexpr int kPdfResolution = 1200;
+constexpr double kLeastPanelHeight = 140;
 
 void paintPanels(QPainter& painter, const Figure& figure, double columnsPerUnit) {
   for (int panel = 0; panel < figure.panels; ++panel) {
@@ -44,7 +45,8 @@ void paintSvg(const Figure& figure, QIODevice& device) {
   paintPanels(painter, figure, kVectorColumns);
 }
 
-// Panels keep their width to height on the sheet's width, unless a single one is higher than the sheet.
+// Panels keep their shape on the sheet's width, unless that makes them too low to read or higher than the
+// sheet.
 void paintPdf(const Figure& figure, QIODevice& device) {
   QPdfWriter writer(&device);
   writer.setResolution(kPdfResolution);
@@ -56,7 +58,7 @@ void paintPdf(const Figure& figure, QIODevice& device) {
   const QSizeF sheet(writer.width() * kUnitsPerInch / kPdfResolution,
                      writer.height() * kUnitsPerInch / kPdfResolution);
   const double natural = sheet.width() * figure.panel.height() / std::max(figure.panel.width(), 1);
-  const double height = std::min(natural, sheet.height());
+  const double height = std::min(std::max(natural, kLeastPanelHeight), sheet.height());
   const int onSheet = std::max(static_cast<int>(sheet.height() / height), 1);
   for (int panel = 0; panel < figure.panels; ++panel) {
     if (panel > 0 && panel % onSheet == 0) writer.newPage();

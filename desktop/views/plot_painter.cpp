@@ -11,6 +11,7 @@
 namespace banddesk::desktop {
 namespace {
 
+constexpr int kMostHeightTicks = 12;
 constexpr double kTick = 4;
 constexpr double kGap = 3;
 constexpr double kHeadroom = 1.08;         // above the highest peak
@@ -33,8 +34,9 @@ double luminance(const QColor& color) {
 }
 
 double contrast(const QColor& a, const QColor& b) {
-  const auto [dark, light] = std::minmax(luminance(a), luminance(b));
-  return (light + 0.05) / (dark + 0.05);
+  const double first = luminance(a) + 0.05;
+  const double second = luminance(b) + 0.05;
+  return std::max(first / second, second / first);
 }
 
 QFont inPixels(QFont font) {
@@ -159,9 +161,9 @@ std::vector<double> PlotPainter::sizeTicks(const PlotTransform& transform) const
 }
 
 std::vector<double> PlotPainter::heightTicks(const PlotTransform& transform) const {
-  const double room = 2 * QFontMetricsF(look_.font).height();
-  return roundTicks(transform.range().heights,
-                    std::max(static_cast<int>(transform.area().height() / room), 1));
+  const double room = 1.5 * QFontMetricsF(look_.font).height();
+  const int fitting = static_cast<int>(transform.area().height() / room);
+  return roundTicks(transform.range().heights, std::clamp(fitting, 1, kMostHeightTicks));
 }
 
 void PlotPainter::paintGrid(QPainter& painter, const PlotTransform& transform, Span xs) const {

@@ -12,14 +12,16 @@ SampleList::SampleList(const TraceSet& traces, QWidget* parent)
     : QWidget(parent), list_(new QListWidget(this)) {
   list_->setAccessibleName(QStringLiteral("Samples"));
   list_->setUniformItemSizes(true);
+  list_->setTextElideMode(Qt::ElideRight);
+  list_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
   for (const TraceSample& sample : traces.samples) {
     auto* item = new QListWidgetItem(toQString(sample.name), list_);
     item->setToolTip(toQString(sample.name));
     item->setFlags(item->flags() | Qt::ItemIsUserCheckable);
     item->setCheckState(Qt::Checked);
   }
-  auto* all = new QPushButton(QStringLiteral("&All"), this);
-  auto* none = new QPushButton(QStringLiteral("N&one"), this);
+  auto* all = new QPushButton(QStringLiteral("All"), this);
+  auto* none = new QPushButton(QStringLiteral("None"), this);
   auto* line = new QHBoxLayout;
   line->addWidget(all);
   line->addWidget(none);

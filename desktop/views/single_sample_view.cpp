@@ -33,6 +33,7 @@ SingleSampleView::SingleSampleView(host::Host& host, ViewContent content, ViewAc
   splitter->setStretchFactor(0, 3);
   splitter->setStretchFactor(1, 1);
   splitter->setChildrenCollapsible(false);
+  splitter->setSizes({3000, 1200});
   column().addWidget(splitter, 1);
   tableShown_ = addCheck(QStringLiteral("Fragment &Table"), QStringLiteral("The fragments in a table"),
                          [this](bool isShown) { setViewIndex(isShown ? 1 : 2); });
