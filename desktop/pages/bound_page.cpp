@@ -1,8 +1,5 @@
 #include "desktop/pages/bound_page.h"
 
-#include <QApplication>
-#include <QShortcut>
-
 namespace banddesk::desktop {
 namespace {
 
@@ -89,7 +86,9 @@ void BoundPage::finish(std::initializer_list<QWidget*> tabOrder) {
     if (widget != nullptr) before = widget;
   }
   for (QWidget* widget : findChildren<QWidget*>()) {
-    if (widget->focusPolicy() != Qt::NoFocus) widget->installEventFilter(this);
+    // A list that drops down is a window of its own, and so are its keys.
+    const bool isOnPage = widget->window() == window();
+    if (isOnPage && widget->focusPolicy() != Qt::NoFocus) widget->installEventFilter(this);
   }
 }
 

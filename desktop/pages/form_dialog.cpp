@@ -6,6 +6,7 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QVBoxLayout>
+#include <exception>
 #include <vector>
 
 #include "desktop/base/qt_text.h"
@@ -21,6 +22,8 @@ class FormDialog final : public QDialog {
   FormDialog(ui::Form& form, QWidget* parent);
 
   void reject() override;
+  // The form's own failure, for whoever opened it; none may pass through the toolkit.
+  void raiseFailure() const;
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  protected:
@@ -31,7 +34,7 @@ class FormDialog final : public QDialog {
   void hear(QWidget& widget);
   void addButton(ui::CommandButton& control);
   bool hearMouse(QEvent& event);
-  void endIfUnloaded();
+  void run(const std::function<void()>& action);
 
   ui::Form& form_;
   WidgetRegistry registry_;
@@ -41,16 +44,13 @@ class FormDialog final : public QDialog {
   QVBoxLayout* choices_;
   QDialogButtonBox* buttons_;
   std::vector<QWidget*> tabOrder_;
+  std::exception_ptr failure_;
 };
 
 FormDialog::FormDialog(ui::Form& form, QWidget* parent)
     : QDialog(parent),
       form_(form),
-      binder_(registry_,
-              [this](const std::function<void()>& action) {
-                action();
-                endIfUnloaded();
-              }),
+      binder_(registry_, [this](const std::function<void()>& action) { run(action); }),
       pictures_(new QVBoxLayout),
       texts_(new QVBoxLayout),
       choices_(new QVBoxLayout),
@@ -109,14 +109,23 @@ void FormDialog::addButton(ui::CommandButton& control) {
   tabOrder_.push_back(button);
 }
 
-void FormDialog::endIfUnloaded() {
-  if (!form_.isLoaded()) done(0);
+// What the user does to the form, which may unload it.
+void FormDialog::run(const std::function<void()>& action) {
+  try {
+    action();
+  } catch (...) {
+    failure_ = std::current_exception();
+  }
+  if (failure_ || !form_.isLoaded()) done(0);
 }
 
 // By Escape and by the frame.
 void FormDialog::reject() {
-  form_.UnloadMe();
-  done(0);
+  run([this] { form_.UnloadMe(); });
+}
+
+void FormDialog::raiseFailure() const {
+  if (failure_) std::rethrow_exception(failure_);
 }
 
 // Help is a release of the mouse before which the form saw no press: the platform's question-mark pointer
@@ -156,7 +165,9 @@ bool FormDialog::event(QEvent* event) {
 
 void runForm(ui::Form& form, QWidget* parent) {
   if (!form.isLoaded()) return;
-  FormDialog(form, parent).exec();
+  FormDialog dialog(form, parent);
+  dialog.exec();
+  dialog.raiseFailure();
   form.UnloadMe();
 }
 

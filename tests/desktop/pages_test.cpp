@@ -185,8 +185,9 @@ TEST(ResultsPage, GivesTheGridWhatThePanelLeavesAndNothingWhereNothingIsLeft) {
   const auto fills = [&](int width, int height) {
     shown.widget->resize(width, height);
     QCoreApplication::processEvents();
-    return shown.grid->geometry() == QRect(0, 0, width, panel->y()) &&
-           panel->geometry().bottom() == height - 1 && shown.desk.grid().Height == shown.grid->height();
+    return shown.grid->geometry() == QRect(0, 0, shown.widget->width(), panel->y()) &&
+           panel->geometry().bottom() == shown.widget->height() - 1 &&
+           shown.desk.grid().Height == shown.grid->height();
   };
   EXPECT_TRUE(fills(1400, 800));
   const int wide = panel->height();
