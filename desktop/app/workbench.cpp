@@ -1,7 +1,5 @@
 #include "desktop/app/workbench.h"
 
-#include <algorithm>
-
 #include "host/grid/grid_control.h"
 #include "host/store/sqlite_store.h"
 
@@ -25,11 +23,11 @@ std::string Workbench::studyName() { return isOpen() ? study()->Name.get() : std
 bool Workbench::isModified() {
   if (!isOpen()) return false;
   auto& analyses = study()->AFLPs;
-  return analyses.DeletedItems().Count() > 0 ||
-         std::any_of(analyses.begin(), analyses.end(), [](const auto& analysis) {
-           const PersistentState& state = analysis->persistentState();
-           return state.IsNew || state.IsDirty;
-         });
+  for (const auto& analysis : analyses) {
+    const PersistentState& state = analysis->persistentState();
+    if (state.IsNew || state.IsDirty) return true;
+  }
+  return analyses.DeletedItems().Count() > 0;
 }
 
 void Workbench::create(const std::filesystem::path& path) {

@@ -5,13 +5,12 @@
 #include <QMenu>
 #include <functional>
 
+#include "desktop/controls/user_action.h"
 #include "plugin/base/error.h"
 #include "plugin/ui/menu.h"
 
 namespace banddesk::desktop {
 
-// What the user does to the analysis runs inside it.
-using UserAction = std::function<void(const std::function<void()>&)>;
 using ShowError = std::function<void(const Error&)>;
 
 // Whether the item changes nothing of the analysis: it only opens a view or writes a file.

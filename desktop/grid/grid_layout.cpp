@@ -49,7 +49,11 @@ Hit GridLayout::hit(QPoint pixel, int grip) const {
   if (col == nullptr) return {};
   const CellPlace cell{row->position, col->position};
   if (cell.row == 0) return {cell.col == 0 ? Hit::On::Corner : Hit::On::ColumnHeader, cell};
-  return {cell.col == 0 ? Hit::On::RowHeader : Hit::On::Cell, cell};
+  if (cell.col == 0) return {Hit::On::RowHeader, cell};
+  // Without headers the first line stands for them.
+  if (cell.col == 1 && !cols.showsHeader()) return {Hit::On::RowHeader, cell};
+  if (cell.row == 1 && !rows.showsHeader()) return {Hit::On::ColumnHeader, cell};
+  return {Hit::On::Cell, cell};
 }
 
 Position GridLayout::insertionAt(Axis axis, int pixel) const {

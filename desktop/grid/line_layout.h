@@ -38,6 +38,7 @@ class LineLayout {
   // The pixels of those of the lines first..last that are in sight; extent 0 if none is.
   ShownLine span(Position first, Position last) const;
 
+  bool showsHeader() const { return wanted_.showsHeader; }
   int scrollStart() const { return scrollStart_; }
   int end() const { return lines_.empty() ? 0 : lines_.back().end(); }
   int room() const { return room_; }

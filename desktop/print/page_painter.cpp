@@ -152,7 +152,7 @@ void PagePainter::paintText(QPainter& painter, const QString& text, const StyleA
   TextFont& font = fontOf(fontPoints(style));
   painter.setFont(font.font);
   painter.setPen(inkOf(style));
-  const double margin = kCellMargin * kUnits;
+  const double margin = kPaperCellMargin * kUnits;
   const QRectF box = unitRect(place).adjusted(margin, 0, -margin, 0);
   if (style.wrapText.value_or(false) && box.height() >= 2 * font.height) {
     painter.drawText(box, Qt::TextWordWrap, text);

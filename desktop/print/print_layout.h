@@ -41,7 +41,7 @@ struct PlacedCell {
 };
 
 inline constexpr double kDefaultFontPoints = 8;
-inline constexpr double kCellMargin = 2;  // points, left and right of a text
+inline constexpr double kPaperCellMargin = 2;  // points, left and right of a text
 
 double fontPoints(const StyleAttributes& style);
 double lineHeight(double fontPoints);

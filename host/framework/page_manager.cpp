@@ -124,6 +124,7 @@ void HostPageManager::endAll() {
 void HostPageManager::userEvent(const HostPage& page, const std::function<void()>& action) const {
   markIfPersistent(page.bound());
   action();
+  if (watch.onUserEvent) watch.onUserEvent(page);
 }
 
 bool HostPageManager::fireTimers() const {

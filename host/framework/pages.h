@@ -66,7 +66,8 @@ class HostPageBase final : public PageBase, public LivingOwner {
 struct PageWatch {
   std::function<void(HostPage&)> onShow;
   std::function<void(HostPage&)> onEnd;
-  std::function<void(HostPage&)> onChange;  // caption or view index
+  std::function<void(HostPage&)> onChange;           // caption or view index
+  std::function<void(const HostPage&)> onUserEvent;  // after what the user did to it
 };
 
 class HostPage final : public Page, public std::enable_shared_from_this<HostPage> {
