@@ -6,6 +6,7 @@
 #include <QHelpEvent>
 #include <QLineEdit>
 #include <QMimeData>
+#include <QScreen>
 #include <QScrollBar>
 #include <QTest>
 #include <QToolTip>
@@ -13,6 +14,7 @@
 #include <rapidcheck.h>
 #include <set>
 
+#include "desktop/base/qt_text.h"
 #include "desktop/grid/cell_colours.h"
 #include "desktop/grid/qt_text_measure.h"
 #include "desktop/grid/table_copy.h"
@@ -261,6 +263,194 @@ TEST_F(GridViewTest, WhateverIsFrozenHiddenOrScrolledEveryPixelLeadsToItsCellAnd
     RC_ASSERT(static_cast<int>(seen.size()) == grid.rowAxis().visibility.visibleUpTo(40));
   };
   EXPECT_TRUE(rc::check(holds));
+}
+
+TEST_F(GridViewTest, ScrollingShowsThePictureThatAFullPaintWouldShow) {
+  grid.SetFrozenRows(2, 0);
+  grid.SetFrozenCols(1, 0);
+  grid.HideRows(9, 20, true);
+  grid.selectCells(3, 2, 30, 4);
+  settle();
+  const auto screen = [this] {
+    settle();
+    return view.screen()->grabWindow(view.winId()).toImage();
+  };
+  for (const auto& [bar, value] : {std::pair{view.verticalScrollBar(), 3},
+                                   {view.horizontalScrollBar(), 2},
+                                   {view.verticalScrollBar(), 12},
+                                   {view.verticalScrollBar(), 11},
+                                   {view.horizontalScrollBar(), 0}}) {
+    const QImage before = screen();
+    bar->setValue(value);
+    const QImage scrolled = screen();
+    EXPECT_NE(scrolled, before);
+    grid.Redraw(2.0);
+    EXPECT_EQ(scrolled, screen()) << value;
+  }
+  EXPECT_EQ(grid.TopRow(), grid.rowAxis().visibility.nthVisible(2 + 11 + 1))
+      << "the grid knows where it stands";
+  grid.SetTopRow(5);
+  grid.Redraw(2.0);
+  settle();
+  EXPECT_EQ(view.verticalScrollBar()->value(), 2) << "and code can move it";
+}
+
+TEST_F(GridViewTest, OnlyVisibleCellsOfTheSelectionAreCopied) {
+  grid.HideRows(3, 3, true);
+  grid.HideCols(2, 2, true);
+  grid.SetValueRange(2, 1, "<b>&\t", 4);
+  grid.Redraw(2.0);
+  drag(at(2, 1), at(4, 3));
+  key(Qt::Key_C, Qt::ControlModifier);
+  const QMimeData* data = QGuiApplication::clipboard()->mimeData();
+  EXPECT_EQ(toText(data->text()), "<b>& \tD2\r\nB4\tD4");
+  EXPECT_EQ(toText(data->html()),
+            "<table><tr><td>&lt;b&gt;&amp; </td><td>D2</td></tr>\n<tr><td>B4</td><td>D4</td></tr>\n</table>");
+  click(at(5, 5));
+  key(Qt::Key_C, Qt::ControlModifier);
+  EXPECT_EQ(toText(QGuiApplication::clipboard()->text()), "F5");
+  drag(at(5, 5), at(5, 6));
+  drag(at(6, 6), at(6, 6), Qt::ControlModifier);
+  key(Qt::Key_C, Qt::ControlModifier);
+  EXPECT_EQ(toText(QGuiApplication::clipboard()->text()), "F5\tG5\r\n\tG6");
+}
+
+TEST_F(GridViewTest, AMergedBlockIsOneCell) {
+  grid.SetCoveredCells(3, 2, 4, 4);
+  grid.Redraw(2.0);
+  EXPECT_EQ(view.cellRect(4, 3), view.cellRect(3, 2));
+  const QPoint last = view.cellRect(3, 2).bottomRight() - QPoint(3, 3);
+  drag(last, last - QPoint(70, 0));
+  EXPECT_EQ(current() + selection(), "C3") << "a hand moving within the block selects nothing";
+  key(Qt::Key_Right);
+  EXPECT_EQ(current(), "F3");
+  key(Qt::Key_Left);
+  key(Qt::Key_Down);
+  EXPECT_EQ(current(), "C5");
+}
+
+TEST_F(GridViewTest, KeysMoveOverWhatIsVisibleAndSelectWithShift) {
+  grid.HideRows(2, 4, true);
+  grid.HideCols(12, 12, true);
+  grid.Redraw(2.0);
+  const struct {
+    Qt::Key key;
+    Qt::KeyboardModifiers keys;
+    const char* wanted;  // the current cell, then the selection
+  } steps[] = {{Qt::Key_Down, {}, "B5"},
+               {Qt::Key_End, {}, "L5"},
+               {Qt::Key_Right, {}, "L5"},
+               {Qt::Key_End, Qt::ControlModifier, "L40"},
+               {Qt::Key_Home, Qt::ControlModifier, "B1"},
+               {Qt::Key_Down, Qt::ShiftModifier, "B11 1 5 1;"},
+               {Qt::Key_Right, Qt::ShiftModifier, "B11 1 5 2;"},
+               {Qt::Key_Up, Qt::ShiftModifier, "B11 1 1 2;"},
+               {Qt::Key_Space, Qt::ControlModifier, "B11 1 40 1;"},
+               {Qt::Key_A, Qt::ControlModifier, "B11 1 40 12;"},
+               {Qt::Key_Right, {}, "C1"}};
+  for (const auto& step : steps) {
+    key(step.key, step.keys);
+    EXPECT_EQ(current() + selection(), step.wanted) << step.key;
+    EXPECT_FALSE(view.cellRect(grid.currentRow(), grid.currentCol()).isEmpty());
+  }
+  key(Qt::Key_PageDown);
+  key(Qt::Key_PageUp);
+  EXPECT_EQ(current(), "C1");
+  QKeyEvent enter(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier);
+  QCoreApplication::sendEvent(&view, &enter);
+  EXPECT_FALSE(enter.isAccepted()) << "the page wants it";
+}
+
+TEST_F(GridViewTest, TypingKeepsOrGivesUpAndNeverTouchesReadOnlyCells) {
+  const auto type = [this](const char* text, Qt::Key end) {
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QTest::keyClicks(&view, QString(QLatin1Char(text[0])));
+    auto* line = view.findChild<QLineEdit*>();
+    if (line == nullptr) return false;
+    QTest::keyClicks(line, QString::fromLatin1(text + 1));
+    EXPECT_EQ(grid.GetCurrentCellText(2, 2), text) << "whoever asks gets what is being typed";
+    QTest::keyClick(line, end);
+    return true;
+  };
+  view.activateWindow();
+  view.setFocus();
+  click(at(2, 2));
+  EXPECT_TRUE(type("lost", Qt::Key_Escape));
+  EXPECT_EQ(current() + std::to_string(userActs), "C20");
+  EXPECT_TRUE(type("kept", Qt::Key_Return));
+  EXPECT_EQ(current() + std::to_string(userActs), "kept1");
+  EXPECT_TRUE(type("left", Qt::Key_Shift));
+  click(at(5, 5));
+  EXPECT_EQ(grid.GetValue(2, 2), "left") << "leaving the cell keeps it";
+  GridStyle readOnly;
+  readOnly.SetReadOnly(true);
+  GridRange range;
+  range.SetTable();
+  grid.SetStyleRange(range, readOnly, StyleMode::Override);
+  EXPECT_FALSE(type("x", Qt::Key_Return));
+}
+
+TEST_F(GridViewTest, AToolTipIsNeverMarkup) {
+  grid.SetToolTip(0, 3, "<img src=x> & co");
+  grid.SetValueRange(1, 1, "a <i>text</i> too long for its cell", 4);
+  const auto tipAt = [this](QPoint pixel) {
+    QHelpEvent event(QEvent::ToolTip, pixel, view.viewport()->mapToGlobal(pixel));
+    QCoreApplication::sendEvent(view.viewport(), &event);
+    return toText(QToolTip::text());
+  };
+  EXPECT_NE(tipAt(at(0, 3)).find("&lt;img src=x&gt; &amp; co"), std::string::npos);
+  EXPECT_NE(tipAt(at(1, 1)).find("&lt;i&gt;text"), std::string::npos) << "all of a text that is cut";
+  QToolTip::hideText();
+}
+
+TEST(CellColours, AreOwnOrThePalettesAndAlwaysReadable) {
+  QPalette dark;
+  dark.setColor(QPalette::Base, QColor(25, 25, 28));
+  dark.setColor(QPalette::Text, QColor(230, 230, 230));
+  dark.setColor(QPalette::Highlight, QColor(40, 90, 200));
+  for (const QPalette& palette : {QPalette(Qt::white), dark}) {
+    StyleAttributes look;
+    look.interior = GridBrush{};
+    look.textColor = ui::kWindowText;
+    EXPECT_EQ(cellColours(look, palette, false).ground, palette.base().color());
+    for (const ui::Colour ground : {0xFFFFFFU, 0x000000U, 0xCDEBC8U, 0x0000FFU, 0x808080U, ui::kButtonFace}) {
+      for (const ui::Colour text : {0x000000U, 0xFFFFFFU, 0x1E4614U, 0xA0A0A0U}) {
+        look.interior = GridBrush{0, ground, ground};
+        look.textColor = text;
+        for (const bool isSelected : {false, true}) {
+          const CellColours colours = cellColours(look, palette, isSelected);
+          EXPECT_GE(contrast(colours.ground, colours.text), 2.2) << ground << ' ' << text;
+        }
+      }
+    }
+    look.interior = GridBrush{0, 0xCDEBC8, 0xCDEBC8};
+    look.textColor = 0x1E4614;
+    EXPECT_EQ(toColour(cellColours(look, palette, false).ground), 0xCDEBC8U) << "own colours stay";
+    EXPECT_EQ(toColour(cellColours(look, palette, false).text), 0x1E4614U);
+  }
+}
+
+TEST(QtTextMeasure, AFittedColumnShowsItsTextsWhole) {
+  host::GridPorts ports;
+  ports.measure = std::make_shared<QtTextMeasure>();
+  host::GridControl grid("grid", ports);
+  grid.SetRowCount(4);
+  grid.SetColCount(1);
+  const char* texts[] = {"Size Variance", "1234567.25", "\xC3\x84thyl \xCE\xB2-Actin", "VAWAToTeLTAY"};
+  CellFonts fonts;
+  fonts.setBase(QApplication::font());
+  for (const double size : {8.0, 14.0}) {
+    for (const char* text : texts) {
+      grid.SetValueRange(1, 1, text, 4);
+      GridStyle style;
+      style.SetFont({size}, 0);
+      GridRange range;
+      range.InitRange(1, 1, 1, 1);
+      grid.SetStyleRange(range, style, StyleMode::Override);
+      grid.ResizeToFit(range);
+      EXPECT_FALSE(GridPainter::isCut(grid, {1, 1, 1, 1}, {0, 0, grid.colWidth(1), 20}, fonts)) << text;
+    }
+  }
 }
 
 }  // namespace
