@@ -160,7 +160,7 @@ void GridPainter::drawText(const host::Block& cell, const QRect& rect, const Ink
   if (area.width() <= 0) return;
   const ReadyText& ready = colours.texts->ready(text, area.width());
   const double height = colours.texts->height();
-  const double x = ready.isCut ? area.left()
+  const double x = ready.isCut ? area.left() + std::min(area.width() - ready.width, 0.0) / 2
                                : aligned(look.horizontalAlignment.value_or(0), kRightAligned, kCentred,
                                          area.left(), area.width(), ready.width);
   const double y = look.verticalAlignment == kAtTop ? area.top()

@@ -1,6 +1,4 @@
 // The grid's view, driven by mouse and keyboard as the user does it.
-#include "desktop/grid/grid_view.h"
-
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QHelpEvent>
@@ -8,127 +6,15 @@
 #include <QMimeData>
 #include <QScreen>
 #include <QScrollBar>
-#include <QTest>
 #include <QToolTip>
-#include <gtest/gtest.h>
 #include <rapidcheck.h>
 #include <set>
 
 #include "desktop/base/qt_text.h"
-#include "desktop/grid/cell_colours.h"
-#include "desktop/grid/qt_text_measure.h"
-#include "desktop/grid/table_copy.h"
-#include "plugin/base/numbers.h"
+#include "tests/desktop/grid_view_fixture.h"
 
 namespace banddesk::desktop {
 namespace {
-
-host::GridPorts portsOfDesktop() {
-  host::GridPorts ports;
-  ports.clipboard = std::make_shared<QtClipboard>();
-  return ports;
-}
-
-// A table of 40 rows and 12 columns, each cell named after its place, in a view of 500 x 300.
-class GridViewTest : public testing::Test {
- protected:
-  GridViewTest() {
-    grid.SetRowCount(40);
-    grid.SetColCount(12);
-    grid.SetColWidth(0, 12, 60);
-    for (int row = 0; row <= 40; ++row) {
-      for (int col = 0; col <= 12; ++col) {
-        grid.SetValueRange(row, col, std::string(1, static_cast<char>('A' + col)) + std::to_string(row), 4);
-      }
-    }
-    const auto note = [this](const char* what) {
-      return [this, what] { events += std::string(what) + ';'; };
-    };
-    connections.push_back(grid.OnLButtonDown.connect(note("down")));
-    connections.push_back(grid.OnLButtonUp.connect(note("up")));
-    connections.push_back(grid.OnTrackColWidth.connect([this](double col, double& value) {
-      events += "track " + generalText(col) + ';';
-      if (refusesTrack) value = 0;
-    }));
-    connections.push_back(grid.OnTrackColWidthEnd.connect([this](double col, double width) {
-      events += "tracked " + generalText(col) + ' ' + generalText(width) + ';';
-    }));
-    connections.push_back(grid.OnSelDragColsStart.connect([this](double first, double last, double&) {
-      events += "start " + generalText(first) + ' ' + generalText(last) + ';';
-    }));
-    connections.push_back(
-        grid.OnSelDragColsMove.connect([this](double, double, double target, double& value) {
-          events += "move " + generalText(target) + ';';
-          if (target > boundary) value = 0;
-        }));
-    connections.push_back(grid.OnSelDragColsDrop.connect(
-        [this](double, double, double target) { events += "drop " + generalText(target) + ';'; }));
-    connections.push_back(grid.OnRButtonClickedRowCol.connect([this](double row, double col) {
-      events += "right " + generalText(row) + ' ' + generalText(col) + ';';
-    }));
-    connections.push_back(grid.OnLButtonDblClkRowCol.connect([this](double row, double col) {
-      events += "double " + generalText(row) + ' ' + generalText(col) + ';';
-    }));
-    view.userAction = [this](const auto& action) {
-      ++userActs;
-      action();
-    };
-    view.resize(500, 300);
-    view.show();
-    settle();
-    events.clear();
-  }
-
-  static void settle() { QCoreApplication::processEvents(); }
-  QPoint at(int row, int col) { return view.cellRect(row, col).center(); }
-  QPoint behind(int row, int col) { return at(row, col) + QPoint(5, 0); }
-  QPoint borderOf(int col) { return {view.cellRect(0, col).right(), view.cellRect(0, col).center().y()}; }
-  void press(QPoint pixel, Qt::KeyboardModifiers keys = {}) {
-    QTest::mousePress(view.viewport(), Qt::LeftButton, keys, pixel);
-  }
-  void move(QPoint pixel) {
-    QMouseEvent event(QEvent::MouseMove, pixel, view.viewport()->mapToGlobal(pixel), Qt::NoButton,
-                      Qt::LeftButton, Qt::NoModifier);
-    QCoreApplication::sendEvent(view.viewport(), &event);
-  }
-  void release(QPoint pixel) { QTest::mouseRelease(view.viewport(), Qt::LeftButton, {}, pixel); }
-  void drag(QPoint from, QPoint to, Qt::KeyboardModifiers keys = {}) {
-    press(from, keys);
-    move((from + to) / 2);
-    move(to);
-    release(to);
-  }
-  void doubleClick(QPoint pixel) {
-    press(pixel);
-    release(pixel);
-    QMouseEvent event(QEvent::MouseButtonDblClick, pixel, view.viewport()->mapToGlobal(pixel), Qt::LeftButton,
-                      Qt::LeftButton, Qt::NoModifier);
-    QCoreApplication::sendEvent(view.viewport(), &event);
-    release(pixel);
-  }
-  void click(QPoint pixel, Qt::KeyboardModifiers keys = {}) { drag(pixel, pixel, keys); }
-  void key(Qt::Key code, Qt::KeyboardModifiers keys = {}) { QTest::keyClick(&view, code, keys); }
-
-  std::string selection() const {
-    std::string text;
-    for (const host::Block& block : grid.selection().blocks()) {
-      for (const int number : {block.top, block.left, block.bottom, block.right})
-        text += std::to_string(number) + ' ';
-      text.back() = ';';
-    }
-    return text;
-  }
-  std::string current() const { return grid.GetValue(grid.currentRow(), grid.currentCol()); }
-  std::string taken() { return std::exchange(events, {}); }
-
-  host::GridControl grid{"grid", portsOfDesktop()};
-  GridView view{grid};
-  std::string events;
-  bool refusesTrack = false;
-  double boundary = 100;
-  int userActs = 0;
-  Connections connections;
-};
 
 TEST_F(GridViewTest, DraggingSelectsWhatItPassesAndAPlainClickSelectsNothing) {
   drag(at(2, 1), at(4, 3));
@@ -403,53 +289,20 @@ TEST_F(GridViewTest, AToolTipIsNeverMarkup) {
   QToolTip::hideText();
 }
 
-TEST(CellColours, AreOwnOrThePalettesAndAlwaysReadable) {
-  QPalette dark;
-  dark.setColor(QPalette::Base, QColor(25, 25, 28));
-  dark.setColor(QPalette::Text, QColor(230, 230, 230));
-  dark.setColor(QPalette::Highlight, QColor(40, 90, 200));
-  for (const QPalette& palette : {QPalette(Qt::white), dark}) {
-    StyleAttributes look;
-    look.interior = GridBrush{};
-    look.textColor = ui::kWindowText;
-    EXPECT_EQ(cellColours(look, palette, false).ground, palette.base().color());
-    for (const ui::Colour ground : {0xFFFFFFU, 0x000000U, 0xCDEBC8U, 0x0000FFU, 0x808080U, ui::kButtonFace}) {
-      for (const ui::Colour text : {0x000000U, 0xFFFFFFU, 0x1E4614U, 0xA0A0A0U}) {
-        look.interior = GridBrush{0, ground, ground};
-        look.textColor = text;
-        for (const bool isSelected : {false, true}) {
-          const CellColours colours = cellColours(look, palette, isSelected);
-          EXPECT_GE(contrast(colours.ground, colours.text), 2.2) << ground << ' ' << text;
-        }
-      }
+TEST_F(GridViewTest, AnEmptyTableInATinyViewBearsEveryKeyAndClick) {
+  drag(at(2, 2), at(4, 3));
+  grid.SetRowCount(0);
+  for (const QSize size : {QSize(1, 1), QSize(70, 25), QSize(300, 200)}) {
+    view.resize(size);
+    grid.Redraw(2.0);
+    settle();
+    for (const Qt::Key each : {Qt::Key_Down, Qt::Key_End, Qt::Key_PageUp, Qt::Key_A, Qt::Key_C, Qt::Key_F2}) {
+      for (const auto keys : {Qt::NoModifier, Qt::ControlModifier, Qt::ShiftModifier}) key(each, keys);
     }
-    look.interior = GridBrush{0, 0xCDEBC8, 0xCDEBC8};
-    look.textColor = 0x1E4614;
-    EXPECT_EQ(toColour(cellColours(look, palette, false).ground), 0xCDEBC8U) << "own colours stay";
-    EXPECT_EQ(toColour(cellColours(look, palette, false).text), 0x1E4614U);
-  }
-}
-
-TEST(QtTextMeasure, AFittedColumnShowsItsTextsWhole) {
-  host::GridPorts ports;
-  ports.measure = std::make_shared<QtTextMeasure>();
-  host::GridControl grid("grid", ports);
-  grid.SetRowCount(4);
-  grid.SetColCount(1);
-  const char* texts[] = {"Size Variance", "1234567.25", "\xC3\x84thyl \xCE\xB2-Actin", "VAWAToTeLTAY"};
-  CellFonts fonts;
-  fonts.setBase(QApplication::font());
-  for (const double size : {8.0, 14.0}) {
-    for (const char* text : texts) {
-      grid.SetValueRange(1, 1, text, 4);
-      GridStyle style;
-      style.SetFont({size}, 0);
-      GridRange range;
-      range.InitRange(1, 1, 1, 1);
-      grid.SetStyleRange(range, style, StyleMode::Override);
-      grid.ResizeToFit(range);
-      EXPECT_FALSE(GridPainter::isCut(grid, {1, 1, 1, 1}, {0, 0, grid.colWidth(1), 20}, fonts)) << text;
-    }
+    for (const QPoint pixel : {QPoint(1, 1), QPoint(65, 10), QPoint(200, 100)}) drag(pixel, {280, 190});
+    EXPECT_EQ(selection(), "");
+    EXPECT_FALSE(grid.isEditing());
+    grid.SetColCount(0);
   }
 }
 
