@@ -8,6 +8,7 @@
 namespace banddesk::desktop {
 namespace {
 
+constexpr QChar kEllipsis(0x2026);
 constexpr std::size_t kMostTexts = 4096;  // more than a screen shows, and a few megabytes
 
 }  // namespace
@@ -44,7 +45,10 @@ const ReadyText& CellTexts::cut(std::string_view text, int room) {
   if (cut_.size() >= kMostTexts) cut_.clear();
   QString line = toQString(text);
   line.replace(QLatin1Char('\n'), QLatin1Char(' '));
-  ReadyText made = make(metrics_.elidedText(line, Qt::ElideRight, room));
+  const QString elided = metrics_.elidedText(line, Qt::ElideRight, room);
+  // A column too narrow even for that still tells that there is something, as far as its margins hold it.
+  ReadyText made = make(elided.isEmpty() ? QString(kEllipsis) : elided);
+  if (made.width > room + 2 * kCellMargin) made = make({});
   made.isCut = true;
   return cut_.emplace(std::move(key), std::move(made)).first->second;
 }

@@ -12,6 +12,8 @@
 
 namespace banddesk::desktop {
 
+inline constexpr int kCellMargin = 3;  // beside the text; fitted columns have room for it
+
 struct ReadyText {
   QStaticText shown;  // a single line, cut with an ellipsis where it has no room
   double width = 0;

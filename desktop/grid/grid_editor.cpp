@@ -20,6 +20,8 @@ bool GridEditor::begin(const QString& typed) {
   line_ = new QLineEdit(view_.viewport());
   line_->setAccessibleName(view_.currentText());
   line_->setFrame(false);
+  const std::int32_t alignment = grid.look(cell.row, cell.col).horizontalAlignment.value_or(0);
+  line_->setAlignment(alignment == 1 ? Qt::AlignRight : alignment == 2 ? Qt::AlignHCenter : Qt::AlignLeft);
   line_->setText(toQString(grid.GetValue(cell.row, cell.col)));
   line_->selectAll();
   connect(line_, &QLineEdit::textChanged, this, [&grid](const QString& text) { grid.type(toText(text)); });

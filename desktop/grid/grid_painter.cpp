@@ -60,7 +60,7 @@ void GridPainter::paint(QPainter& painter, const QRect& exposed, const GridMarks
   painter_ = &painter;
   exposed_ = exposed;
   cols_ = meeting(layout_.cols.lines(), exposed.left(), exposed.right());
-  painter.fillRect(exposed, palette_.base());
+  painter.fillRect(exposed, palette_.base().color());
   for (const ShownLine& line : meeting(layout_.rows.lines(), exposed.top(), exposed.bottom())) {
     Line& row = rows_.emplace_back(Line{&line, {}});
     for (const host::Block& block : grid_.selection().blocks()) {
@@ -97,26 +97,24 @@ void GridPainter::fillRow(const Line& row) {
   }
 }
 
+// As filled rectangles: the toolkit spreads long lines over threads, which costs more than all the rest.
 void GridPainter::drawLines() {
   if (rows_.empty() || cols_.empty()) return;
-  std::vector<QLine> lines;
-  const int right = std::min(cols_.back().end() - 1, exposed_.right());
-  const int bottom = std::min(rows_.back().line->end() - 1, exposed_.bottom());
-  const int left = std::max(cols_.front().start, exposed_.left());
-  const int top = std::max(rows_.front().line->start, exposed_.top());
-  for (const Line& row : rows_) lines.emplace_back(left, row.line->end() - 1, right, row.line->end() - 1);
-  for (const ShownLine& col : cols_) lines.emplace_back(col.end() - 1, top, col.end() - 1, bottom);
-  painter_->setPen(gridColour_);
-  painter_->drawLines(lines.data(), static_cast<int>(lines.size()));
+  const QRect table(QPoint(cols_.front().start, rows_.front().line->start),
+                    QPoint(cols_.back().end() - 1, rows_.back().line->end() - 1));
+  const QRect part = table & exposed_;
+  const auto below = [&](int end, const QColor& colour) {
+    painter_->fillRect(part.left(), end - 1, part.width(), 1, colour);
+  };
+  const auto behind = [&](int end, const QColor& colour) {
+    painter_->fillRect(end - 1, part.top(), 1, part.height(), colour);
+  };
+  for (const Line& row : rows_) below(row.line->end(), gridColour_);
+  for (const ShownLine& col : cols_) behind(col.end(), gridColour_);
   // What is frozen is set off from what scrolls.
-  lines.clear();
-  const int frozenRight = layout_.cols.scrollStart() - 1;
-  const int frozenBottom = layout_.rows.scrollStart() - 1;
-  if (layout_.cols.frozen() > 0) lines.emplace_back(frozenRight, top, frozenRight, bottom);
-  if (layout_.rows.frozen() > 0) lines.emplace_back(left, frozenBottom, right, frozenBottom);
-  painter_->setPen(palette_.dark().color());
-  painter_->drawLines(lines.data(), static_cast<int>(lines.size()));
-  pen_ = QColor();
+  const QColor dark = palette_.dark().color();
+  if (layout_.rows.frozen() > 0) below(layout_.rows.scrollStart(), dark);
+  if (layout_.cols.frozen() > 0) behind(layout_.cols.scrollStart(), dark);
 }
 
 void GridPainter::drawTexts(const Line& row) {
@@ -136,13 +134,12 @@ void GridPainter::drawCell(const host::Block& cell, const QRect& rect, const Ink
 void GridPainter::drawFrame(const QRect& rect) {
   const QRect frame = inner(rect);
   if (frame.isEmpty()) return;
-  painter_->setPen(palette_.light().color());
-  painter_->drawLine(frame.topLeft(), frame.topRight());
-  painter_->drawLine(frame.topLeft(), frame.bottomLeft());
-  painter_->setPen(palette_.dark().color());
-  painter_->drawLine(rect.bottomLeft(), rect.bottomRight());
-  painter_->drawLine(rect.topRight(), rect.bottomRight());
-  pen_ = QColor();
+  const QColor light = palette_.light().color();
+  const QColor dark = palette_.dark().color();
+  painter_->fillRect(frame.left(), frame.top(), frame.width(), 1, light);
+  painter_->fillRect(frame.left(), frame.top(), 1, frame.height(), light);
+  painter_->fillRect(rect.left(), rect.bottom(), rect.width(), 1, dark);
+  painter_->fillRect(rect.right(), rect.top(), 1, rect.height(), dark);
 }
 
 void GridPainter::drawText(const host::Block& cell, const QRect& rect, const Ink& colours) {
@@ -163,7 +160,7 @@ void GridPainter::drawText(const host::Block& cell, const QRect& rect, const Ink
   if (area.width() <= 0) return;
   const ReadyText& ready = colours.texts->ready(text, area.width());
   const double height = colours.texts->height();
-  const double x = ready.isCut ? area.left()
+  const double x = ready.isCut ? area.left() + std::min(area.width() - ready.width, 0.0) / 2
                                : aligned(look.horizontalAlignment.value_or(0), kRightAligned, kCentred,
                                          area.left(), area.width(), ready.width);
   const double y = look.verticalAlignment == kAtTop ? area.top()

@@ -15,8 +15,6 @@
 
 namespace banddesk::desktop {
 
-inline constexpr int kCellMargin = 3;  // beside the text; fitted columns have room for it
-
 // What lies over the cells while the mouse does something.
 struct GridMarks {
   std::optional<int> widthGuide;       // x

@@ -18,6 +18,8 @@
 namespace banddesk::desktop {
 namespace {
 
+// Comes before the next paint. The toolkit's own request for a layout would paint the scroll bars each time.
+constexpr QEvent::Type kFollow = QEvent::User;
 constexpr int kScrollInterval = 40;  // ms between steps while the pointer rests beyond the edge
 
 // How many pixels what is shown moved from one layout to the other; nothing if they share no line.
@@ -61,7 +63,10 @@ bool GridView::guarded(const std::function<bool()>& handle) {
 
 bool GridView::event(QEvent* event) {
   return guarded([this, event] {
-    if (event->type() == QEvent::LayoutRequest) followGrid();
+    if (event->type() == kFollow) {
+      followGrid();
+      return true;
+    }
     if (event->type() == QEvent::ShortcutOverride && GridKeys(*this).wants(*static_cast<QKeyEvent*>(event))) {
       event->accept();
       return true;
@@ -84,7 +89,7 @@ void GridView::refresh() {
   isOutdated_ = true;
   viewport()->update();
   // Many changes in a row are followed once.
-  QCoreApplication::postEvent(this, new QEvent(QEvent::LayoutRequest));
+  if (!std::exchange(isFollowPosted_, true)) QCoreApplication::postEvent(this, new QEvent(kFollow));
 }
 
 const GridLayout& GridView::geometry() {
@@ -112,6 +117,7 @@ void GridView::arrange() {
 }
 
 void GridView::followGrid() {
+  isFollowPosted_ = false;
   geometry();
   isFollowing_ = true;
   const auto follow = [](QScrollBar* bar, const LineLayout& lines) {

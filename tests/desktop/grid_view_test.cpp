@@ -1,132 +1,20 @@
 // The grid's view, driven by mouse and keyboard as the user does it.
-#include "desktop/grid/grid_view.h"
-
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QHelpEvent>
 #include <QLineEdit>
 #include <QMimeData>
+#include <QScreen>
 #include <QScrollBar>
-#include <QTest>
 #include <QToolTip>
-#include <gtest/gtest.h>
 #include <rapidcheck.h>
 #include <set>
 
-#include "desktop/grid/cell_colours.h"
-#include "desktop/grid/qt_text_measure.h"
-#include "desktop/grid/table_copy.h"
-#include "plugin/base/numbers.h"
+#include "desktop/base/qt_text.h"
+#include "tests/desktop/grid_view_fixture.h"
 
 namespace banddesk::desktop {
 namespace {
-
-host::GridPorts portsOfDesktop() {
-  host::GridPorts ports;
-  ports.clipboard = std::make_shared<QtClipboard>();
-  return ports;
-}
-
-// A table of 40 rows and 12 columns, each cell named after its place, in a view of 500 x 300.
-class GridViewTest : public testing::Test {
- protected:
-  GridViewTest() {
-    grid.SetRowCount(40);
-    grid.SetColCount(12);
-    grid.SetColWidth(0, 12, 60);
-    for (int row = 0; row <= 40; ++row) {
-      for (int col = 0; col <= 12; ++col) {
-        grid.SetValueRange(row, col, std::string(1, static_cast<char>('A' + col)) + std::to_string(row), 4);
-      }
-    }
-    const auto note = [this](const char* what) {
-      return [this, what] { events += std::string(what) + ';'; };
-    };
-    connections.push_back(grid.OnLButtonDown.connect(note("down")));
-    connections.push_back(grid.OnLButtonUp.connect(note("up")));
-    connections.push_back(grid.OnTrackColWidth.connect([this](double col, double& value) {
-      events += "track " + generalText(col) + ';';
-      if (refusesTrack) value = 0;
-    }));
-    connections.push_back(grid.OnTrackColWidthEnd.connect([this](double col, double width) {
-      events += "tracked " + generalText(col) + ' ' + generalText(width) + ';';
-    }));
-    connections.push_back(grid.OnSelDragColsStart.connect([this](double first, double last, double&) {
-      events += "start " + generalText(first) + ' ' + generalText(last) + ';';
-    }));
-    connections.push_back(
-        grid.OnSelDragColsMove.connect([this](double, double, double target, double& value) {
-          events += "move " + generalText(target) + ';';
-          if (target > boundary) value = 0;
-        }));
-    connections.push_back(grid.OnSelDragColsDrop.connect(
-        [this](double, double, double target) { events += "drop " + generalText(target) + ';'; }));
-    connections.push_back(grid.OnRButtonClickedRowCol.connect([this](double row, double col) {
-      events += "right " + generalText(row) + ' ' + generalText(col) + ';';
-    }));
-    connections.push_back(grid.OnLButtonDblClkRowCol.connect([this](double row, double col) {
-      events += "double " + generalText(row) + ' ' + generalText(col) + ';';
-    }));
-    view.userAction = [this](const auto& action) {
-      ++userActs;
-      action();
-    };
-    view.resize(500, 300);
-    view.show();
-    settle();
-    events.clear();
-  }
-
-  static void settle() { QCoreApplication::processEvents(); }
-  QPoint at(int row, int col) { return view.cellRect(row, col).center(); }
-  QPoint behind(int row, int col) { return at(row, col) + QPoint(5, 0); }
-  QPoint borderOf(int col) { return {view.cellRect(0, col).right(), view.cellRect(0, col).center().y()}; }
-  void press(QPoint pixel, Qt::KeyboardModifiers keys = {}) {
-    QTest::mousePress(view.viewport(), Qt::LeftButton, keys, pixel);
-  }
-  void move(QPoint pixel) {
-    QMouseEvent event(QEvent::MouseMove, pixel, view.viewport()->mapToGlobal(pixel), Qt::NoButton,
-                      Qt::LeftButton, Qt::NoModifier);
-    QCoreApplication::sendEvent(view.viewport(), &event);
-  }
-  void release(QPoint pixel) { QTest::mouseRelease(view.viewport(), Qt::LeftButton, {}, pixel); }
-  void drag(QPoint from, QPoint to, Qt::KeyboardModifiers keys = {}) {
-    press(from, keys);
-    move((from + to) / 2);
-    move(to);
-    release(to);
-  }
-  void doubleClick(QPoint pixel) {
-    press(pixel);
-    release(pixel);
-    QMouseEvent event(QEvent::MouseButtonDblClick, pixel, view.viewport()->mapToGlobal(pixel), Qt::LeftButton,
-                      Qt::LeftButton, Qt::NoModifier);
-    QCoreApplication::sendEvent(view.viewport(), &event);
-    release(pixel);
-  }
-  void click(QPoint pixel, Qt::KeyboardModifiers keys = {}) { drag(pixel, pixel, keys); }
-  void key(Qt::Key code, Qt::KeyboardModifiers keys = {}) { QTest::keyClick(&view, code, keys); }
-
-  std::string selection() const {
-    std::string text;
-    for (const host::Block& block : grid.selection().blocks()) {
-      for (const int number : {block.top, block.left, block.bottom, block.right})
-        text += std::to_string(number) + ' ';
-      text.back() = ';';
-    }
-    return text;
-  }
-  std::string current() const { return grid.GetValue(grid.currentRow(), grid.currentCol()); }
-  std::string taken() { return std::exchange(events, {}); }
-
-  host::GridControl grid{"grid", portsOfDesktop()};
-  GridView view{grid};
-  std::string events;
-  bool refusesTrack = false;
-  double boundary = 100;
-  int userActs = 0;
-  Connections connections;
-};
 
 TEST_F(GridViewTest, DraggingSelectsWhatItPassesAndAPlainClickSelectsNothing) {
   drag(at(2, 1), at(4, 3));
@@ -261,6 +149,161 @@ TEST_F(GridViewTest, WhateverIsFrozenHiddenOrScrolledEveryPixelLeadsToItsCellAnd
     RC_ASSERT(static_cast<int>(seen.size()) == grid.rowAxis().visibility.visibleUpTo(40));
   };
   EXPECT_TRUE(rc::check(holds));
+}
+
+TEST_F(GridViewTest, ScrollingShowsThePictureThatAFullPaintWouldShow) {
+  grid.SetFrozenRows(2, 0);
+  grid.SetFrozenCols(1, 0);
+  grid.HideRows(9, 20, true);
+  grid.selectCells(3, 2, 30, 4);
+  settle();
+  const auto screen = [this] {
+    settle();
+    return view.screen()->grabWindow(view.winId()).toImage();
+  };
+  for (const auto& [bar, value] : {std::pair{view.verticalScrollBar(), 3},
+                                   {view.horizontalScrollBar(), 2},
+                                   {view.verticalScrollBar(), 12},
+                                   {view.verticalScrollBar(), 11},
+                                   {view.horizontalScrollBar(), 0}}) {
+    const QImage before = screen();
+    bar->setValue(value);
+    const QImage scrolled = screen();
+    EXPECT_NE(scrolled, before);
+    grid.Redraw(2.0);
+    EXPECT_EQ(scrolled, screen()) << value;
+  }
+  EXPECT_EQ(grid.TopRow(), grid.rowAxis().visibility.nthVisible(2 + 11 + 1))
+      << "the grid knows where it stands";
+  grid.SetTopRow(5);
+  grid.Redraw(2.0);
+  settle();
+  EXPECT_EQ(view.verticalScrollBar()->value(), 2) << "and code can move it";
+}
+
+TEST_F(GridViewTest, OnlyVisibleCellsOfTheSelectionAreCopied) {
+  grid.HideRows(3, 3, true);
+  grid.HideCols(2, 2, true);
+  grid.SetValueRange(2, 1, "<b>&\t", 4);
+  grid.Redraw(2.0);
+  drag(at(2, 1), at(4, 3));
+  key(Qt::Key_C, Qt::ControlModifier);
+  const QMimeData* data = QGuiApplication::clipboard()->mimeData();
+  EXPECT_EQ(toText(data->text()), "<b>& \tD2\r\nB4\tD4");
+  EXPECT_EQ(toText(data->html()),
+            "<table><tr><td>&lt;b&gt;&amp; </td><td>D2</td></tr>\n<tr><td>B4</td><td>D4</td></tr>\n</table>");
+  click(at(5, 5));
+  key(Qt::Key_C, Qt::ControlModifier);
+  EXPECT_EQ(toText(QGuiApplication::clipboard()->text()), "F5");
+  drag(at(5, 5), at(5, 6));
+  drag(at(6, 6), at(6, 6), Qt::ControlModifier);
+  key(Qt::Key_C, Qt::ControlModifier);
+  EXPECT_EQ(toText(QGuiApplication::clipboard()->text()), "F5\tG5\r\n\tG6");
+}
+
+TEST_F(GridViewTest, AMergedBlockIsOneCell) {
+  grid.SetCoveredCells(3, 2, 4, 4);
+  grid.Redraw(2.0);
+  EXPECT_EQ(view.cellRect(4, 3), view.cellRect(3, 2));
+  const QPoint last = view.cellRect(3, 2).bottomRight() - QPoint(3, 3);
+  drag(last, last - QPoint(70, 0));
+  EXPECT_EQ(current() + selection(), "C3") << "a hand moving within the block selects nothing";
+  key(Qt::Key_Right);
+  EXPECT_EQ(current(), "F3");
+  key(Qt::Key_Left);
+  key(Qt::Key_Down);
+  EXPECT_EQ(current(), "C5");
+}
+
+TEST_F(GridViewTest, KeysMoveOverWhatIsVisibleAndSelectWithShift) {
+  grid.HideRows(2, 4, true);
+  grid.HideCols(12, 12, true);
+  grid.Redraw(2.0);
+  const struct {
+    Qt::Key key;
+    Qt::KeyboardModifiers keys;
+    const char* wanted;  // the current cell, then the selection
+  } steps[] = {{Qt::Key_Down, {}, "B5"},
+               {Qt::Key_End, {}, "L5"},
+               {Qt::Key_Right, {}, "L5"},
+               {Qt::Key_End, Qt::ControlModifier, "L40"},
+               {Qt::Key_Home, Qt::ControlModifier, "B1"},
+               {Qt::Key_Down, Qt::ShiftModifier, "B11 1 5 1;"},
+               {Qt::Key_Right, Qt::ShiftModifier, "B11 1 5 2;"},
+               {Qt::Key_Up, Qt::ShiftModifier, "B11 1 1 2;"},
+               {Qt::Key_Space, Qt::ControlModifier, "B11 1 40 1;"},
+               {Qt::Key_A, Qt::ControlModifier, "B11 1 40 12;"},
+               {Qt::Key_Right, {}, "C1"}};
+  for (const auto& step : steps) {
+    key(step.key, step.keys);
+    EXPECT_EQ(current() + selection(), step.wanted) << step.key;
+    EXPECT_FALSE(view.cellRect(grid.currentRow(), grid.currentCol()).isEmpty());
+  }
+  key(Qt::Key_PageDown);
+  key(Qt::Key_PageUp);
+  EXPECT_EQ(current(), "C1");
+  QKeyEvent enter(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier);
+  QCoreApplication::sendEvent(&view, &enter);
+  EXPECT_FALSE(enter.isAccepted()) << "the page wants it";
+}
+
+TEST_F(GridViewTest, TypingKeepsOrGivesUpAndNeverTouchesReadOnlyCells) {
+  const auto type = [this](const char* text, Qt::Key end) {
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QTest::keyClicks(&view, QString(QLatin1Char(text[0])));
+    auto* line = view.findChild<QLineEdit*>();
+    if (line == nullptr) return false;
+    QTest::keyClicks(line, QString::fromLatin1(text + 1));
+    EXPECT_EQ(grid.GetCurrentCellText(2, 2), text) << "whoever asks gets what is being typed";
+    QTest::keyClick(line, end);
+    return true;
+  };
+  view.activateWindow();
+  view.setFocus();
+  click(at(2, 2));
+  EXPECT_TRUE(type("lost", Qt::Key_Escape));
+  EXPECT_EQ(current() + std::to_string(userActs), "C20");
+  EXPECT_TRUE(type("kept", Qt::Key_Return));
+  EXPECT_EQ(current() + std::to_string(userActs), "kept1");
+  EXPECT_TRUE(type("left", Qt::Key_Shift));
+  click(at(5, 5));
+  EXPECT_EQ(grid.GetValue(2, 2), "left") << "leaving the cell keeps it";
+  GridStyle readOnly;
+  readOnly.SetReadOnly(true);
+  GridRange range;
+  range.SetTable();
+  grid.SetStyleRange(range, readOnly, StyleMode::Override);
+  EXPECT_FALSE(type("x", Qt::Key_Return));
+}
+
+TEST_F(GridViewTest, AToolTipIsNeverMarkup) {
+  grid.SetToolTip(0, 3, "<img src=x> & co");
+  grid.SetValueRange(1, 1, "a <i>text</i> too long for its cell", 4);
+  const auto tipAt = [this](QPoint pixel) {
+    QHelpEvent event(QEvent::ToolTip, pixel, view.viewport()->mapToGlobal(pixel));
+    QCoreApplication::sendEvent(view.viewport(), &event);
+    return toText(QToolTip::text());
+  };
+  EXPECT_NE(tipAt(at(0, 3)).find("&lt;img src=x&gt; &amp; co"), std::string::npos);
+  EXPECT_NE(tipAt(at(1, 1)).find("&lt;i&gt;text"), std::string::npos) << "all of a text that is cut";
+  QToolTip::hideText();
+}
+
+TEST_F(GridViewTest, AnEmptyTableInATinyViewBearsEveryKeyAndClick) {
+  drag(at(2, 2), at(4, 3));
+  grid.SetRowCount(0);
+  for (const QSize size : {QSize(1, 1), QSize(70, 25), QSize(300, 200)}) {
+    view.resize(size);
+    grid.Redraw(2.0);
+    settle();
+    for (const Qt::Key each : {Qt::Key_Down, Qt::Key_End, Qt::Key_PageUp, Qt::Key_A, Qt::Key_C, Qt::Key_F2}) {
+      for (const auto keys : {Qt::NoModifier, Qt::ControlModifier, Qt::ShiftModifier}) key(each, keys);
+    }
+    for (const QPoint pixel : {QPoint(1, 1), QPoint(65, 10), QPoint(200, 100)}) drag(pixel, {280, 190});
+    EXPECT_EQ(selection(), "");
+    EXPECT_FALSE(grid.isEditing());
+    grid.SetColCount(0);
+  }
 }
 
 }  // namespace

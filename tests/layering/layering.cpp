@@ -52,7 +52,8 @@ const std::vector<Room> rooms = {
 
 // Tests and benchmarks look into every room; of them only the includes of Qt are judged.
 const Names watchers = {"tests/", "bench/", "fuzz/", "examples/"};
-const Names seesQt = {"desktop/", "tests/desktop/", "bench/views_bench."};
+const Names seesQt = {"desktop/",   "tests/desktop/", "tests/road/",
+                      "packaging/", "bench/desktop_", "bench/views_"};
 
 const std::set<std::string> standardHeaders = words(R"(
 algorithm any array atomic barrier bit bitset charconv chrono codecvt compare complex concepts
