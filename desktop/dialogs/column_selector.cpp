@@ -46,7 +46,7 @@ ColumnSelector::ColumnSelector(const host::ColumnSelection& draft, const ShowHel
   layout->addLayout(middle, 1);
   layout->addWidget(count_);
   layout->addWidget(makeButtons(*this, "ColumnSelector", showHelp));
-  resize(sizeInText(*this, 52, 26));
+  resize(sizeInText(*this, 90, 30));
 
   connect(model_, &QAbstractItemModel::dataChanged, this, [this] { showCount(); });
   connect(&list_->filter(), &QLineEdit::textChanged, this, [this] { showCount(); });

@@ -30,7 +30,7 @@ ColumnSorter::ColumnSorter(const host::ColumnSorting& draft, const ShowHelp& sho
   auto* layout = new QVBoxLayout(this);
   layout->addLayout(middle, 1);
   layout->addWidget(makeButtons(*this, "ColumnSort", showHelp));
-  resize(sizeInText(*this, 90, 22));
+  resize(sizeInText(*this, 150, 28));
   list_->view().setFocus();
 }
 
@@ -39,7 +39,7 @@ void ColumnSorter::makeKeyView() {
   keyView_->setAccessibleName(QStringLiteral("Sort keys"));
   keyView_->setRootIsDecorated(false);
   keyView_->setUniformRowHeights(true);
-  keyView_->setTextElideMode(Qt::ElideMiddle);
+  keyView_->setTextElideMode(Qt::ElideRight);
   keyView_->setModel(keys_);
   keyView_->header()->setStretchLastSection(false);
   keyView_->header()->setSectionResizeMode(0, QHeaderView::Stretch);
