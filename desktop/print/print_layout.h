@@ -42,10 +42,12 @@ struct PlacedCell {
 
 inline constexpr double kDefaultFontPoints = 8;
 inline constexpr double kCellMargin = 2;  // points, left and right of a text
-inline constexpr double kBlockGap = 2;    // points, between a text block and the table
 
 double fontPoints(const StyleAttributes& style);
 double lineHeight(double fontPoints);
+
+// Points between a text block and the table.
+inline constexpr double kBlockGap = 2;
 
 class PrintLayout final {
  public:
