@@ -3,7 +3,6 @@
 #include <QDialogButtonBox>
 #include <QKeyEvent>
 #include <QPushButton>
-#include <QShortcut>
 #include <QVBoxLayout>
 #include <algorithm>
 #include <array>
@@ -11,6 +10,18 @@
 #include "desktop/dialogs/dialog_parts.h"
 
 namespace banddesk::desktop {
+
+struct ColumnSelector::Move {
+  Step step;
+  const char* text;
+  Qt::Key key;  // with Alt
+};
+
+const std::array<ColumnSelector::Move, 4> ColumnSelector::kMoves = {
+    {{Step::Top, "To &Top", Qt::Key_Home},
+     {Step::Up, "Move &Up", Qt::Key_Up},
+     {Step::Down, "Move &Down", Qt::Key_Down},
+     {Step::Bottom, "To &Bottom", Qt::Key_End}}};
 
 ColumnSelector::ColumnSelector(const host::ColumnSelection& draft, const ShowHelp& showHelp, QWidget* parent)
     : QDialog(parent),
@@ -35,7 +46,7 @@ ColumnSelector::ColumnSelector(const host::ColumnSelection& draft, const ShowHel
   layout->addLayout(middle, 1);
   layout->addWidget(count_);
   layout->addWidget(makeButtons(*this, "ColumnSelector", showHelp));
-  resize(sizeInText(*this, 52, 26));
+  resize(sizeInText(*this, 90, 30));
 
   connect(model_, &QAbstractItemModel::dataChanged, this, [this] { showCount(); });
   connect(&list_->filter(), &QLineEdit::textChanged, this, [this] { showCount(); });
@@ -44,22 +55,12 @@ ColumnSelector::ColumnSelector(const host::ColumnSelection& draft, const ShowHel
 }
 
 QLayout* ColumnSelector::makeMoveButtons() {
-  struct Move {
-    Step step;
-    QString text;
-    Qt::Key key;
-  };
-  const std::array<Move, 4> moves = {{{Step::Top, QStringLiteral("To &Top"), Qt::Key_Home},
-                                      {Step::Up, QStringLiteral("Move &Up"), Qt::Key_Up},
-                                      {Step::Down, QStringLiteral("Move &Down"), Qt::Key_Down},
-                                      {Step::Bottom, QStringLiteral("To &Bottom"), Qt::Key_End}}};
   auto* layout = new QVBoxLayout;
-  for (const Move& each : moves) {
+  for (const Move& each : kMoves) {
     const Step step = each.step;
+    auto* button = addButton(*layout, QLatin1String(each.text), [this, step] { move(step); });
     const QKeySequence keys(Qt::ALT | each.key);
-    auto* button = addButton(*layout, each.text, [this, step] { move(step); });
     button->setToolTip(keys.toString(QKeySequence::NativeText));
-    connect(new QShortcut(keys, this), &QShortcut::activated, this, [this, step] { move(step); });
   }
   return layout;
 }
@@ -76,11 +77,20 @@ QLayout* ColumnSelector::makeCheckButtons() {
   return layout;
 }
 
-// The space bar switches all selected columns to what the current one becomes.
 bool ColumnSelector::eventFilter(QObject* watched, QEvent* event) {
   if (watched != &list_->view() || event->type() != QEvent::KeyPress) return false;
   const auto* key = static_cast<const QKeyEvent*>(event);
-  if (key->key() != Qt::Key_Space || key->modifiers() != Qt::NoModifier) return false;
+  if ((key->modifiers() & ~Qt::KeypadModifier) == Qt::AltModifier) {
+    const auto known = std::ranges::find(kMoves, key->key(), [](const Move& each) { return int{each.key}; });
+    if (known == kMoves.end()) return false;
+    move(known->step);
+    return true;
+  }
+  return key->key() == Qt::Key_Space && key->modifiers() == Qt::NoModifier && switchSelected();
+}
+
+// All selected columns become what the current one becomes.
+bool ColumnSelector::switchSelected() {
   const std::vector<int> rows = list_->selectedRows();
   if (rows.size() < 2) return false;
   const int current = list_->view().currentIndex().row();

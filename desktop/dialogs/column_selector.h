@@ -3,6 +3,7 @@
 
 #include <QDialog>
 #include <QLabel>
+#include <array>
 
 #include "desktop/dialogs/column_list_model.h"
 #include "desktop/dialogs/filtered_list.h"
@@ -21,10 +22,13 @@ class ColumnSelector final : public QDialog {
 
  private:
   enum class Step { Top, Up, Down, Bottom };
+  struct Move;
+  static const std::array<Move, 4> kMoves;
 
   QLayout* makeMoveButtons();
   QLayout* makeCheckButtons();
   bool eventFilter(QObject* watched, QEvent* event) override;
+  bool switchSelected();
   void move(Step step);
   void moveOneLine(std::vector<int> rows, Step step);
   void showCount();

@@ -2,7 +2,6 @@
 
 #include <QHeaderView>
 #include <QKeyEvent>
-#include <QShortcut>
 #include <QVBoxLayout>
 
 #include "desktop/dialogs/dialog_parts.h"
@@ -31,7 +30,7 @@ ColumnSorter::ColumnSorter(const host::ColumnSorting& draft, const ShowHelp& sho
   auto* layout = new QVBoxLayout(this);
   layout->addLayout(middle, 1);
   layout->addWidget(makeButtons(*this, "ColumnSort", showHelp));
-  resize(sizeInText(*this, 90, 22));
+  resize(sizeInText(*this, 150, 28));
   list_->view().setFocus();
 }
 
@@ -40,7 +39,7 @@ void ColumnSorter::makeKeyView() {
   keyView_->setAccessibleName(QStringLiteral("Sort keys"));
   keyView_->setRootIsDecorated(false);
   keyView_->setUniformRowHeights(true);
-  keyView_->setTextElideMode(Qt::ElideMiddle);
+  keyView_->setTextElideMode(Qt::ElideRight);
   keyView_->setModel(keys_);
   keyView_->header()->setStretchLastSection(false);
   keyView_->header()->setSectionResizeMode(0, QHeaderView::Stretch);
@@ -63,19 +62,16 @@ QLayout* ColumnSorter::makeButtonColumn() {
   addButton(*layout, QStringLiteral("Move &Up"), [this] { moveKey(true); });
   addButton(*layout, QStringLiteral("Move &Down"), [this] { moveKey(false); });
   layout->addStretch();
-  const auto onKeys = [this](Qt::Key key, bool up) {
-    connect(new QShortcut(QKeySequence(Qt::ALT | key), this), &QShortcut::activated, this,
-            [this, up] { moveKey(up); });
-  };
-  onKeys(Qt::Key_Up, true);
-  onKeys(Qt::Key_Down, false);
   return layout;
 }
 
 bool ColumnSorter::eventFilter(QObject* watched, QEvent* event) {
   if (watched != keyView_ || event->type() != QEvent::KeyPress) return false;
-  const int key = static_cast<const QKeyEvent*>(event)->key();
-  if (key == Qt::Key_Space) {
+  const auto* press = static_cast<const QKeyEvent*>(event);
+  const int key = press->key();
+  if (press->modifiers().testFlag(Qt::AltModifier) && (key == Qt::Key_Up || key == Qt::Key_Down)) {
+    moveKey(key == Qt::Key_Up);
+  } else if (key == Qt::Key_Space) {
     onCurrentKey([this](int row) { keys_->reverse(row); });
   } else if (key == Qt::Key_Delete || key == Qt::Key_Backspace) {
     onCurrentKey([this](int row) { removeKey(row); });

@@ -34,7 +34,7 @@ class SaveChoiceDialog final : public QDialog {
     layout->addWidget(label);
     layout->addWidget(list_, 1);
     layout->addWidget(makeChoices(isClosing));
-    resize(sizeInText(*this, 60, 16));
+    resize(sizeInText(*this, 80, 18));
   }
 
   std::vector<std::string> chosen() const {

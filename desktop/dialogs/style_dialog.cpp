@@ -29,7 +29,7 @@ class StyleDialog final : public QDialog {
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(middle, 1);
     layout->addWidget(makeButtons(*this, {}, {}));
-    resize(sizeInText(*this, 75, 24));
+    resize(sizeInText(*this, 90, 26));
     connect(list_, &QListWidget::currentRowChanged, this,
             [this](int row) { editor_->edit(row < 0 ? nullptr : &drafts_[static_cast<std::size_t>(row)]); });
     list_->setCurrentRow(0);

@@ -6,6 +6,7 @@
 #include <QShortcut>
 #include <QSplitter>
 #include <QTextBlock>
+#include <QTextTable>
 #include <QToolButton>
 #include <QVBoxLayout>
 #include <algorithm>
@@ -24,6 +25,22 @@ QToolButton* addTool(QBoxLayout& line, const QString& text, const QIcon& icon) {
   button->setAutoRaise(true);
   line.addWidget(button);
   return button;
+}
+
+// Markdown says nothing of a table's lines and margins.
+void layOutTables(const QTextDocument& document, int margin) {
+  for (QTextFrame* frame : document.rootFrame()->childFrames()) {
+    auto* table = qobject_cast<QTextTable*>(frame);
+    if (table == nullptr) continue;
+    QTextTableFormat format = table->format();
+    format.setCellPadding(margin);
+    format.setCellSpacing(0);
+    format.setBorderCollapse(true);
+    format.setBorder(1);
+    format.setTopMargin(margin);
+    format.setBottomMargin(margin);
+    table->setFormat(format);
+  }
 }
 
 }  // namespace
@@ -57,7 +74,10 @@ HelpWindow::HelpWindow(const QString& folder, QWidget* parent)
     const QUrl page = QUrl::fromLocalFile(QDir(folder_).filePath(pages_[row].file));
     if (browser_->source() != page) browser_->setSource(page, QTextDocument::MarkdownResource);
   });
-  connect(browser_, &QTextBrowser::sourceChanged, this, [this](const QUrl& page) { markContents(page); });
+  connect(browser_, &QTextBrowser::sourceChanged, this, [this](const QUrl& page) {
+    layOutTables(*browser_->document(), fontMetrics().averageCharWidth());
+    markContents(page);
+  });
   connect(new QShortcut(QKeySequence::Cancel, this), &QShortcut::activated, this, &QWidget::close);
 }
 
@@ -101,6 +121,7 @@ void HelpWindow::showTopic(const std::string& topic) {
                       QTextDocument::MarkdownResource);
   show();
   goTo(place.heading);
+  browser_->setFocus();
   raise();
   activateWindow();
 }

@@ -13,7 +13,7 @@ constexpr double kUnits = 10;
 constexpr qsizetype kShortText = 12;
 constexpr double kNarrowest = 0.8;  // a text is squeezed down to this before it is cut
 constexpr int kLinePale = 170;
-constexpr int kGroundDarkest = 190;  // of a printout in black and white, so that black text is readable
+constexpr int kGroundDarkest = 140;  // of a printout in black and white, so that black text is readable
 constexpr std::int32_t kRight = 1;
 constexpr std::int32_t kCentre = 2;
 constexpr std::int32_t kBottom = 2;
@@ -54,7 +54,7 @@ void PagePainter::paint(QPainter& painter, std::size_t page) {
   paintLines(painter, page);
   paintCells(painter, page);
   paintBlock(painter, layout_.job().header, 0);
-  paintBlock(painter, layout_.job().footer, layout_.room().height - layout_.footerHeight());
+  paintBlock(painter, layout_.job().footer, layout_.room().height - layout_.footerHeight() + kBlockGap);
   paintPageNumber(painter, page);
   painter.restore();
 }

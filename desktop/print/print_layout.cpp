@@ -13,8 +13,9 @@ using Span = std::pair<std::size_t, std::size_t>;  // the first line and the one
 
 // Where each page starts, and the end. A page breaks before a span that it cannot hold as a whole, unless no
 // page can.
-std::vector<std::size_t> breakPages(const std::vector<double>& offsets, std::size_t start, double room,
+std::vector<std::size_t> breakPages(const std::vector<double>& offsets, std::size_t start, double asked,
                                     const std::vector<Span>& spans) {
+  const double room = std::max(asked, 0.0);
   const std::size_t count = offsets.size() - 1;
   std::vector<std::size_t> starts{start};
   while (starts.back() < count) {
@@ -116,7 +117,7 @@ double PrintLayout::blockRowHeight(const std::vector<host::PrintBlockCell>& bloc
 double PrintLayout::blockHeight(const std::vector<host::PrintBlockCell>& block) const {
   std::map<std::int32_t, double> rows;
   for (const host::PrintBlockCell& cell : block) rows[cell.row] = blockRowHeight(block, cell.row);
-  double height = rows.empty() ? 0 : kLineMargins;  // keeps the table off
+  double height = rows.empty() ? 0 : kBlockGap;
   for (const auto& [row, rowHeight] : rows) height += rowHeight;
   return height;
 }

@@ -46,6 +46,9 @@ inline constexpr double kPaperCellMargin = 2;  // points, left and right of a te
 double fontPoints(const StyleAttributes& style);
 double lineHeight(double fontPoints);
 
+// Points between a text block and the table.
+inline constexpr double kBlockGap = 2;
+
 class PrintLayout final {
  public:
   // The job outlives the layout.
