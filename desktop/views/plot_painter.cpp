@@ -112,11 +112,10 @@ void PlotPainter::paintContent(QPainter& painter, const PlotTransform& transform
   painter.fillRect(QRectF(xs.low, area.top(), xs.length(), area.height()), look_.ground);
   paintBands(painter, transform, xs);
   paintGrid(painter, transform, xs);
-  // Only the columns between the two x are worked out, on the same borders as those of the whole.
-  const double first = std::max(std::floor((xs.low - area.left()) * columnsPerUnit) - 1, 0.0);
-  const double last =
-      std::min(std::ceil((xs.high - area.left()) * columnsPerUnit) + 1, area.width() * columnsPerUnit);
-  if (last <= first) return;
+  // Only the columns between the two x are worked out, on the same borders as those of the whole, and one
+  // more on each side: its line is half a pixel wide beyond its border.
+  const double first = std::floor((xs.low - area.left()) * columnsPerUnit) - 1;
+  const double last = std::ceil((xs.high - area.left()) * columnsPerUnit) + 1;
   const QRectF part(area.left() + first / columnsPerUnit, area.top(), (last - first) / columnsPerUnit,
                     area.height());
   PlotRange range = transform.range();
