@@ -37,7 +37,9 @@ class PlotView final : public QWidget {
   SizeAxis& axis() { return *axis_; }
   PlotRange range() const { return {axis_->shown(), heights_}; }
   PlotTransform transform() const;
-  void panBy(double pixels);  // to the right, with the pointer
+  // To the right, with the pointer, by the nearest number of whole pixels of the device; the answer is how
+  // far.
+  double panBy(double pixels);
   void zoom(double factor) { axis_->zoom(factor, axis_->shown().middle()); }
   void zoomHeight(double factor);
   void showHeights(Span heights);  // and keeps them

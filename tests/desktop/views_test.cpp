@@ -242,7 +242,8 @@ TEST_F(Plot, MovesByWheelMouseAndKeys) {
   QTest::mousePress(&view, Qt::LeftButton, {}, at);
   QTest::mouseMove(&view, at + QPoint(50, 0));
   QTest::mouseRelease(&view, Qt::LeftButton, {}, at + QPoint(50, 0));
-  EXPECT_NEAR(axis->shown().low, before.low - 50 / view.transform().perNt(), 1e-6);
+  const double pixel = 1 / view.transform().perNt();
+  EXPECT_NEAR(axis->shown().low, before.low - 50 * pixel, pixel);
   EXPECT_TRUE(view.isAutomaticHeight());
 
   const Span heights = view.range().heights;
