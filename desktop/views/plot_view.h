@@ -45,6 +45,7 @@ class PlotView final : public QWidget {
   void showHeights(Span heights);  // and keeps them
   // Automatic heights follow the highest peak that is shown.
   void setAutomaticHeight(bool isAutomatic);
+  void fitHeights();  // at once, where a pan would let them wait; nothing unless they are automatic
   bool isAutomaticHeight() const { return isAutomatic_; }
   void showAll();
 
@@ -91,7 +92,6 @@ class PlotView final : public QWidget {
 
   PlotPainter painter() const { return {scene_, PlotLook::ofPalette(palette(), font())}; }
   void redraw();  // what was drawn no longer counts
-  void fitHeights();
   void refreshContent();
   bool scrollContent(const PlotTransform& transform);
   void drawContent(const PlotTransform& transform, Span xs);

@@ -383,6 +383,7 @@ TEST_F(Table, TheReviewGoesOverTheVisibleBinsInTheTablesOrder) {
     EXPECT_LT(shown.low, bin.xMin);
     EXPECT_GT(shown.high, bin.xMax);
     EXPECT_LT(shown.length(), 10);
+    EXPECT_NEAR(view.plot().range().heights.high, bin.dye == 0 ? 700 : 300, 60);
     seen.push_back(bin.name.substr(0, 6));
   }
   std::vector<std::string> rows;
