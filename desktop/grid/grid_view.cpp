@@ -144,8 +144,14 @@ void GridView::changeEvent(QEvent* event) {
 }
 
 void GridView::paintEvent(QPaintEvent* event) {
-  const GridLayout& layout = geometry();
   QPainter painter(viewport());
+  // A table under work is half made: what shows stays until it is done, be it behind a question.
+  if (grid_.isLocked()) {
+    if (viewport()->size() != paintedSize_) painter.fillRect(viewport()->rect(), palette().base());
+    return;
+  }
+  const GridLayout& layout = geometry();
+  paintedSize_ = viewport()->size();
   for (const QRect& part : event->region()) {
     GridPainter(grid_, layout, fonts_, palette()).paint(painter, part, mouse_.marks(), hasFocus());
   }

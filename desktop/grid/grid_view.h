@@ -108,6 +108,7 @@ class GridView final : public QAbstractScrollArea {
   QPoint menuPosition_;
   bool isOutdated_ = true;
   bool isFollowing_ = false;
+  QSize paintedSize_;
   bool isFollowPosted_ = false;
   Connection repaint_;
 };

@@ -21,7 +21,10 @@ OverlayView::OverlayView(host::Host& host, ViewContent content, ViewActions acti
   column().addWidget(splitter, 1);
   plot_->setTraces(this->content().traces, everySample());
   plot_->setTitle(QStringLiteral("%1 samples").arg(traces().samples.size()));
-  samples_->onCheck = [this] { plot_->setSamples(samples_->checked()); };
+  samples_->onCheck = [this] {
+    plot_->setSamples(samples_->checked());
+    plot_->setEmphasis(samples_->selected());
+  };
   samples_->onSelect = [this] { plot_->setEmphasis(samples_->selected()); };
   addCheck(QStringLiteral("&Samples"), QStringLiteral("The list of the samples"),
            [this](bool isShown) { samples_->setVisible(isShown); });
@@ -39,6 +42,7 @@ void OverlayView::zoomTo(const BinBand& band) {
   const double margin = std::max(kMarginWidths * (band.xMax - band.xMin), kLeastMargin);
   axis().show({band.xMin - margin, band.xMax + margin});
   plot_->setAutomaticHeight(true);
+  plot_->fitHeights();
   plot_->setOutlinedBand(band);
 }
 

@@ -38,7 +38,7 @@ void SizeAxis::show(Span sizes) {
   const double whole = std::max(whole_.length(), kShortest);
   const double length = std::clamp(sizes.length(), kShortest, whole);
   const double low = sizes.length() == length ? sizes.low : sizes.middle() - length / 2;
-  const double start = std::clamp(low, whole_.low, whole_.low + whole - length);
+  const double start = std::clamp(low, whole_.low, whole_.low + (whole - length));
   const Span wanted{start, start + length};
   if (wanted == shown_) return;
   shown_ = wanted;

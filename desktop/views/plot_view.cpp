@@ -112,7 +112,11 @@ PlotTransform PlotView::transform() const {
   return {range(), plot.areaIn(QRectF(rect()))};
 }
 
-void PlotView::panBy(double pixels) { axis_->shift(-pixels / transform().perNt()); }
+double PlotView::panBy(double pixels) {
+  const double moved = std::round(pixels * devicePixelRatioF()) / devicePixelRatioF();
+  if (moved != 0) axis_->shift(-moved / transform().perNt());
+  return moved;
+}
 
 void PlotView::zoomHeight(double factor) {
   showHeights({heights_.low / factor, std::max(heights_.high / factor, 1.0)});
@@ -228,18 +232,20 @@ void PlotView::drawContent(const PlotTransform& transform, Span xs) {
 // Moves what is drawn and draws only what comes in. False where that does not do.
 bool PlotView::scrollContent(const PlotTransform& transform) {
   const PlotRange wanted = range();
-  const double dpr = devicePixelRatioF();
-  if (drawn_->range.heights != wanted.heights || dpr != std::floor(dpr)) return false;
-  const double tooLong = std::abs(drawn_->range.sizes.length() - wanted.sizes.length());
-  const double shift = (drawn_->range.sizes.low - wanted.sizes.low) * transform.perNt();
+  if (drawn_->range.heights != wanted.heights) return false;
+  const double perNt = transform.perNt() * devicePixelRatioF();
+  const double tooLong = std::abs(drawn_->range.sizes.length() - wanted.sizes.length()) * perNt;
+  const double shift = (drawn_->range.sizes.low - wanted.sizes.low) * perNt;
   const double pixels = std::round(shift);
-  const QRectF& area = transform.area();
-  if (tooLong * transform.perNt() > 1e-3 || std::abs(shift - pixels) > 1e-3) return false;
-  if (std::abs(pixels) >= area.width()) return false;
-  drawn_->pixmap.scroll(static_cast<int>(pixels * dpr), 0, drawn_->pixmap.rect());
+  if (tooLong > 1e-3 || std::abs(shift - pixels) > 1e-3 || std::abs(pixels) >= drawn_->size.width())
+    return false;
+  drawn_->pixmap.scroll(static_cast<int>(pixels), 0, drawn_->pixmap.rect());
   drawn_->range = wanted;
-  if (pixels > 0) drawContent(transform, {area.left(), area.left() + pixels});
-  if (pixels < 0) drawContent(transform, {area.right() + pixels, area.right()});
+  // A little more than what comes in: a border between pixels was drawn in part.
+  const QRectF& area = transform.area();
+  const double width = std::min(std::abs(pixels) / devicePixelRatioF() + 1, area.width());
+  if (pixels > 0) drawContent(transform, {area.left(), area.left() + width});
+  if (pixels < 0) drawContent(transform, {area.right() - width, area.right()});
   return true;
 }
 

@@ -37,12 +37,15 @@ class PlotView final : public QWidget {
   SizeAxis& axis() { return *axis_; }
   PlotRange range() const { return {axis_->shown(), heights_}; }
   PlotTransform transform() const;
-  void panBy(double pixels);  // to the right, with the pointer
+  // To the right, with the pointer, by the nearest number of whole pixels of the device; the answer is how
+  // far.
+  double panBy(double pixels);
   void zoom(double factor) { axis_->zoom(factor, axis_->shown().middle()); }
   void zoomHeight(double factor);
   void showHeights(Span heights);  // and keeps them
   // Automatic heights follow the highest peak that is shown.
   void setAutomaticHeight(bool isAutomatic);
+  void fitHeights();  // at once, where a pan would let them wait; nothing unless they are automatic
   bool isAutomaticHeight() const { return isAutomatic_; }
   void showAll();
 
@@ -89,7 +92,6 @@ class PlotView final : public QWidget {
 
   PlotPainter painter() const { return {scene_, PlotLook::ofPalette(palette(), font())}; }
   void redraw();  // what was drawn no longer counts
-  void fitHeights();
   void refreshContent();
   bool scrollContent(const PlotTransform& transform);
   void drawContent(const PlotTransform& transform, Span xs);

@@ -24,7 +24,7 @@ void PlotView::wheelEvent(QWheelEvent* event) {
   } else if (turned.y() != 0) {
     axis_->zoom(std::pow(kZoomStep, steps), transform().nt(event->position().x()));
   } else {
-    panBy(std::round(turned.x() / 2.0));
+    panBy(turned.x() / 2.0);
   }
   event->accept();
 }
@@ -50,7 +50,8 @@ void PlotView::dragTo(QPointF place) {
   }
   readOut(std::nullopt);
   const double rfu = moved.y() / transform().perRfu();
-  if (moved.x() != 0) panBy(std::round(moved.x()));
+  // What is less than a pixel waits for the next move.
+  drag_->last.rx() -= moved.x() - panBy(moved.x());
   if (!isAutomatic_ && rfu != 0) showHeights({heights_.low + rfu, heights_.high + rfu});
 }
 
@@ -85,8 +86,12 @@ void PlotView::keyPressEvent(QKeyEvent* event) {
 }
 
 bool PlotView::act(const QKeyEvent& event) {
-  const double step = std::max(std::round(transform().area().width() * kPanShare), 1.0);
-  const bool isControl = event.modifiers().testFlag(Qt::ControlModifier);
+  const auto along = [&](int direction) {
+    if (event.modifiers().testFlag(Qt::ControlModifier))
+      stepPeak(direction);
+    else
+      panBy(-direction * kPanShare * transform().area().width());
+  };
   switch (event.key()) {
     case Qt::Key_Plus:
     case Qt::Key_Equal:
@@ -96,10 +101,10 @@ bool PlotView::act(const QKeyEvent& event) {
       zoom(1 / kZoomStep);
       return true;
     case Qt::Key_Left:
-      isControl ? stepPeak(-1) : panBy(step);
+      along(-1);
       return true;
     case Qt::Key_Right:
-      isControl ? stepPeak(1) : panBy(-step);
+      along(1);
       return true;
     case Qt::Key_Up:
       zoomHeight(kZoomStep);

@@ -55,7 +55,7 @@ std::vector<std::size_t> SampleList::checked() const {
 
 std::optional<std::size_t> SampleList::selected() const {
   const auto items = list_->selectedItems();
-  if (items.isEmpty()) return std::nullopt;
+  if (items.isEmpty() || items.first()->checkState() != Qt::Checked) return std::nullopt;
   return static_cast<std::size_t>(list_->row(items.first()));
 }
 

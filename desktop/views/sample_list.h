@@ -18,7 +18,7 @@ class SampleList final : public QWidget {
   SampleList(const TraceSet& traces, QWidget* parent);
 
   std::vector<std::size_t> checked() const;
-  std::optional<std::size_t> selected() const;
+  std::optional<std::size_t> selected() const;  // if it is checked
   void checkAll(bool isChecked);
 
   std::function<void()> onCheck;

@@ -57,8 +57,10 @@ host::GridControl& TableLink::grid() const {
   return required(table().Controls().find<host::GridControl>("grdAFLP"), "Grid");
 }
 
+// A table repaints for every click in it; most of them change no bin.
 void TableLink::take(Bands bands) {
   later_.stop();
+  if (bands == *bands_) return;
   bands_ = std::make_shared<const Bands>(std::move(bands));
   if (onChange) onChange();
 }

@@ -67,6 +67,7 @@ struct BinBand {
   bool isHidden = false;  // the table does not show its row
   std::int32_t samples = 0;
   BinMark mark = BinMark::None;
+  friend bool operator==(const BinBand&, const BinBand&) = default;
 };
 
 using Dyes = std::array<bool, host::kDyeCount>;

@@ -134,6 +134,8 @@ class GridControl final : public Grid, private GridData, private GridParameters,
   // How many rows and columns the view shows at once; a new current cell scrolls into them.
   void setViewSize(std::int32_t rows, std::int32_t cols);
   const CellStore& store() const { return store_; }
+  // While it is, the table is half made and a view keeps what it shows.
+  bool isLocked() const { return isLocked_; }
   const Looks& looks() const { return looks_; }
 
   // ---- the user's side (grid_user.cpp)
