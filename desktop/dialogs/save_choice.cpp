@@ -8,6 +8,7 @@
 
 #include "desktop/base/qt_text.h"
 #include "desktop/dialogs/dialog_parts.h"
+#include "desktop/help/help_topic.h"
 
 namespace banddesk::desktop {
 namespace {
@@ -18,6 +19,7 @@ class SaveChoiceDialog final : public QDialog {
       : QDialog(parent), descriptions_(descriptions), list_(new QListWidget(this)) {
     const bool isClosing = occasion == SaveOccasion::Closing;
     setWindowTitle(isClosing ? QStringLiteral("Close Study") : QStringLiteral("Save Study"));
+    setHelpTopic(*this, QStringLiteral("save"));
     for (const std::string& description : descriptions) {
       auto* item = new QListWidgetItem(toQString(description), list_);
       item->setFlags(item->flags() | Qt::ItemIsUserCheckable);

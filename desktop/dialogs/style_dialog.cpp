@@ -6,6 +6,7 @@
 #include "desktop/base/qt_text.h"
 #include "desktop/dialogs/dialog_parts.h"
 #include "desktop/dialogs/style_editor.h"
+#include "desktop/help/help_topic.h"
 #include "host/grid/looks.h"
 
 namespace banddesk::desktop {
@@ -18,6 +19,7 @@ class StyleDialog final : public QDialog {
   StyleDialog(const host::Looks& styles, QWidget* parent)
       : QDialog(parent), list_(new QListWidget(this)), editor_(new StyleEditor(this)) {
     setWindowTitle(QStringLiteral("Format Cells"));
+    setHelpTopic(*this, QStringLiteral("results"));
     list_->setAccessibleName(QStringLiteral("Styles"));
     for (std::int32_t id = 1; id <= styles.registeredCount(); ++id) {
       list_->addItem(toQString(styles.registeredName(id)));

@@ -3,6 +3,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QDir>
+#include <QKeyEvent>
 #include <QShortcut>
 #include <QSplitter>
 #include <QTextBlock>
@@ -12,6 +13,7 @@
 #include <algorithm>
 
 #include "desktop/dialogs/dialog_parts.h"
+#include "desktop/help/help_topic.h"
 
 namespace banddesk::desktop {
 namespace {
@@ -43,6 +45,30 @@ void layOutTables(const QTextDocument& document, int margin) {
   }
 }
 
+// The browser shows pictures at their full width only: those that are wider than the page are made to fit,
+// from the file each time, so that they grow with the window again.
+void fitPictures(const QTextBrowser& browser, const QDir& folder) {
+  QTextDocument& document = *browser.document();
+  const double scale = browser.devicePixelRatioF();
+  const double room = browser.viewport()->width() - 2 * document.documentMargin();
+  for (QTextBlock block = document.begin(); block.isValid(); block = block.next()) {
+    for (auto part = block.begin(); !part.atEnd(); ++part) {
+      if (!part.fragment().charFormat().isImageFormat()) continue;
+      const QTextImageFormat format = part.fragment().charFormat().toImageFormat();
+      QImage picture(folder.filePath(format.name()));
+      if (picture.isNull() || room < 1) continue;
+      if (picture.width() > room) {
+        picture =
+            picture.scaledToWidth(std::min(picture.width(), qRound(room * scale)), Qt::SmoothTransformation);
+        picture.setDevicePixelRatio(picture.width() / room);
+      }
+      document.addResource(QTextDocument::ImageResource, document.baseUrl().resolved(QUrl(format.name())),
+                           picture);
+    }
+  }
+  document.markContentsDirty(0, document.characterCount());
+}
+
 }  // namespace
 
 HelpWindow::HelpWindow(const QString& folder, QWidget* parent)
@@ -56,6 +82,8 @@ HelpWindow::HelpWindow(const QString& folder, QWidget* parent)
   contents_->setAccessibleName(QStringLiteral("Contents"));
   browser_->setAccessibleName(QStringLiteral("Guide"));
   browser_->setOpenExternalLinks(true);
+  // With a bar that comes and goes, pictures that fit the page's width would fit neither way.
+  browser_->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
   browser_->document()->setDocumentMargin(fontMetrics().averageCharWidth() * 2);
   for (const GuidePage& page : pages_) contents_->addItem(page.title);
 
@@ -63,11 +91,11 @@ HelpWindow::HelpWindow(const QString& folder, QWidget* parent)
   splitter->addWidget(contents_);
   splitter->addWidget(browser_);
   splitter->setStretchFactor(1, 1);
-  splitter->setSizes({sizeInText(*this, 28, 1).width(), sizeInText(*this, 90, 1).width()});
+  splitter->setSizes({sizeInText(*this, 28, 1).width(), sizeInText(*this, 110, 1).width()});
   auto* layout = new QVBoxLayout(this);
   layout->addLayout(makeToolLine());
   layout->addWidget(splitter, 1);
-  resize(sizeInText(*this, 120, 40));
+  resize(sizeInText(*this, 140, 44));
 
   connect(contents_, &QListWidget::currentRowChanged, this, [this](int row) {
     if (row < 0) return;
@@ -76,8 +104,10 @@ HelpWindow::HelpWindow(const QString& folder, QWidget* parent)
   });
   connect(browser_, &QTextBrowser::sourceChanged, this, [this](const QUrl& page) {
     layOutTables(*browser_->document(), fontMetrics().averageCharWidth());
+    fitPictures(*browser_, QDir(folder_));
     markContents(page);
   });
+  browser_->viewport()->installEventFilter(this);
   connect(new QShortcut(QKeySequence::Cancel, this), &QShortcut::activated, this, &QWidget::close);
 }
 
@@ -113,6 +143,11 @@ QLayout* HelpWindow::makeToolLine() {
     search_->selectAll();
   });
   return line;
+}
+
+bool HelpWindow::eventFilter(QObject* watched, QEvent* event) {
+  if (event->type() == QEvent::Resize) fitPictures(*browser_, QDir(folder_));
+  return QWidget::eventFilter(watched, event);
 }
 
 void HelpWindow::showTopic(const std::string& topic) {
@@ -154,7 +189,17 @@ void HelpWindow::find(QTextDocument::FindFlags flags) {
   QApplication::beep();
 }
 
+HelpDesk::HelpDesk(QString folder) : folder_(std::move(folder)) { qApp->installEventFilter(this); }
+
 HelpDesk::~HelpDesk() { delete window_; }
+
+bool HelpDesk::eventFilter(QObject* watched, QEvent* event) {
+  if (event->type() != QEvent::KeyPress || static_cast<QKeyEvent*>(event)->key() != Qt::Key_F1) return false;
+  const std::string topic = helpTopicAt(qobject_cast<QWidget*>(watched));
+  if (topic.empty()) return false;
+  show(topic);
+  return true;
+}
 
 HelpWindow& HelpDesk::show(const std::string& topic) {
   QWidget* modal = QApplication::activeModalWidget();

@@ -24,6 +24,7 @@ class HelpWindow final : public QWidget {
   const QTextBrowser& browser() const { return *browser_; }
 
  private:
+  bool eventFilter(QObject* watched, QEvent* event) override;
   QLayout* makeToolLine();
   void goTo(const QString& heading);
   void markContents(const QUrl& page);
@@ -38,17 +39,18 @@ class HelpWindow final : public QWidget {
 
 // The help of one program: a window of its own, but within a modal window when one is open, which would block
 // any other.
-class HelpDesk final {
+class HelpDesk final : public QObject {
  public:
-  explicit HelpDesk(QString folder = guideFolder()) : folder_(std::move(folder)) {}
-  ~HelpDesk();
-  HelpDesk(const HelpDesk&) = delete;
-  HelpDesk& operator=(const HelpDesk&) = delete;
+  explicit HelpDesk(QString folder = guideFolder());
+  ~HelpDesk() override;
 
   // The window that shows the topic.
   HelpWindow& show(const std::string& topic);
 
  private:
+  // F1 in windows that have no command for it: dialogs.
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
   QString folder_;
   QPointer<HelpWindow> window_;
 };

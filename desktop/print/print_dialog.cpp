@@ -13,6 +13,7 @@
 #include "desktop/dialogs/dialog_parts.h"
 #include "desktop/dialogs/message_box.h"
 #include "desktop/dialogs/save_dialog.h"
+#include "desktop/help/help_topic.h"
 
 namespace banddesk::desktop {
 namespace {
@@ -46,6 +47,7 @@ PrintDialog::PrintDialog(const host::PrintJob& job, QWidget* parent)
       pages_(new QLabel(this)),
       preview_(new PagePreview(this)) {
   setWindowTitle(QStringLiteral("Print Grid"));
+  setHelpTopic(*this, QStringLiteral("export"));
   setSizeGripEnabled(true);
   auto* layout = new QVBoxLayout(this);
   layout->addLayout(makePaperLine());

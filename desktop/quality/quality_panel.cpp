@@ -11,6 +11,7 @@
 #include <array>
 
 #include "desktop/base/qt_text.h"
+#include "desktop/help/help_topic.h"
 #include "host/grid/grid_control.h"
 #include "host/quality/line_figures.h"
 
@@ -46,6 +47,7 @@ QTreeWidgetItem* addLine(QTreeWidget& list, const QStringList& texts, std::int32
 
 QualityPanel::QualityPanel(QWidget* parent)
     : QWidget(parent), suffix_(new QLineEdit(this)), replicates_(new QLabel(this)) {
+  setHelpTopic(*this, QStringLiteral("quality"));
   auto* form = new QFormLayout;
   for (const char* name : kFigures) {
     figures_.push_back(new QLabel(QStringLiteral("-"), this));

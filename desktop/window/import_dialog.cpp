@@ -14,6 +14,7 @@
 #include <QSettings>
 
 #include "desktop/base/qt_text.h"
+#include "desktop/help/help_topic.h"
 #include "host/import/read_files.h"
 #include "host/import/report_text.h"
 
@@ -45,6 +46,7 @@ ImportDialog::ImportDialog(const QStringList& files, QWidget* parent)
       again_(new QCheckBox(QStringLiteral("Read files that were imported before &once more"), this)),
       report_(new QPlainTextEdit(this)) {
   setWindowTitle(QStringLiteral("Import Peak Tables"));
+  setHelpTopic(*this, QStringLiteral("files"));
   files_->setAccessibleName(QStringLiteral("Files"));
   files_->setSelectionMode(QAbstractItemView::ExtendedSelection);
   ladder_->addItem(QStringLiteral("None: read all dyes"), -1);

@@ -14,6 +14,7 @@
 #include "desktop/base/appearance.h"
 #include "desktop/base/qt_text.h"
 #include "desktop/controls/text_box_widget.h"
+#include "desktop/help/help_topic.h"
 #include "desktop/window/main_window.h"
 
 namespace banddesk::desktop {
@@ -165,7 +166,8 @@ void MainWindow::makeHelpMenu() {
   QMenu& menu = *menuBar()->addMenu(QStringLiteral("He&lp"));
   addAction(menu, QStringLiteral("&Guide"), QKeySequence::HelpContents, [this] {
     const Page page = pages_->currentPage();
-    showHelp(page ? page->DefinitionName() : std::string());
+    const std::string topic = helpTopicAt(QApplication::focusWidget());
+    showHelp(topic.empty() && page ? page->DefinitionName() : topic);
   });
   addAction(menu, QStringLiteral("&About Banddesk"), {}, [this] {
     QMessageBox::about(

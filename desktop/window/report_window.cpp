@@ -9,11 +9,14 @@
 #include <QSaveFile>
 #include <QTextBrowser>
 
+#include "desktop/help/help_topic.h"
+
 namespace banddesk::desktop {
 
 ReportWindow::ReportWindow(const QString& title, const QString& htmlPage, QWidget* parent)
     : QDialog(parent), name_(title), html_(htmlPage), text_(new QTextBrowser(this)) {
   setWindowTitle(QStringLiteral("Report - ") + title);
+  setHelpTopic(*this, QStringLiteral("export"));
   setAttribute(Qt::WA_DeleteOnClose);
   text_->setOpenLinks(false);
   text_->setAccessibleName(QStringLiteral("Report"));
