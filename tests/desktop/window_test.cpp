@@ -169,6 +169,26 @@ TEST_F(Window, LeavesTheOpenStudyAloneWhenAnotherCannotBeOpened) {
   EXPECT_NE(itemNamed("Oaks"), nullptr);
 }
 
+TEST_F(Window, OpensTheGuideAtThePageOfThePartInFocus) {
+  newAnalysis();
+  auto* quality = window.findChild<desktop::QualityPanel*>();
+  window.findChild<QDockWidget*>(QStringLiteral("quality"))->show();
+  for (const auto& [focus, page] :
+       {std::pair<QWidget*, const char*>{quality->findChild<QLineEdit*>(), "quality.md"},
+        {&tree(), "results.md"}}) {
+    window.activateWindow();
+    focus->setFocus();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return focus->hasFocus(); }));
+    QTest::keyClick(focus, Qt::Key_F1);
+    desktop::HelpWindow* help = nullptr;
+    for (QWidget* each : QApplication::topLevelWidgets()) {
+      if (auto* found = qobject_cast<desktop::HelpWindow*>(each)) help = found;
+    }
+    ASSERT_NE(help, nullptr);
+    EXPECT_EQ(help->browser().source().fileName(), QLatin1String(page));
+  }
+}
+
 // The letters of the menus and of the pages' controls must not take each other's keys.
 TEST_F(Window, GivesEachLetterOnce) {
   newAnalysis();
