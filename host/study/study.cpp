@@ -55,7 +55,14 @@ ObjectRef HostSample::Record() {
   return std::make_shared<SampleRecord>(Name, load());
 }
 
+void HostSample::leaveStudy() {
+  fragments_.reset();
+  source_.reset();
+}
+
 const std::shared_ptr<const SampleFragments>& HostSample::load() {
+  if (!fragments_ && !source_)
+    raise(ErrorNumber::ObjectNotSet, "Sample", "The study of the sample \"" + Name.get() + "\" is closed.");
   if (!fragments_) fragments_ = source_->readFragments(resultId_);
   return fragments_;
 }

@@ -75,6 +75,8 @@ class HostSample final : public Sample, private SampleData {
   SampleData& Data() override;
   void Unload() override;
   bool isLoaded() const { return fragments_ != nullptr; }
+  // Its study is closed: whoever still holds the sample keeps neither its fragments nor the store.
+  void leaveStudy();
 
  private:
   const FragmentTable& Fragments() override;
