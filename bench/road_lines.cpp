@@ -139,6 +139,7 @@ void measureDecisions(Bench& bench, Road& road) {
 }  // namespace
 
 void Bench::measure(const Road& road, const Measure& what, const Timed& work, const Timed& reference) {
+  if ((road.size().name + " / " + what.work).find(only_) == std::string::npos) return;
   const auto line = [&] {
     const TurnTimes times = takeTurns(work, reference, effort_);
     return Line{road.size().name,
@@ -165,6 +166,9 @@ void Bench::add(Line line) {
 }
 
 void measureArrival(Bench& bench, Road& road) {
+  road.read();
+  road.newStudy();
+  road.addResults();
   bench.measure(road, {"peak table read", "reading the file, counting lines", 5},
                 timed([&road] { road.forgetTable(); }, [&road] { road.read(); }), lineCountOf(road.table()));
   bench.measure(road, {"fragments added to the study", "", 0},

@@ -19,11 +19,12 @@ struct Measure {
   Unit unit = Unit::Seconds;
 };
 
-/// Measures line after line, prints each, and keeps them. A line that is worse than recorded is measured
-/// again before it is believed.
+/// Measures line after line, prints each, and keeps them. A line that is worse than recorded is measured again
+/// before it is believed. Lines whose study and work do not contain `only` are passed over.
 class Bench {
  public:
-  Bench(Effort effort, Recorded recorded) : effort_(effort), recorded_(std::move(recorded)) {}
+  Bench(Effort effort, Recorded recorded, std::string only)
+      : effort_(effort), recorded_(std::move(recorded)), only_(std::move(only)) {}
 
   void measure(const Road& road, const Measure& what, const Timed& work, const Timed& reference);
   void add(Line line);
@@ -33,6 +34,7 @@ class Bench {
  private:
   Effort effort_;
   Recorded recorded_;
+  std::string only_;
   std::vector<Line> lines_;
   std::vector<std::string> worse_;
 };
