@@ -17,6 +17,7 @@ class ValueChange {
   ValueChange& operator=(const ValueChange&) = delete;
   ~ValueChange() { store_.clearValue(model_); }
 
+  bool acts() const { return acts_; }
   void operator()(Cell& cell) {
     if (!acts_) return;
     if (model_.kind() == CellKind::Text) store_.texts().retain(model_.text(), 1);
@@ -107,6 +108,7 @@ bool GridControl::changeCells(const Block& block, const GridStyle& style, StyleM
   return areAllTaken;
 }
 
+// Taking off acts only where there is something, so it makes room for nothing.
 void GridControl::changeBlock(const Block& block, const GridStyle& style, StyleMode mode) {
   StyleChange& look = sets_.change(lookPart(style.attributes()), mode);
   ValueChange value(store_, style, mode);
@@ -115,10 +117,10 @@ void GridControl::changeBlock(const Block& block, const GridStyle& style, StyleM
     value(cell);
   };
   if (mode == StyleMode::Remove) {
-    // Takes off only what is there, so it makes room for nothing.
+    const auto mayPass = [&](const Digest& digest) { return !value.acts() && look.keeps(digest.styles); };
     store_.forExisting(rows_.order.list(block.top, std::min(block.bottom, rows_.order.extent() - 1)),
-                       cols_.order.list(block.left, std::min(block.right, cols_.order.extent() - 1)),
-                       [&](std::size_t, std::size_t, Cell& cell) { change(cell); });
+                       cols_.order.list(block.left, std::min(block.right, cols_.order.extent() - 1)), mayPass,
+                       change);
   } else {
     store_.forAll(rows_.order.ensureAll(block.top, block.bottom),
                   cols_.order.ensureAll(block.left, block.right), change);
@@ -196,14 +198,12 @@ void GridControl::StoreLine(Axis which, std::int32_t index, std::span<const Line
     if (given.position < 0) continue;
     if (isRow ? refuses(index, given.position) : refuses(given.position, index)) continue;
     const Slot other = along.ensure(given.position);
-    Cell& cell = isRow ? store_.at(line, other) : store_.at(other, line);
-    store_.setNumber(cell, given.value);
-    if (given.baseStyle < 0) continue;
-    if (given.baseStyle != lastBase) {
+    if (given.baseStyle >= 0 && given.baseStyle != lastBase) {
       lastBase = given.baseStyle;
       rebase = &sets_.rebase(lastBase);
     }
-    cell.setStyle((*rebase)(cell.style()));
+    store_.putNumber(isRow ? line : other, isRow ? other : line, given.value,
+                     given.baseStyle < 0 ? nullptr : rebase);
   }
 }
 

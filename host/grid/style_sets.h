@@ -30,6 +30,8 @@ class StyleChange {
     if (own < memo_.size() && memo_[own] != kUnknown) return memo_[own];
     return workOut(own);
   }
+  // Whether it leaves every set as it is whose bit is set; the last bit stands for sets that are not told.
+  bool keeps(std::uint64_t sets);
   bool is(const StyleAttributes& look, StyleMode mode) const { return mode_ == mode && look_ == look; }
 
  private:
