@@ -70,6 +70,7 @@ Road::~Road() {
 void Road::startHost() {
   host_.reset();
   host::HostSettings settings;
+  settings.codeSet = "UTF-8";
   settings.makeGrid = [](const std::string& name) { return std::make_shared<host::GridControl>(name); };
   // A page makes its calculators dye by dye.
   settings.makeBinCalculator = [watch = watch_, next = 0]() mutable {

@@ -30,6 +30,7 @@ class Cell {
   std::int32_t number() const { return static_cast<std::int32_t>(payload_); }
   TextPool::Id text() const { return payload_; }
   bool isBlank() const { return head_ == 0; }
+  bool isDigit() const { return kind() == CellKind::Number && payload_ <= 9; }
 
   void setStyle(StyleId style) { head_ = (head_ & ~kStyleBits) | style; }
   void setValue(CellKind kind, std::uint32_t payload) {

@@ -207,22 +207,57 @@ void GridControl::StoreLine(Axis which, std::int32_t index, std::span<const Line
   }
 }
 
-void GridControl::VisitTexts(Axis which, std::int32_t index, std::int32_t from, std::int32_t to,
-                             bool visibleOnly, const TextVisitor& visitor) const {
-  const LineAxis& along = axis(which == Axis::Rows ? Axis::Columns : Axis::Rows);
+// Calls visitor(position, cell) along a line; the cell may be null.
+template <class Visitor>
+void GridControl::visitLine(Axis which, std::int32_t index, std::int32_t from, std::int32_t to,
+                            bool visibleOnly, Visitor visitor) const {
+  const bool isRow = which == Axis::Rows;
+  const LineAxis& along = axis(isRow ? Axis::Columns : Axis::Rows);
   const Slot line = axis(which).order.at(index);
-  NumberText buffer;
   for (std::int64_t next = std::max(from, 0); next <= to; ++next) {
     const auto position = static_cast<std::int32_t>(next);
     if (visibleOnly && along.visibility.isHidden(position)) continue;
     const Slot other = along.order.at(position);
-    const bool isTyped = edit_ && (which == Axis::Rows ? edit_->row == index && edit_->col == position
-                                                       : edit_->col == index && edit_->row == position);
-    visitor(position,
-            isTyped ? std::string_view(edit_->text)
-                    : store_.text(which == Axis::Rows ? store_.find(line, other) : store_.find(other, line),
-                                  buffer));
+    visitor(position, isRow ? store_.find(line, other) : store_.find(other, line));
   }
+}
+
+// The position along a line at which the user types.
+std::int32_t GridControl::typedIn(Axis which, std::int32_t index) const {
+  if (!edit_) return -1;
+  if (which == Axis::Rows) return edit_->row == index ? edit_->col : -1;
+  return edit_->col == index ? edit_->row : -1;
+}
+
+void GridControl::VisitTexts(Axis which, std::int32_t index, std::int32_t from, std::int32_t to,
+                             bool visibleOnly, const TextVisitor& visitor) const {
+  const std::int32_t typed = typedIn(which, index);
+  NumberText buffer;
+  visitLine(which, index, from, to, visibleOnly, [&](std::int32_t position, const Cell* found) {
+    visitor(position, position == typed ? std::string_view(edit_->text) : store_.text(found, buffer));
+  });
+}
+
+std::int32_t GridControl::AppendTexts(Axis which, std::int32_t index, std::int32_t from, std::int32_t to,
+                                      bool visibleOnly, std::string_view before, std::string_view after,
+                                      std::string& out) const {
+  const std::int32_t typed = typedIn(which, index);
+  // Most cells are a single digit: theirs is one piece of text in which only the digit changes.
+  std::string digit = std::string(before).append("0").append(after);
+  std::int32_t last = -1;
+  NumberText buffer;
+  visitLine(which, index, from, to, visibleOnly, [&](std::int32_t position, const Cell* found) {
+    last = position;
+    if (found != nullptr && found->isDigit() && position != typed) {
+      digit[before.size()] = static_cast<char>('0' + found->number());
+      out.append(digit);
+      return;
+    }
+    out.append(before);
+    out.append(position == typed ? std::string_view(edit_->text) : store_.text(found, buffer));
+    out.append(after);
+  });
+  return last;
 }
 
 void GridControl::VisitUserAttributes(Axis which, std::int32_t index, std::int32_t from, std::int32_t to,
