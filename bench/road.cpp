@@ -18,7 +18,7 @@ class WatchedCalculator final : public BinCalculator {
 
   // The first word that an analysis says to its calculators.
   void SetMaxBinWidth(double nt) override {
-    if (dye_ == 0) watch_->started = std::chrono::steady_clock::now();
+    if (dye_ == 0) watch_->started = processorSeconds();
     own_->SetMaxBinWidth(nt);
   }
   void SetYThreshold(double rfu) override { own_->SetYThreshold(rfu); }

@@ -3,7 +3,6 @@
 // elsewhere.
 #pragma once
 
-#include <chrono>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -18,8 +17,8 @@ namespace banddesk::bench {
 
 /// What is seen from between the page and its calculators.
 struct CalculatorWatch {
-  std::chrono::steady_clock::time_point started;  // of the latest analysis
-  std::function<void()> onCalculated;             // after the bins of the last dye
+  double started = 0;                  // the processor's second at which the latest analysis began
+  std::function<void()> onCalculated;  // after the bins of the last dye
 };
 
 class Road {

@@ -18,7 +18,7 @@ Timed openingAnalysis(Road& road) {
   return [&road] {
     road.closeAnalysis();
     road.openAnalysis();
-    return secondsSince(road.watch().started);
+    return processorSeconds() - road.watch().started;
   };
 }
 
@@ -123,7 +123,7 @@ void measureDecisions(Bench& bench, Road& road) {
   const Timed passes = passesOver(road.page().Analysis().fragmentCounts, 1);
   bench.measure(road, {"exclude a bin", "a pass over the counts", 10}, timed([&road] { road.excludeBin(5); }),
                 passes);
-  const Timed save = timed(
+  const Timed save = timedByClock(
       [&road] {
         const auto page = road.host().pages().openPages().back();
         road.host().pages().userEvent(*page, [&] { road.excludeBin(5); });
@@ -132,8 +132,8 @@ void measureDecisions(Bench& bench, Road& road) {
   bench.measure(road,
                 {"save one changed decision", "the file system's own synchronising", 0.05, Unit::Beyond},
                 save, syncsIn(road.folder()));
-  bench.measure(road, {"open the study", "", 0.5, Unit::Beyond}, timed([&road] { road.openStudy(); }),
-                [] { return 0.0; });
+  bench.measure(road, {"open the study", "", 0.5, Unit::Beyond},
+                timedByClock([] {}, [&road] { road.openStudy(); }), [] { return 0.0; });
 }
 
 }  // namespace
@@ -172,7 +172,8 @@ void measureArrival(Bench& bench, Road& road) {
   bench.measure(road, {"peak table read", "reading the file, counting lines", 5},
                 timed([&road] { road.forgetTable(); }, [&road] { road.read(); }), lineCountOf(road.table()));
   bench.measure(road, {"fragments added to the study", "", 0},
-                timed([&road] { road.newStudy(); }, [&road] { road.addResults(); }), [] { return 0.0; });
+                timedByClock([&road] { road.newStudy(); }, [&road] { road.addResults(); }),
+                [] { return 0.0; });
   road.forgetTable();
   road.makeAnalysis();
   measureMemory(bench, road);

@@ -19,8 +19,8 @@ struct Measure {
   Unit unit = Unit::Seconds;
 };
 
-/// Measures line after line, prints each, and keeps them. A line that is worse than recorded is measured again
-/// before it is believed. Lines whose study and work do not contain `only` are passed over.
+/// Measures line after line, prints each, and keeps them. A line that is worse than recorded is measured
+/// again before it is believed. Lines whose study and work do not contain `only` are passed over.
 class Bench {
  public:
   Bench(Effort effort, Recorded recorded, std::string only)

@@ -1,11 +1,19 @@
 #include "bench/turns.h"
 
 #include <algorithm>
+#include <chrono>
+#include <ctime>
 
 namespace banddesk::bench {
 
-double secondsSince(std::chrono::steady_clock::time_point start) {
-  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+double processorSeconds() {
+  timespec now{};
+  ::clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
+  return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
+}
+
+double clockSeconds() {
+  return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
 }
 
 Timed timed(std::function<void()> work) {
@@ -15,9 +23,18 @@ Timed timed(std::function<void()> work) {
 Timed timed(std::function<void()> prepare, std::function<void()> work) {
   return [prepare = std::move(prepare), work = std::move(work)] {
     prepare();
-    const auto start = std::chrono::steady_clock::now();
+    const double start = processorSeconds();
     work();
-    return secondsSince(start);
+    return processorSeconds() - start;
+  };
+}
+
+Timed timedByClock(std::function<void()> prepare, std::function<void()> work) {
+  return [prepare = std::move(prepare), work = std::move(work)] {
+    prepare();
+    const double start = clockSeconds();
+    work();
+    return clockSeconds() - start;
   };
 }
 
@@ -36,10 +53,10 @@ double Times::median() const {
 }
 
 TurnTimes takeTurns(const Timed& work, const Timed& reference, const Effort& effort) {
-  const auto start = std::chrono::steady_clock::now();
+  const double start = clockSeconds();
   std::vector<double> works, references;
   while (works.size() < effort.leastRounds ||
-         (works.size() < effort.mostRounds && secondsSince(start) < effort.seconds)) {
+         (works.size() < effort.mostRounds && clockSeconds() - start < effort.seconds)) {
     references.push_back(reference());
     works.push_back(work());
   }

@@ -1,7 +1,6 @@
 // Measuring a work and its reference in turns, so that whatever disturbs the machine disturbs both.
 #pragma once
 
-#include <chrono>
 #include <functional>
 #include <vector>
 
@@ -10,12 +9,17 @@ namespace banddesk::bench {
 /// Does something once and tells the seconds that count; what it has to prepare does not.
 using Timed = std::function<double()>;
 
-double secondsSince(std::chrono::steady_clock::time_point start);
+/// The processor's seconds of this process, with those that the system spends for it. On a quiet machine they
+/// pass as the clock's do; on a busy one they do not count the others' work.
+double processorSeconds();
+double clockSeconds();
 
-/// A work of which everything counts.
+/// A work of which everything counts, by the processor's seconds.
 Timed timed(std::function<void()> work);
 /// A work before which something is put right, which does not count.
 Timed timed(std::function<void()> prepare, std::function<void()> work);
+/// The same by the clock, for what waits for the disk.
+Timed timedByClock(std::function<void()> prepare, std::function<void()> work);
 /// The sum of two.
 Timed both(Timed first, Timed second);
 
