@@ -67,10 +67,13 @@ class SampleRecord final : public Object {
   const std::shared_ptr<const SampleFragments> fragments;
 };
 
-class HostSample final : public Sample, private SampleData {
+class HostSample final : public Sample, private SampleData, private FragmentHolder {
  public:
   HostSample(std::int32_t resultId, std::shared_ptr<FragmentSource> source, FaultInjector& faults)
       : resultId_(resultId), source_(std::move(source)), faults_(faults) {}
+  HostSample(const HostSample&) = delete;
+  HostSample& operator=(const HostSample&) = delete;
+  ~HostSample() override { unload(); }
 
   SampleData& Data() override;
   void Unload() override;
@@ -79,6 +82,8 @@ class HostSample final : public Sample, private SampleData {
   void leaveStudy();
 
  private:
+  void letGo() override { fragments_.reset(); }
+  void unload();
   const FragmentTable& Fragments() override;
   ObjectRef Record() override;
   const std::shared_ptr<const SampleFragments>& load();
