@@ -1,10 +1,11 @@
 // The road of a study through the program, each work measured against what the machine can do, in turns.
-//   banddesk_bench [--quick] [--json OUT] [--check FILE | --record FILE] [--only TEXT]
+//   banddesk_bench [--quick] [--json OUT] [--check FILE | --record FILE] [--only TEXT] [--seconds S]
 // --quick takes the two smaller studies and fewer rounds. --check fails if a work's ratio to its reference is
 // more than half above the one in FILE; --record writes such a file.
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <fmt/format.h>
+#include <optional>
 #include <unistd.h>
 
 #include "bench/road_lines.h"
@@ -20,6 +21,7 @@ const StudySize kSkewed{"1500, skewed", 1500, 200, true};
 struct Options {
   bool isQuick = false;
   std::string json, check, record, only;
+  std::optional<double> seconds;
 };
 
 // A folder of this run's own, gone at its end.
@@ -55,7 +57,8 @@ void measureAll(Bench& bench, bool isQuick, const std::filesystem::path& folder)
 }
 
 int run(const Options& options) {
-  const Effort effort = options.isQuick ? Effort{3, 15, 0.4} : Effort{3, 41, 2};
+  Effort effort = options.isQuick ? Effort{3, 15, 0.4} : Effort{3, 41, 2};
+  if (options.seconds) effort = {3, 10'000, *options.seconds};
   Bench bench(effort, options.check.empty() ? Recorded{} : readRecorded(options.check), options.only);
   const Scratch scratch;
   printHead();
@@ -76,6 +79,7 @@ int main(int argc, char** argv) {
   app.add_flag("--quick", options.isQuick, "The two smaller studies, fewer rounds");
   app.add_option("--json", options.json, "Writes the figures to this file too");
   app.add_option("--only", options.only, "Only lines whose study and work contain this text");
+  app.add_option("--seconds", options.seconds, "Of rounds for each line, as many as fit in; for profiles");
   auto* const check =
       app.add_option("--check", options.check, "Fails on ratios half above those in this file");
   app.add_option("--record", options.record, "Writes this run's ratios to this file")->excludes(check);

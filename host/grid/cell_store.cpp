@@ -54,22 +54,6 @@ void CellStore::grow(Slot outer, Slot inner) {
   cells.resize(needed);
 }
 
-void CellStore::putNumber(Slot row, Slot col, std::int32_t number, StyleChange* rebase) {
-  const Slot outer = isFlipped_ ? col : row;
-  const Slot inner = isFlipped_ ? row : col;
-  Cell& cell = grown(outer, inner);
-  setNumber(cell, number);
-  if (rebase != nullptr) cell.setStyle((*rebase)(cell.style()));
-  auto& digests = lines_[outer].digests;
-  const std::size_t piece = inner / kPiece;
-  if (piece >= digests.size()) return;
-  Digest& digest = digests[piece];
-  digest.styles |= Digest::styleBit(cell.style());
-  digest.greatest = std::max(digest.greatest, number);
-  digest.isPlain = digest.isPlain && number >= 0;
-  digest.isExact = false;
-}
-
 // Without a branch for each cell: which one has what cannot be foreseen.
 const Digest& CellStore::exactDigest(Slot outer, std::size_t piece) const {
   const Line& line = lines_[outer];

@@ -84,8 +84,8 @@ class CellStore {
     forget(lines_[outer], inner / kPiece);
     return cell;
   }
-  // Makes the cell a number, and with `rebase` changes its style.
-  void putNumber(Slot row, Slot col, std::int32_t number, StyleChange* rebase);
+  // Makes a cell of a line, as it lies in memory, a number, and with `rebase` changes its style.
+  void putNumber(Slot outer, Slot inner, std::int32_t number, StyleChange* rebase);
 
   void setText(Cell& cell, std::string_view text);
   void setNumber(Cell& cell, std::int32_t number) {
@@ -191,5 +191,19 @@ class CellStore {
   bool isFlipped_ = false;  // lines are columns
   TextPool texts_;
 };
+
+inline void CellStore::putNumber(Slot outer, Slot inner, std::int32_t number, StyleChange* rebase) {
+  Cell& cell = grown(outer, inner);
+  setNumber(cell, number);
+  if (rebase != nullptr) cell.setStyle((*rebase)(cell.style()));
+  auto& digests = lines_[outer].digests;
+  const std::size_t piece = inner / kPiece;
+  if (piece >= digests.size()) return;
+  Digest& digest = digests[piece];
+  digest.styles |= Digest::styleBit(cell.style());
+  digest.greatest = std::max(digest.greatest, number);
+  digest.isPlain = digest.isPlain && number >= 0;
+  digest.isExact = false;
+}
 
 }  // namespace banddesk::host

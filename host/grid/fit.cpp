@@ -69,16 +69,25 @@ class Fitting {
   // At least as wide as every cell that the digest allows for; infinite where it tells too little.
   double widestOf(const Digest& digest) {
     if (!digest.isPlain || digest.styles >> Digest::kLastStyle != 0) return kEndless;
+    if (digest.styles != lastStyles_) {
+      lastStyles_ = digest.styles;
+      lastDigit_ = widestDigit(digest.styles);
+    }
+    return lastDigit_ * static_cast<double>(lengthOf(digest.greatest));
+  }
+
+ private:
+  // Of the body's styles.
+  double widestDigit(std::uint64_t styles) {
     double widest = 0;
-    for (std::uint64_t styles = digest.styles; styles != 0; styles &= styles - 1) {
+    for (; styles != 0; styles &= styles - 1) {
       const StyleWidths& style = styleOf(static_cast<StyleId>(std::countr_zero(styles)), Layer::Body);
       if (style.rewriting != nullptr) return kEndless;
-      widest = std::max(widest, style.font->ofNumber(digest.greatest));
+      widest = std::max(widest, style.font->ofNumber(0));
     }
     return widest;
   }
 
- private:
   static constexpr double kEndless = std::numeric_limits<double>::infinity();
 
   const StyleWidths& styleOf(StyleId id, Layer layer) {
@@ -98,6 +107,8 @@ class Fitting {
   const TextMeasure& measure_;
   std::map<double, FontWidths> fonts_;
   std::vector<StyleWidths> styles_[3];
+  std::uint64_t lastStyles_ = 0;
+  double lastDigit_ = 0;
 };
 
 // The widths that columns need for the cells of many rows. A piece of a line is looked at only while it may

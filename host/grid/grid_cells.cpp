@@ -1,3 +1,6 @@
+#include <array>
+#include <cstring>
+
 #include "host/grid/grid_control.h"
 
 namespace banddesk::host {
@@ -29,6 +32,45 @@ class ValueChange {
   CellStore& store_;
   bool acts_;
   Cell model_;
+};
+
+// Appends what most cells of a table are, single digits between two short texts, many at once.
+class DigitTexts {
+ public:
+  DigitTexts(std::string_view before, std::string_view after, std::string& out)
+      : out_(out), length_(before.size() + 1 + after.size()) {
+    for (std::size_t digit = 0; digit < texts_.size() && length_ <= kLongest; ++digit) {
+      const std::string text = std::string(before).append(1, static_cast<char>('0' + digit)).append(after);
+      std::ranges::copy(text, texts_[digit].begin());
+    }
+    whole_ = std::string(before).append("0").append(after);
+    place_ = before.size();
+  }
+  void append(std::int32_t digit) {
+    if (length_ > kLongest) {
+      whole_[place_] = static_cast<char>('0' + digit);
+      out_.append(whole_);
+      return;
+    }
+    if (used_ + kLongest > waiting_.size()) finish();
+    std::memcpy(waiting_.data() + used_, texts_[static_cast<std::size_t>(digit)].data(), kLongest);
+    used_ += length_;
+  }
+  void finish() {
+    out_.append(waiting_.data(), used_);
+    used_ = 0;
+  }
+
+ private:
+  static constexpr std::size_t kLongest = 8;
+
+  std::string& out_;
+  std::size_t length_;
+  std::array<std::array<char, kLongest>, 10> texts_{};
+  std::string whole_;
+  std::size_t place_ = 0;
+  std::array<char, 2048> waiting_;
+  std::size_t used_ = 0;
 };
 
 std::optional<std::string> textOrNothing(std::string_view text) {
@@ -202,8 +244,12 @@ void GridControl::StoreLine(Axis which, std::int32_t index, std::span<const Line
       lastBase = given.baseStyle;
       rebase = &sets_.rebase(lastBase);
     }
-    store_.putNumber(isRow ? line : other, isRow ? other : line, given.value,
-                     given.baseStyle < 0 ? nullptr : rebase);
+    StyleChange* const restyle = given.baseStyle < 0 ? nullptr : rebase;
+    if (isRow != store_.isFlipped()) {
+      store_.putNumber(line, other, given.value, restyle);
+    } else {
+      store_.putNumber(other, line, given.value, restyle);
+    }
   }
 }
 
@@ -214,11 +260,17 @@ void GridControl::visitLine(Axis which, std::int32_t index, std::int32_t from, s
   const bool isRow = which == Axis::Rows;
   const LineAxis& along = axis(isRow ? Axis::Columns : Axis::Rows);
   const Slot line = axis(which).order.at(index);
+  const bool isWhole = isRow != store_.isFlipped();
+  const std::span<const Cell> cells = isWhole ? store_.line(line) : std::span<const Cell>();
   for (std::int64_t next = std::max(from, 0); next <= to; ++next) {
     const auto position = static_cast<std::int32_t>(next);
     if (visibleOnly && along.visibility.isHidden(position)) continue;
     const Slot other = along.order.at(position);
-    visitor(position, isRow ? store_.find(line, other) : store_.find(other, line));
+    if (isWhole) {
+      visitor(position, other < cells.size() ? &cells[other] : nullptr);
+    } else {
+      visitor(position, isRow ? store_.find(line, other) : store_.find(other, line));
+    }
   }
 }
 
@@ -242,21 +294,21 @@ std::int32_t GridControl::AppendTexts(Axis which, std::int32_t index, std::int32
                                       bool visibleOnly, std::string_view before, std::string_view after,
                                       std::string& out) const {
   const std::int32_t typed = typedIn(which, index);
-  // Most cells are a single digit: theirs is one piece of text in which only the digit changes.
-  std::string digit = std::string(before).append("0").append(after);
+  DigitTexts digits(before, after, out);
   std::int32_t last = -1;
   NumberText buffer;
   visitLine(which, index, from, to, visibleOnly, [&](std::int32_t position, const Cell* found) {
     last = position;
     if (found != nullptr && found->isDigit() && position != typed) {
-      digit[before.size()] = static_cast<char>('0' + found->number());
-      out.append(digit);
+      digits.append(found->number());
       return;
     }
+    digits.finish();
     out.append(before);
     out.append(position == typed ? std::string_view(edit_->text) : store_.text(found, buffer));
     out.append(after);
   });
+  digits.finish();
   return last;
 }
 

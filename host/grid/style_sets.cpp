@@ -80,9 +80,11 @@ StyleId StyleChange::workOut(StyleId own) {
 bool StyleChange::keeps(std::uint64_t sets) {
   constexpr int kUntold = 63;
   if (sets >> kUntold != 0) return false;
+  sets &= ~kept_;
   for (; sets != 0; sets &= sets - 1) {
     const auto set = static_cast<StyleId>(std::countr_zero(sets));
     if ((*this)(set) != set) return false;
+    kept_ |= std::uint64_t{1} << set;
   }
   return true;
 }

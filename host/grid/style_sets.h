@@ -42,6 +42,7 @@ class StyleChange {
   StyleAttributes look_;
   StyleMode mode_;
   std::vector<StyleId> memo_;
+  std::uint64_t kept_ = 0;  // sets that are known to stay, by bit
 };
 
 class StyleSets {

@@ -41,12 +41,13 @@ void BinStatistics::CalcBin(std::int32_t row, std::int32_t bin, std::span<const 
     const std::int32_t one = refresh ? kKeepStyle : styles_.baseStyle(kOneFragment);
     const std::int32_t several = refresh ? kKeepStyle : styles_.baseStyle(kSeveralFragments);
     findFilled(stored);
-    line_.clear();
+    line_.resize(filled_.size());
+    auto* cell = line_.data();
     for (const std::uint32_t i : filled_) {
       const std::int32_t count = stored[i];
       const std::int32_t col = i < columns.size() ? columns[i] : 0;
       if (col == 0) raiseMissingColumn(static_cast<std::int32_t>(i) + 1);
-      line_.push_back({col, cellValue(option, count, highest[i]), count == 1 ? one : several});
+      *cell++ = {col, cellValue(option, count, highest[i]), count == 1 ? one : several};
     }
     if (!line_.empty()) table_.writeRow(row, line_);
   });

@@ -107,8 +107,9 @@ std::string NtsysExport::matrixLine(std::int32_t row, const std::vector<SampleCo
   const auto counts = std::as_const(bins_).fragmentCounts(table_.Bin(row));
   std::string line(samples.size() * 2, ' ');
   char* next = line.data();
+  for (const SampleColumn& sample : samples) bins_.resultAt(sample.resultIndex);
   for (const SampleColumn& sample : samples) {
-    *next = counts[bins_.resultAt(sample.resultIndex)] != 0 ? '1' : '0';
+    *next = static_cast<char>('0' + (counts[static_cast<std::size_t>(sample.resultIndex)] != 0 ? 1 : 0));
     next += 2;
   }
   dropLast(line);
