@@ -92,8 +92,14 @@ void HostStudyService::close() {
   failure.raise();
 }
 
+// Explorer items of the plug-in live on until the next study; they must not keep this one's file open.
 void HostStudyService::drop() {
   objects_.detach();
+  if (study_) {
+    for (const auto& result : study_->Results) {
+      if (auto* sample = dynamic_cast<HostSample*>(result->Sample.get())) sample->leaveStudy();
+    }
+  }
   study_.reset();
   store_.reset();
 }

@@ -105,10 +105,12 @@ std::string NtsysExport::sampleLabels(const std::vector<SampleColumn>& samples) 
 
 std::string NtsysExport::matrixLine(std::int32_t row, const std::vector<SampleColumn>& samples) const {
   const auto counts = std::as_const(bins_).fragmentCounts(table_.Bin(row));
-  std::string line;
-  line.reserve(samples.size() * 2);
+  std::string line(samples.size() * 2, ' ');
+  char* next = line.data();
+  for (const SampleColumn& sample : samples) bins_.resultAt(sample.resultIndex);
   for (const SampleColumn& sample : samples) {
-    line.append(counts[bins_.resultAt(sample.resultIndex)] != 0 ? "1 " : "0 ");
+    *next = static_cast<char>('0' + (counts[static_cast<std::size_t>(sample.resultIndex)] != 0 ? 1 : 0));
+    next += 2;
   }
   dropLast(line);
   return line;
