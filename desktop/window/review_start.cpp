@@ -27,7 +27,8 @@ ReviewStart reviewStart(const AFLP& analysis, IAFLPResultsPage& table) {
   start.results = std::make_shared<Collection<std::shared_ptr<Result>>>();
   if (table.NumRows() > 0) start.row = std::min(chosenRow(table), table.NumRows());
   std::set<std::int32_t> chosen;  // result numbers
-  for (const std::int32_t key : *table.GetSelected(kColumns, kKeys)) {
+  const auto selected = table.GetSelected(kColumns, kKeys);
+  for (const std::int32_t key : *selected) {
     if (key < 0) chosen.insert(-key);
   }
   for (std::int32_t col = 1; col <= table.NumCols(); ++col) {

@@ -2,10 +2,12 @@
 // the table follows what is decided there.
 #include <QApplication>
 #include <QCheckBox>
+#include <algorithm>
 #include <fstream>
 #include <gmock/gmock.h>
 
 #include "desktop/base/qt_text.h"
+#include "desktop/views/bin_review.h"
 #include "desktop/views/result_view_page.h"
 #include "host/simulation/peak_table_writer.h"
 #include "host/simulation/simulator.h"
@@ -26,12 +28,9 @@ QString simulatedTable(const QString& folder) {
   return path;
 }
 
-int excludedByHand(DeskAtScreen& desk) {
-  return User::see<int>([&] {
-    int count = 0;
-    for (const auto mark : desk.results().Analysis().manualExcluded) count += mark != 0;
-    return count;
-  });
+std::ptrdiff_t excludedByHand(const DeskAtScreen& desk) {
+  const auto marks = desk.results().Analysis().manualExcluded;
+  return std::ranges::count_if(marks, [](std::uint8_t mark) { return mark != 0; });
 }
 
 QWidget* boxNamed(const QString& text) {
@@ -67,16 +66,24 @@ TEST(Review, WalksTheBinsAndTheTableFollows) {
   };
   EXPECT_EQ(row(), 21);
 
+  // Bins that a filter has excluded are passed by.
+  const auto toNextFree = [&] {
+    do user.key(QStringLiteral("n"));
+    while (User::see<bool>([&] {
+      return !review()->findChild<desktop::BinReview*>()->status().endsWith(QStringLiteral(" not excluded"));
+    }));
+  };
+  toNextFree();
   user.key(QStringLiteral("x"));
   user.until("one excluded", [&] { return excludedByHand(desk) == 1; });
-  user.key(QStringLiteral("n"));
+  const std::int32_t first = row();
+  toNextFree();
   user.key(QStringLiteral("x"));
   user.until("two excluded", [&] { return excludedByHand(desk) == 2; });
   user.picture(QStringLiteral("review-excluded"));
-  user.key(QStringLiteral("p"));
+  while (row() > first) user.key(QStringLiteral("p"));
   user.key(QStringLiteral("x"));
   user.until("one brought back", [&] { return excludedByHand(desk) == 1; });
-  EXPECT_EQ(row(), 21);
   EXPECT_EQ(User::see<std::size_t>([&] { return desk.failures(); }), 0U);
 }
 
