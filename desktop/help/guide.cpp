@@ -7,7 +7,6 @@
 #include <array>
 
 #include "desktop/base/qt_text.h"
-#include "host/framework/component.h"
 
 namespace banddesk::desktop {
 namespace {
@@ -45,8 +44,8 @@ QString titleOf(const QString& folder, const QString& file) {
 
 }  // namespace
 
-QString guideFolder() {
-  const QString installed = toQString(host::besideExecutable("../share/banddesk/guide"));
+QString guideFolder(const std::string& programs) {
+  const QString installed = QDir(toQString(programs)).filePath(QStringLiteral("../../share/banddesk/guide"));
   if (QFile::exists(QDir(installed).filePath(startPage()))) return QDir::cleanPath(installed);
   return QStringLiteral(BANDDESK_GUIDE_SOURCE);
 }

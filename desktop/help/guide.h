@@ -5,6 +5,8 @@
 #include <QString>
 #include <string>
 
+#include "host/framework/component.h"
+
 namespace banddesk::desktop {
 
 struct GuidePage {
@@ -17,8 +19,8 @@ struct GuidePlace {
   QString heading;  // where on the page; empty: at its start
 };
 
-// Beside an installed program, else in the tree that it was built from.
-QString guideFolder();
+// Of an installed program, by the folder that it runs in; else in the tree that it was built from.
+QString guideFolder(const std::string& programs = host::besideExecutable(""));
 
 // The start page first, then the others in the order in which it names them, then the rest.
 QList<GuidePage> guidePages(const QString& folder);
