@@ -15,6 +15,13 @@ constexpr std::size_t kSeveralFragments = 2;
 constexpr std::int32_t kShowPresence = 1;
 constexpr std::int32_t kShowMaxY = 2;
 
+// Heights are looked at only where they are shown: they are the larger part of the arrays.
+inline std::int32_t cellValue(std::int32_t option, std::int32_t count, std::span<const double> heights,
+                              std::size_t result) {
+  if (option == kShowPresence) return 1;
+  return option == kShowMaxY ? roundToLong(heights[result]) : count;
+}
+
 }  // namespace
 
 std::vector<std::int32_t> BinStatistics::resultColumns() const {
@@ -78,13 +85,6 @@ void BinStatistics::storeBin(std::int32_t bin, std::span<const std::int32_t> cou
   }
   std::copy_n(counts.begin(), results, bins_.fragmentCounts(bin).begin());
   std::copy_n(heights.begin(), results, bins_.maxYHeights(bin).begin());
-}
-
-// Heights are looked at only where they are shown: they are the larger part of the arrays.
-std::int32_t BinStatistics::cellValue(std::int32_t option, std::int32_t count,
-                                      std::span<const double> heights, std::size_t result) const {
-  if (option == kShowPresence) return 1;
-  return option == kShowMaxY ? roundToLong(heights[result]) : count;
 }
 
 void BinStatistics::CalcAFLP() {
