@@ -54,6 +54,15 @@ void CellStore::grow(Slot outer, Slot inner) {
   cells.resize(needed);
 }
 
+std::vector<std::span<const Slot>> CellStore::piecesOf(std::span<const Slot> inners) {
+  std::vector<std::span<const Slot>> pieces;
+  for (std::size_t begin = 0, end = 0; begin < inners.size(); begin = end) {
+    while (end < inners.size() && inners[end] / kPiece == inners[begin] / kPiece) ++end;
+    pieces.push_back(inners.subspan(begin, end - begin));
+  }
+  return pieces;
+}
+
 // Without a branch for each cell: which one has what cannot be foreseen.
 const Digest& CellStore::exactDigest(Slot outer, std::size_t piece) const {
   const Line& line = lines_[outer];

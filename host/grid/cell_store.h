@@ -130,17 +130,18 @@ class CellStore {
   void forExisting(std::span<const Slot> rows, std::span<const Slot> cols, MayPass mayPass, Action action) {
     std::vector<Slot> inners(isFlipped_ ? rows.begin() : cols.begin(), isFlipped_ ? rows.end() : cols.end());
     std::ranges::sort(inners);
+    const std::vector<std::span<const Slot>> pieces = piecesOf(inners);
     for (const Slot outer : isFlipped_ ? cols : rows) {
       if (outer >= lines_.size()) continue;
       auto& cells = lines_[outer].cells;
-      for (std::size_t next = 0; next < inners.size() && inners[next] < cells.size();) {
-        const std::size_t piece = inners[next] / kPiece;
-        const bool passes = mayPass(digest(outer, piece));
-        for (; next < inners.size() && inners[next] / kPiece == piece && inners[next] < cells.size();
-             ++next) {
-          if (!passes) action(cells[inners[next]]);
+      for (const auto& piece : pieces) {
+        if (piece.front() >= cells.size()) break;
+        const std::size_t number = piece.front() / kPiece;
+        if (mayPass(digest(outer, number))) continue;
+        for (const Slot inner : piece) {
+          if (inner < cells.size()) action(cells[inner]);
         }
-        if (!passes) forget(lines_[outer], piece);
+        forget(lines_[outer], number);
       }
     }
   }
@@ -173,6 +174,8 @@ class CellStore {
     mutable std::vector<Digest> digests;
   };
 
+  // Ascending slots, parted where a piece of a line ends.
+  static std::vector<std::span<const Slot>> piecesOf(std::span<const Slot> inners);
   static void forget(const Line& line, std::size_t piece) {
     if (piece < line.digests.size()) line.digests[piece].isKnown = false;
   }
@@ -194,8 +197,11 @@ class CellStore {
 
 inline void CellStore::putNumber(Slot outer, Slot inner, std::int32_t number, StyleChange* rebase) {
   Cell& cell = grown(outer, inner);
+  const StyleId style = rebase != nullptr ? (*rebase)(cell.style()) : cell.style();
+  // A cell that stays as it is need not go back to memory.
+  if (cell.kind() == CellKind::Number && cell.number() == number && cell.style() == style) return;
   setNumber(cell, number);
-  if (rebase != nullptr) cell.setStyle((*rebase)(cell.style()));
+  cell.setStyle(style);
   auto& digests = lines_[outer].digests;
   const std::size_t piece = inner / kPiece;
   if (piece >= digests.size()) return;

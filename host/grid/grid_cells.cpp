@@ -253,7 +253,8 @@ void GridControl::StoreLine(Axis which, std::int32_t index, std::span<const Line
   }
 }
 
-// Calls visitor(position, cell) along a line; the cell may be null.
+// Calls visitor(position, cell) along a line; the cell may be null. All that leads to the cells is looked up
+// before: a visitor that writes text could otherwise have changed it, as far as the compiler sees.
 template <class Visitor>
 void GridControl::visitLine(Axis which, std::int32_t index, std::int32_t from, std::int32_t to,
                             bool visibleOnly, Visitor visitor) const {
@@ -262,15 +263,20 @@ void GridControl::visitLine(Axis which, std::int32_t index, std::int32_t from, s
   const Slot line = axis(which).order.at(index);
   const bool isWhole = isRow != store_.isFlipped();
   const std::span<const Cell> cells = isWhole ? store_.line(line) : std::span<const Cell>();
+  const std::span<const Slot> slots = along.order.slots();
+  const std::span<const std::uint8_t> hidden =
+      visibleOnly ? along.visibility.hidden() : std::span<const std::uint8_t>();
   for (std::int64_t next = std::max(from, 0); next <= to; ++next) {
-    const auto position = static_cast<std::int32_t>(next);
-    if (visibleOnly && along.visibility.isHidden(position)) continue;
-    const Slot other = along.order.at(position);
-    if (isWhole) {
-      visitor(position, other < cells.size() ? &cells[other] : nullptr);
-    } else {
-      visitor(position, isRow ? store_.find(line, other) : store_.find(other, line));
+    const auto place = static_cast<std::size_t>(next);
+    if (place < hidden.size() && hidden[place] != 0) continue;
+    const Slot other = place < slots.size() ? slots[place] : kNoSlot;
+    const Cell* found = nullptr;
+    if (!isWhole) {
+      found = isRow ? store_.find(line, other) : store_.find(other, line);
+    } else if (other < cells.size()) {
+      found = &cells[other];
     }
+    visitor(static_cast<std::int32_t>(next), found);
   }
 }
 

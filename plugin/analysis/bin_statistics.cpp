@@ -15,6 +15,13 @@ constexpr std::size_t kSeveralFragments = 2;
 constexpr std::int32_t kShowPresence = 1;
 constexpr std::int32_t kShowMaxY = 2;
 
+// Heights are looked at only where they are shown: they are the larger part of the arrays.
+inline std::int32_t cellValue(std::int32_t option, std::int32_t count, std::span<const double> heights,
+                              std::size_t result) {
+  if (option == kShowPresence) return 1;
+  return option == kShowMaxY ? roundToLong(heights[result]) : count;
+}
+
 }  // namespace
 
 std::vector<std::int32_t> BinStatistics::resultColumns() const {
@@ -47,7 +54,7 @@ void BinStatistics::CalcBin(std::int32_t row, std::int32_t bin, std::span<const 
       const std::int32_t count = stored[i];
       const std::int32_t col = i < columns.size() ? columns[i] : 0;
       if (col == 0) raiseMissingColumn(static_cast<std::int32_t>(i) + 1);
-      *cell++ = {col, cellValue(option, count, highest[i]), count == 1 ? one : several};
+      *cell++ = {col, cellValue(option, count, highest, i), count == 1 ? one : several};
     }
     if (!line_.empty()) table_.writeRow(row, line_);
   });
@@ -78,11 +85,6 @@ void BinStatistics::storeBin(std::int32_t bin, std::span<const std::int32_t> cou
   }
   std::copy_n(counts.begin(), results, bins_.fragmentCounts(bin).begin());
   std::copy_n(heights.begin(), results, bins_.maxYHeights(bin).begin());
-}
-
-std::int32_t BinStatistics::cellValue(std::int32_t option, std::int32_t count, double height) const {
-  if (option == kShowPresence) return 1;
-  return option == kShowMaxY ? roundToLong(height) : count;
 }
 
 void BinStatistics::CalcAFLP() {

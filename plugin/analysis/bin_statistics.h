@@ -41,7 +41,6 @@ class BinStatistics {
   void storeBin(std::int32_t bin, std::span<const std::int32_t> counts, std::span<const double> heights);
   void findFilled(std::span<const std::int32_t> counts);
   void raiseMissingColumn(std::int32_t result) const;
-  std::int32_t cellValue(std::int32_t option, std::int32_t count, double height) const;
   std::shared_ptr<Bin> binOfRow(std::int32_t row);
   void addResults(Bin& record, std::int32_t bin);
 

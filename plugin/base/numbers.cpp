@@ -91,6 +91,7 @@ double leadingNumber(std::string_view text) {
 }
 
 bool isNumeric(std::string_view text) {
+  if (shortWhole(text)) return true;
   const std::string_view number = trim(text);
   return !number.empty() && numberLength(number, '.') == number.size();
 }
