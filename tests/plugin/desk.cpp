@@ -56,13 +56,16 @@ class ScriptedCalculator final : public BinCalculator {
   double width_ = 0, threshold_ = 0;
 };
 
+// Without calculators of a script: the host's own.
 host::HostSettings settings(const std::shared_ptr<CalculatorDesk>& calculators) {
   host::HostSettings made;
   made.makeGrid = [](const std::string& name) { return std::make_shared<host::GridControl>(name); };
-  // A page makes its calculators dye by dye.
-  made.makeBinCalculator = [calculators, next = 0]() mutable {
-    return std::make_shared<ScriptedCalculator>(calculators, next++ % 4);
-  };
+  if (calculators) {
+    // A page makes its calculators dye by dye.
+    made.makeBinCalculator = [calculators, next = 0]() mutable {
+      return std::make_shared<ScriptedCalculator>(calculators, next++ % 4);
+    };
+  }
   made.applicationPath = "/opt/desk/bin";
   made.codeSet = "UTF-8";
   return made;
@@ -79,6 +82,11 @@ Desk::Desk(Script script, std::vector<std::string> samples) : host(settings(calc
     for (auto& dye : result.fragments.dyes) dye = {{100 + static_cast<double>(results.size())}, {500}};
   }
   store = std::make_shared<host::MemoryStore>("Plants", std::move(results));
+  host.loadComponent(BANDDESK_PLUGIN);
+}
+
+Desk::Desk(std::vector<host::NewResult> results)
+    : store(std::make_shared<host::MemoryStore>("Plants", std::move(results))), host(settings(nullptr)) {
   host.loadComponent(BANDDESK_PLUGIN);
 }
 

@@ -40,6 +40,8 @@ struct CalculatorDesk {
 class Desk {
  public:
   explicit Desk(Script script = {}, std::vector<std::string> samples = {"a", "b", "c"});
+  // With the host's own calculators and results that have fragments of their own.
+  explicit Desk(std::vector<host::NewResult> results);
 
   // Opens the study; every sample has one fragment of 100 nt in each dye.
   void openStudy();
