@@ -75,8 +75,16 @@ class Desk {
   // The visible table as text, a line a row, cells separated by blanks; "*" behind a grey cell.
   std::string visibleTable();
 
+  // From now on the grids of new pages fail where the host's operations do.
+  void guardGrids() { *guards_ = &host.faults(); }
+
   std::shared_ptr<CalculatorDesk> calculators = std::make_shared<CalculatorDesk>();
   std::shared_ptr<host::MemoryStore> store;
+
+ private:
+  std::shared_ptr<host::FaultInjector*> guards_ = std::make_shared<host::FaultInjector*>(nullptr);
+
+ public:
   host::Host host;
 };
 
