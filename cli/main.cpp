@@ -59,6 +59,8 @@ int main(int argc, char** argv) {
   std::setlocale(LC_CTYPE, "");
   // A reader of standard output who goes away must not end the writing of files.
   std::signal(SIGPIPE, SIG_IGN);
+  // A file that may grow no further is a failed write like any other.
+  std::signal(SIGXFSZ, SIG_IGN);
   try {
     return run(argc, argv);
   } catch (const banddesk::Error& error) {

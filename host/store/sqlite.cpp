@@ -174,6 +174,12 @@ std::int64_t Database::number(std::string_view query) const {
   return statement.next() ? statement.number(0) : 0;
 }
 
+bool Database::hasMoved() const {
+  int moved = 0;
+  const int code = sqlite3_file_control(connection_.get(), "main", SQLITE_FCNTL_HAS_MOVED, &moved);
+  return code == SQLITE_OK && moved != 0;
+}
+
 void Database::fail(int code) const {
   const Cause cause = causeOf(code, connection_.get());
   raise(cause.number, "Store", fmt::format("{}: {}", file_, cause.text));

@@ -90,6 +90,8 @@ class Database {
   std::int64_t number(std::string_view query) const;  // the first value of the first row
   std::int64_t lastRowId() const { return sqlite3_last_insert_rowid(connection_.get()); }
   bool isReadOnly() const { return sqlite3_db_readonly(connection_.get(), "main") == 1; }
+  // Whether another file, or none, lies now where this one was opened.
+  bool hasMoved() const;
   bool isInTransaction() const { return sqlite3_get_autocommit(connection_.get()) == 0; }
 
   [[noreturn]] void fail(int code) const;

@@ -97,6 +97,11 @@ void SqliteStore::write(const std::function<void()>& work) {
   if (!whyReadOnly_.empty())
     raise(ErrorNumber::PermissionDenied, "Store",
           fmt::format("{}: it cannot be saved: {}", database_.file(), whyReadOnly_));
+  // What is written into a file that has no name any more is gone with the program.
+  if (database_.hasMoved())
+    raise(ErrorNumber::PathNotFound, "Store",
+          fmt::format("{}: it cannot be saved: the file was moved or deleted while it was open",
+                      database_.file()));
   sqlite::Transaction transaction(database_);
   work();
   transaction.commit();

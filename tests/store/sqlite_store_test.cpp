@@ -393,6 +393,40 @@ TEST(StudyFile, SaysThatTheDiskIsFullAndKeepsTheOldState) {
   EXPECT_THAT(message, StartsWith(folder.file("a.study") + ": the disk is full | "));
 }
 
+TEST(StudyFile, IsNotSavedIntoNothingWhenItsFileOrFolderGoesAwayWhileOpen) {
+  using Go = std::function<void(const StoreFolder&, const std::string&)>;
+  const std::vector<std::pair<Go, Go>> cases = {
+      {[](const StoreFolder& folder, const std::string& file) { fs::rename(file, folder.file("b")); },
+       [](const StoreFolder& folder, const std::string& file) { fs::rename(folder.file("b"), file); }},
+      {[](const StoreFolder& folder, const std::string&) {
+         fs::rename(folder.path(), folder.path().string() + "x");
+       },
+       [](const StoreFolder& folder, const std::string&) {
+         fs::rename(folder.path().string() + "x", folder.path());
+       }},
+      {[](const StoreFolder& folder, const std::string& file) {
+         fs::rename(file, folder.file("b"));
+         writeBytes(file, "another");
+       },
+       [](const StoreFolder& folder, const std::string& file) { fs::rename(folder.file("b"), file); }},
+  };
+  for (const auto& [goAway, comeBack] : cases) {
+    StoreFolder folder;
+    const std::string file = studyAfter(folder, 5);
+    {
+      SqliteStore store(file);
+      const StudyState before = stateOf(store);
+      goAway(folder, file);
+      EXPECT_EQ(messageOf([&] { takeStep(store, 5); }),
+                file + ": it cannot be saved: the file was moved or deleted while it was open");
+      EXPECT_TRUE(stateOf(store) == before);
+      comeBack(folder, file);
+      takeStep(store, 5);
+    }
+    EXPECT_EQ(stepsTaken(*std::make_unique<SqliteStore>(file)), 6);
+  }
+}
+
 TEST(StudyFile, IsBroughtUpToDateInOneTransaction) {
   StoreFolder folder;
   const std::string file = studyAfter(folder, 5);
