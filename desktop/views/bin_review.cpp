@@ -57,16 +57,15 @@ BinReview::BinReview(TableLink& link, QWidget* keysIn, QWidget* parent)
   connect(previous_, &QPushButton::clicked, this, [this] { previous(); });
   connect(next_, &QPushButton::clicked, this, [this] { next(); });
   connect(exclude_, &QPushButton::clicked, this, [this] { toggle(); });
-  for (const Qt::Key key : {Qt::Key_N, Qt::Key_PageDown}) addKey(keysIn, key, &BinReview::next);
-  for (const Qt::Key key : {Qt::Key_P, Qt::Key_PageUp}) addKey(keysIn, key, &BinReview::previous);
-  addKey(keysIn, Qt::Key_X, &BinReview::toggle);
+  const auto addKey = [&](Qt::Key key, void (BinReview::*action)()) {
+    auto* shortcut = new QShortcut(QKeySequence(key), keysIn);
+    shortcut->setContext(Qt::WidgetWithChildrenShortcut);
+    connect(shortcut, &QShortcut::activated, this, action);
+  };
+  for (const Qt::Key key : {Qt::Key_N, Qt::Key_PageDown}) addKey(key, &BinReview::next);
+  for (const Qt::Key key : {Qt::Key_P, Qt::Key_PageUp}) addKey(key, &BinReview::previous);
+  addKey(Qt::Key_X, &BinReview::toggle);
   follow();
-}
-
-void BinReview::addKey(QWidget* keysIn, Qt::Key key, void (BinReview::*action)()) {
-  auto* shortcut = new QShortcut(QKeySequence(key), keysIn);
-  shortcut->setContext(Qt::WidgetWithChildrenShortcut);
-  connect(shortcut, &QShortcut::activated, this, action);
 }
 
 bool BinReview::showBin(std::int32_t row) {

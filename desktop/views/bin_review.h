@@ -37,7 +37,6 @@ class BinReview final : public QWidget {
   void show(const BinBand& band);
   void tell(const QString& more = {});
   const BinBand* neighbour(std::int32_t row, int direction) const;
-  void addKey(QWidget* keysIn, Qt::Key key, void (BinReview::*action)());
 
   TableLink& link_;
   std::optional<BinBand> current_;

@@ -21,6 +21,7 @@ constexpr double kLeastMargin = 2;     // nt
 
 std::vector<std::int32_t> resultIds(const TraceSet& traces) {
   std::vector<std::int32_t> ids;
+  ids.reserve(traces.samples.size());
   for (const TraceSample& sample : traces.samples) ids.push_back(sample.resultId);
   return ids;
 }

@@ -66,7 +66,7 @@ void TableLink::take(Bands bands) {
 }
 
 // What is called from the toolkit ends here.
-void TableLink::guarded(const std::function<void()>& work) {
+void TableLink::guarded(const std::function<void()>& work) const {
   try {
     work();
   } catch (...) {
@@ -110,7 +110,7 @@ void TableLink::chooseExclude(std::int32_t row) {
   auto& answers = host_.platform().popupAnswers;
   const std::size_t waiting = answers.size();
   bool isShown = false;
-  answers.push_front([&isShown](ui::MenuItem&, ui::MenuItem*) { isShown = true; });
+  answers.emplace_front([&isShown](ui::MenuItem&, ui::MenuItem*) { isShown = true; });
   grid().rightClick(isTransposed ? 1 : row, isTransposed ? row : 1);
   if (answers.size() > waiting) answers.pop_front();
   // Without its menu the item would act on some other cell; the page has reported why.

@@ -48,7 +48,7 @@ class TableLink final : public QObject {
   void follow(const std::shared_ptr<host::HostPage>& page);
   void leave();
   void take(Bands bands);
-  void guarded(const std::function<void()>& work);
+  void guarded(const std::function<void()>& work) const;
   void chooseExclude(std::int32_t row);
 
   host::Host& host_;

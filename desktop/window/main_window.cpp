@@ -18,6 +18,7 @@
 #include "desktop/pages/page_widget.h"
 #include "desktop/views/result_view_page.h"
 #include "desktop/window/report_window.h"
+#include "desktop/window/review_start.h"
 #include "plugin/base/numbers.h"
 
 namespace banddesk::desktop {
@@ -294,6 +295,22 @@ void MainWindow::chooseOnPage(const char* menuItem) {
   auto* item = page->control()->Controls().find<ui::MenuItem>(menuItem);
   if (item == nullptr) return;
   guard_.run([&] { choose(*item, actionOn(*page)); });
+}
+
+// The bin of the table's chosen row, in an overlay in which the bins are gone through one by one.
+void MainWindow::reviewBin() {
+  const Page page = pages_->currentPage();
+  if (!page || page->DefinitionName() != kResults) return;
+  guard_.run([&] {
+    const auto analysis = cast<AFLP>(page->bound(), "AFLP");
+    const ReviewStart start =
+        reviewStart(*analysis, *cast<IAFLPResultsPage>(page->control(), "AFLPResultsPage"));
+    const auto opened = cast<host::HostPage>(
+        workbench_.host().pages().OpenPage("OverlayGraphView", start.results, nullptr, true, true, true, true,
+                                           true, true, nullptr, false, 0),
+        "Page");
+    if (auto* view = qobject_cast<ResultViewPage*>(pages_->contentOf(*opened))) view->showBin(start.row);
+  });
 }
 
 // Selects a line of the table in front, given in logical terms, and brings it into sight.

@@ -47,7 +47,7 @@ class MainWindow final : public QMainWindow {
   void makeViewMenu();
   void makeHelpMenu();
   void makeToolBar();
-  QAction* addAction(QMenu& menu, const QString& text, const QKeySequence& keys, std::function<void()> work);
+  QAction* addCommand(QMenu& menu, const QString& text, const QKeySequence& keys, std::function<void()> work);
   void fillRecent();
   void fillReports();
   void fillTable();
@@ -73,6 +73,7 @@ class MainWindow final : public QMainWindow {
   void reopenPage(const Page& page);
   void chooseOnPage(const char* menuItem);
   void pointAt(Axis axis, std::int32_t line);
+  void reviewBin();
   // How the user's acts reach a page.
   UserAction actionOn(const host::HostPage& page);
 
@@ -100,6 +101,7 @@ class MainWindow final : public QMainWindow {
   std::vector<QAction*> needStudy_;
   std::vector<QAction*> needTable_;
   QAction* saveAction_ = nullptr;
+  QAction* review_ = nullptr;
   QAction* newAnalysisAction_ = nullptr;
   HelpDesk help_;
   std::unique_ptr<PlatformFront> front_;

@@ -58,8 +58,8 @@ void MainWindow::makeDocks() {
   setCentralWidget(pages_);
 }
 
-QAction* MainWindow::addAction(QMenu& menu, const QString& text, const QKeySequence& keys,
-                               std::function<void()> work) {
+QAction* MainWindow::addCommand(QMenu& menu, const QString& text, const QKeySequence& keys,
+                                std::function<void()> work) {
   QAction* action = menu.addAction(text);
   action->setShortcut(keys);
   connect(action, &QAction::triggered, this, [this, work = std::move(work)] {
@@ -76,25 +76,25 @@ void MainWindow::makeFileMenu() {
     action->setIcon(style()->standardIcon(picture));
     return action;
   };
-  icon(addAction(menu, QStringLiteral("&New Study..."), QKeySequence::New,
-                 [this] { commands_.createAsked(); }),
+  icon(addCommand(menu, QStringLiteral("&New Study..."), QKeySequence::New,
+                  [this] { commands_.createAsked(); }),
        QStyle::SP_FileIcon);
-  icon(addAction(menu, QStringLiteral("&Open Study..."), QKeySequence::Open,
-                 [this] { commands_.openAsked(); }),
+  icon(addCommand(menu, QStringLiteral("&Open Study..."), QKeySequence::Open,
+                  [this] { commands_.openAsked(); }),
        QStyle::SP_DialogOpenButton);
   recentMenu_ = menu.addMenu(QStringLiteral("&Recent Studies"));
   connect(recentMenu_, &QMenu::aboutToShow, this, [this] { fillRecent(); });
   menu.addSeparator();
-  icon(addAction(menu, QStringLiteral("&Import Peak Tables..."), QKeySequence(Qt::CTRL | Qt::Key_I),
-                 [this] { commands_.import(); }),
+  icon(addCommand(menu, QStringLiteral("&Import Peak Tables..."), QKeySequence(Qt::CTRL | Qt::Key_I),
+                  [this] { commands_.import(); }),
        QStyle::SP_ArrowDown);
   menu.addSeparator();
   saveAction_ =
-      icon(addAction(menu, QStringLiteral("&Save..."), QKeySequence::Save, [this] { commands_.save(); }),
+      icon(addCommand(menu, QStringLiteral("&Save..."), QKeySequence::Save, [this] { commands_.save(); }),
            QStyle::SP_DialogSaveButton);
-  needStudy_.push_back(addAction(menu, QStringLiteral("&Close Study"),
-                                 QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_W),
-                                 [this] { commands_.close(); }));
+  needStudy_.push_back(addCommand(menu, QStringLiteral("&Close Study"),
+                                  QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_W),
+                                  [this] { commands_.close(); }));
   menu.addSeparator();
   // Queued: the window must not go while its menu runs.
   QAction* quit = menu.addAction(QStringLiteral("&Quit"));
@@ -104,8 +104,8 @@ void MainWindow::makeFileMenu() {
 
 void MainWindow::makeAnalysisMenu() {
   QMenu& menu = *menuBar()->addMenu(QStringLiteral("A&nalysis"));
-  newAnalysisAction_ = addAction(menu, QStringLiteral("&New AFLP Analysis"),
-                                 QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_N), [this] { newAnalysis(); });
+  newAnalysisAction_ = addCommand(menu, QStringLiteral("&New AFLP Analysis"),
+                                  QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_N), [this] { newAnalysis(); });
   newAnalysisAction_->setIcon(style()->standardIcon(QStyle::SP_FileDialogNewFolder));
   reportMenu_ = menu.addMenu(QStringLiteral("New Re&port"));
   connect(reportMenu_, &QMenu::aboutToShow, this, [this] { fillReports(); });
@@ -115,15 +115,23 @@ void MainWindow::makeAnalysisMenu() {
       if (const auto item = explorer_->currentAnalysis()) runCommand(item, command);
     };
   };
-  needStudy_.push_back(addAction(menu, QStringLiteral("&Open"), {}, onChosen("OpenAFLP")));
-  needStudy_.push_back(addAction(menu, QStringLiteral("&Rename"), {}, onChosen("RenameAFLP")));
-  needStudy_.push_back(addAction(menu, QStringLiteral("&Delete..."), {}, onChosen("DeleteAFLP")));
+  needStudy_.push_back(addCommand(menu, QStringLiteral("&Open"), {}, onChosen("OpenAFLP")));
+  needStudy_.push_back(addCommand(menu, QStringLiteral("&Rename"), {}, onChosen("RenameAFLP")));
+  needStudy_.push_back(addCommand(menu, QStringLiteral("&Delete..."), {}, onChosen("DeleteAFLP")));
   menu.addSeparator();
-  needTable_.push_back(addAction(menu, QStringLiteral("&Close Page"), QKeySequence(Qt::CTRL | Qt::Key_W),
-                                 [this] { closePage(pages_->currentPage()); }));
+  needTable_.push_back(addCommand(menu, QStringLiteral("&Close Page"), QKeySequence(Qt::CTRL | Qt::Key_W),
+                                  [this] { closePage(pages_->currentPage()); }));
 }
 
 void MainWindow::makeTableMenu() {
+  review_ = new QAction(QStringLiteral("Review &Bins"), this);
+  review_->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_B));
+  review_->setToolTip(
+      QStringLiteral("The bin of the chosen row, in an overlay of the chosen samples (Ctrl+B)"));
+  review_->setIcon(style()->standardIcon(QStyle::SP_FileDialogContentsView));
+  connect(review_, &QAction::triggered, this, [this] { reviewBin(); });
+  addAction(review_);
+  needTable_.push_back(review_);
   tableMenu_ = menuBar()->addMenu(QStringLiteral("&Table"));
   connect(tableMenu_, &QMenu::aboutToShow, this, [this] { fillTable(); });
 }
@@ -131,6 +139,8 @@ void MainWindow::makeTableMenu() {
 // The commands of the table that need no place in it; those of a row or column are under the right click.
 void MainWindow::fillTable() {
   tableMenu_->clear();
+  tableMenu_->addAction(review_);
+  tableMenu_->addSeparator();
   const Page page = pages_->currentPage();
   if (!page || page->DefinitionName() != "AFLP") return;
   const auto* cell = page->control()->Controls().find<ui::MenuItem>("mnuCell");
@@ -164,12 +174,12 @@ void MainWindow::makeViewMenu() {
 
 void MainWindow::makeHelpMenu() {
   QMenu& menu = *menuBar()->addMenu(QStringLiteral("He&lp"));
-  addAction(menu, QStringLiteral("&Guide"), QKeySequence::HelpContents, [this] {
+  addCommand(menu, QStringLiteral("&Guide"), QKeySequence::HelpContents, [this] {
     const Page page = pages_->currentPage();
     const std::string topic = helpTopicAt(QApplication::focusWidget());
     showHelp(topic.empty() && page ? page->DefinitionName() : topic);
   });
-  addAction(menu, QStringLiteral("&About Banddesk"), {}, [this] {
+  addCommand(menu, QStringLiteral("&About Banddesk"), {}, [this] {
     QMessageBox::about(
         this, QStringLiteral("Banddesk"),
         QStringLiteral("<b>Banddesk %1</b><p>From the fragments of many samples to an AFLP table.")
@@ -192,6 +202,7 @@ void MainWindow::makeToolBar() {
     connect(action, &QAction::triggered, this, [this, item] { chooseOnPage(item); });
     needTable_.push_back(action);
   };
+  bar.addAction(review_);
   add(QStringLiteral("Transpose"), QStyle::SP_BrowserReload, "mnuTransposeCell");
   add(QStringLiteral("Copy"), QStyle::SP_FileDialogDetailedView, "mnuCopy1");
   add(QStringLiteral("Export"), QStyle::SP_ArrowForward, "mnuExport1");

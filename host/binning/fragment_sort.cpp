@@ -4,6 +4,7 @@
 #include <array>
 #include <bit>
 #include <cmath>
+#include <limits>
 #include <utility>
 
 namespace banddesk::host {
@@ -24,41 +25,73 @@ bool isHundredths(double size) {
   return std::abs(rounded) < kHundredthsLimit && rounded / 100 == size;
 }
 
+template <class Action>
+void forAll(const FragmentBlocks& blocks, Action action) {
+  for (const auto& block : blocks) {
+    for (const Fragment& fragment : block) action(fragment);
+  }
+}
+
+std::vector<Fragment> joined(const FragmentBlocks& blocks, std::size_t count) {
+  std::vector<Fragment> all;
+  all.reserve(count);
+  for (const auto& block : blocks) all.insert(all.end(), block.begin(), block.end());
+  return all;
+}
+
 /// Least digit first: each pass keeps the order of the one before.
 template <class KeyOf>
-void radixSort(std::vector<Fragment>& fragments, std::uint64_t largestKey, KeyOf keyOf) {
+std::vector<Fragment> radixSorted(FragmentBlocks blocks, std::size_t count, std::uint64_t largestKey,
+                                  KeyOf keyOf) {
   constexpr unsigned digitBits = 9;  // few enough places that each has its line in the cache
   constexpr std::size_t places = std::size_t{1} << digitBits;
-  std::vector<Fragment> sorted(fragments.size());
+  std::vector<Fragment> sorted(count);
   std::array<std::size_t, places> next{};
   for (unsigned shift = 0; shift < 64 && (largestKey >> shift) != 0; shift += digitBits) {
     const auto placeOf = [&](const Fragment& fragment) {
       return static_cast<std::size_t>(keyOf(fragment.size) >> shift) & (places - 1);
     };
     next.fill(0);
-    for (const Fragment& fragment : fragments) ++next[placeOf(fragment)];
+    forAll(blocks, [&](const Fragment& fragment) { ++next[placeOf(fragment)]; });
     std::size_t before = 0;
     for (std::size_t& place : next) before += std::exchange(place, before);
-    for (const Fragment& fragment : fragments) sorted[next[placeOf(fragment)]++] = fragment;
-    fragments.swap(sorted);
+    forAll(blocks, [&](const Fragment& fragment) { sorted[next[placeOf(fragment)]++] = fragment; });
+    if ((largestKey >> shift >> digitBits) == 0) break;
+    if (blocks.size() != 1) {
+      blocks.clear();
+      blocks.emplace_back(count);
+    }
+    blocks.front().swap(sorted);
   }
+  return sorted;
 }
 
 }  // namespace
 
-void sortBySize(std::vector<Fragment>& fragments) {
-  const auto bySize = [](const Fragment& a, const Fragment& b) { return a.size < b.size; };
-  if (std::is_sorted(fragments.begin(), fragments.end(), bySize)) return;
-  const auto [least, most] = std::minmax_element(fragments.begin(), fragments.end(), bySize);
-  if (std::ranges::all_of(fragments, isHundredths, &Fragment::size)) {
-    const double first = hundredths(least->size);
+std::vector<Fragment> sortedBySize(FragmentBlocks blocks) {
+  std::size_t count = 0;
+  double least = std::numeric_limits<double>::infinity();
+  double most = -least;
+  double last = most;
+  bool isSorted = true;
+  bool areHundredths = true;
+  forAll(blocks, [&](const Fragment& fragment) {
+    ++count;
+    isSorted = isSorted && fragment.size >= last;
+    last = fragment.size;
+    least = std::min(least, last);
+    most = std::max(most, last);
+    areHundredths = areHundredths && isHundredths(last);
+  });
+  if (isSorted) return blocks.size() == 1 ? std::move(blocks.front()) : joined(blocks, count);
+  if (areHundredths) {
+    const double first = hundredths(least);
     const auto key = [first](double size) { return static_cast<std::uint64_t>(hundredths(size) - first); };
-    radixSort(fragments, key(most->size), key);
-  } else {
-    const std::uint64_t first = orderedBits(least->size);
-    const auto key = [first](double size) { return orderedBits(size) - first; };
-    radixSort(fragments, key(most->size), key);
+    return radixSorted(std::move(blocks), count, key(most), key);
   }
+  const std::uint64_t first = orderedBits(least);
+  const auto key = [first](double size) { return orderedBits(size) - first; };
+  return radixSorted(std::move(blocks), count, key(most), key);
 }
 
 }  // namespace banddesk::host

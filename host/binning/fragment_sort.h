@@ -13,8 +13,11 @@ struct Fragment {
 };
 static_assert(sizeof(Fragment) == 24);
 
-/// Ascending by size, those of one size in the order they stand in. Takes linear time, whatever the sizes,
-/// and a second copy of the fragments while it works.
-void sortBySize(std::vector<Fragment>& fragments);
+/// Fragments as they came, in blocks: gathering many needs no room for more than there are.
+using FragmentBlocks = std::vector<std::vector<Fragment>>;
+
+/// Ascending by size, those of one size in the order they came in. Takes linear time, whatever the sizes, and
+/// a second copy of the fragments while it works.
+std::vector<Fragment> sortedBySize(FragmentBlocks blocks);
 
 }  // namespace banddesk::host

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "host/binning/crowding.h"
 #include "host/binning/partition_search.h"
@@ -16,6 +17,8 @@ namespace {
 constexpr double kBinCost = 5;
 constexpr double kRepeatCost = 8;
 constexpr double kCrowdingCost = 2;
+
+constexpr std::size_t kBlock = 1024;  // fragments
 
 constexpr std::uint32_t kNoGroup = UINT32_MAX;
 
@@ -41,9 +44,9 @@ void PartitionBinCalculator::AddFragments(std::int32_t resultIndex, std::int32_t
     const double size = given.sizes[i];
     const double height = given.heights[i];
     if (!std::isfinite(size) || !std::isfinite(height)) continue;
-    fragments_.push_back({size, height, resultIndex});
+    if (added_.empty() || added_.back().size() == kBlock) added_.emplace_back().reserve(kBlock);
+    added_.back().push_back({size, height, resultIndex});
     heightsAreWhole_ = heightsAreWhole_ && std::abs(height) < kWholeLimit && std::trunc(height) == height;
-    isSorted_ = false;
   }
 }
 
@@ -63,10 +66,9 @@ void PartitionBinCalculator::Calculate() {
 }
 
 void PartitionBinCalculator::sortFragments() {
-  if (isSorted_) return;
-  sortBySize(fragments_);
-  fragments_.shrink_to_fit();
-  isSorted_ = true;
+  if (added_.empty()) return;
+  if (!fragments_.empty()) added_.insert(added_.begin(), std::move(fragments_));
+  fragments_ = sortedBySize(std::exchange(added_, {}));
   if (heightsAreWhole_) return;
   // Sums of heights must come out the same however the fragments came.
   for (auto begin = fragments_.begin(); begin != fragments_.end();) {

@@ -61,8 +61,8 @@ class PartitionBinCalculator final : public BinCalculator {
   double yThreshold_ = 0;
   double calculatedThreshold_ = 0;  // the one that the present bins were made with
   std::int32_t resultCount_ = 0;
-  bool isSorted_ = true;
   bool heightsAreWhole_ = true;
+  FragmentBlocks added_;  // since the last sort
   std::vector<Fragment> fragments_;
   std::vector<Bin> bins_;
 };

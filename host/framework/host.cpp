@@ -21,7 +21,7 @@ Host::Host(HostSettings settings)
       objects_(faults_, hooks_),
       studyService_(faults_, objects_),
       explorer_(faults_, registry_.itemDefinition()),
-      pages_(faults_) {
+      pages_(faults_, platform_) {
   hooks_.open = [this](const std::shared_ptr<AFLP>& analysis, bool show) {
     return openAnalysis(analysis, show);
   };

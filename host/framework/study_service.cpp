@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <fmt/format.h>
+#include <limits>
 #include <utility>
 
 #include "host/framework/first_failure.h"
@@ -92,8 +93,14 @@ void HostStudyService::close() {
   failure.raise();
 }
 
+// Explorer items of the plug-in live on until the next study; they must not keep this one's file open.
 void HostStudyService::drop() {
   objects_.detach();
+  if (study_) {
+    for (const auto& result : study_->Results) {
+      if (auto* sample = dynamic_cast<HostSample*>(result->Sample.get())) sample->leaveStudy();
+    }
+  }
   study_.reset();
   store_.reset();
 }
@@ -121,7 +128,9 @@ void HostStudyService::changeResults(const std::function<void(StudyRecord&)>& ch
                                      const std::function<void(banddesk::Study&)>& changeObjects) {
   const std::shared_ptr<banddesk::Study> study = study_;
   StudyRecord record = this->record();
-  ++record.resultStamp;
+  // Stamps are only compared for being the same.
+  record.resultStamp =
+      record.resultStamp == std::numeric_limits<std::int32_t>::max() ? 1 : record.resultStamp + 1;
   changeRecord(record);
   changeObjects(*study);
   study->ResultStamp = record.resultStamp;

@@ -54,6 +54,39 @@ void CellStore::grow(Slot outer, Slot inner) {
   cells.resize(needed);
 }
 
+std::vector<std::span<const Slot>> CellStore::piecesOf(std::span<const Slot> inners) {
+  std::vector<std::span<const Slot>> pieces;
+  for (std::size_t begin = 0, end = 0; begin < inners.size(); begin = end) {
+    while (end < inners.size() && inners[end] / kPiece == inners[begin] / kPiece) ++end;
+    pieces.push_back(inners.subspan(begin, end - begin));
+  }
+  return pieces;
+}
+
+// Without a branch for each cell: which one has what cannot be foreseen.
+const Digest& CellStore::exactDigest(Slot outer, std::size_t piece) const {
+  const Line& line = lines_[outer];
+  if (piece >= line.digests.size()) line.digests.resize((line.cells.size() + kPiece - 1) / kPiece);
+  Digest& digest = line.digests[piece];
+  if (digest.isKnown && digest.isExact) return digest;
+  const std::size_t end = std::min((piece + 1) * kPiece, line.cells.size());
+  std::uint64_t styles = 0;
+  std::int32_t greatest = 0;
+  std::uint32_t texts = 0;
+  std::uint32_t signs = 0;
+  for (std::size_t i = piece * kPiece; i < end; ++i) {
+    const Cell& cell = line.cells[i];
+    styles |= Digest::styleBit(cell.style());
+    texts |= cell.kind() == CellKind::Text ? 1U : 0U;
+    const std::int32_t number = cell.kind() == CellKind::Number ? cell.number() : 0;
+    greatest = std::max(greatest, number);
+    signs |= static_cast<std::uint32_t>(number);
+  }
+  const bool isPlain = texts == 0 && static_cast<std::int32_t>(signs) >= 0;
+  digest = {styles, greatest, isPlain, true, true};
+  return digest;
+}
+
 const CellStore::Aside* CellStore::findAside(Slot row, Slot col) const {
   const Slot outer = isFlipped_ ? col : row;
   const Slot inner = isFlipped_ ? row : col;
@@ -115,6 +148,7 @@ void CellStore::emptyAcross(std::span<const Slot> inners) {
   std::vector<Slot> sorted(inners.begin(), inners.end());
   std::ranges::sort(sorted);
   for (Line& line : lines_) {
+    line.digests.clear();
     for (const Slot inner : sorted) {
       if (inner >= line.cells.size()) break;
       clearValue(line.cells[inner]);
@@ -132,7 +166,8 @@ void CellStore::emptyAcross(std::span<const Slot> inners) {
 std::size_t CellStore::bytesOfCells() const {
   std::size_t bytes = lines_.capacity() * sizeof(Line);
   for (const Line& line : lines_) {
-    bytes += line.cells.capacity() * sizeof(Cell) + line.asides.capacity() * sizeof(Aside);
+    bytes += line.cells.capacity() * sizeof(Cell) + line.asides.capacity() * sizeof(Aside) +
+             line.digests.capacity() * sizeof(Digest);
   }
   return bytes;
 }

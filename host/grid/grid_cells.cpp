@@ -1,3 +1,6 @@
+#include <array>
+#include <cstring>
+
 #include "host/grid/grid_control.h"
 
 namespace banddesk::host {
@@ -17,6 +20,7 @@ class ValueChange {
   ValueChange& operator=(const ValueChange&) = delete;
   ~ValueChange() { store_.clearValue(model_); }
 
+  bool acts() const { return acts_; }
   void operator()(Cell& cell) {
     if (!acts_) return;
     if (model_.kind() == CellKind::Text) store_.texts().retain(model_.text(), 1);
@@ -28,6 +32,45 @@ class ValueChange {
   CellStore& store_;
   bool acts_;
   Cell model_;
+};
+
+// Appends what most cells of a table are, single digits between two short texts, many at once.
+class DigitTexts {
+ public:
+  DigitTexts(std::string_view before, std::string_view after, std::string& out)
+      : out_(out), length_(before.size() + 1 + after.size()) {
+    for (std::size_t digit = 0; digit < texts_.size() && length_ <= kLongest; ++digit) {
+      const std::string text = std::string(before).append(1, static_cast<char>('0' + digit)).append(after);
+      std::ranges::copy(text, texts_[digit].begin());
+    }
+    whole_ = std::string(before).append("0").append(after);
+    place_ = before.size();
+  }
+  void append(std::int32_t digit) {
+    if (length_ > kLongest) {
+      whole_[place_] = static_cast<char>('0' + digit);
+      out_.append(whole_);
+      return;
+    }
+    if (used_ + kLongest > waiting_.size()) finish();
+    std::memcpy(waiting_.data() + used_, texts_[static_cast<std::size_t>(digit)].data(), kLongest);
+    used_ += length_;
+  }
+  void finish() {
+    out_.append(waiting_.data(), used_);
+    used_ = 0;
+  }
+
+ private:
+  static constexpr std::size_t kLongest = 8;
+
+  std::string& out_;
+  std::size_t length_;
+  std::array<std::array<char, kLongest>, 10> texts_{};
+  std::string whole_;
+  std::size_t place_ = 0;
+  std::array<char, 2048> waiting_;
+  std::size_t used_ = 0;
 };
 
 std::optional<std::string> textOrNothing(std::string_view text) {
@@ -107,6 +150,7 @@ bool GridControl::changeCells(const Block& block, const GridStyle& style, StyleM
   return areAllTaken;
 }
 
+// Taking off acts only where there is something, so it makes room for nothing.
 void GridControl::changeBlock(const Block& block, const GridStyle& style, StyleMode mode) {
   StyleChange& look = sets_.change(lookPart(style.attributes()), mode);
   ValueChange value(store_, style, mode);
@@ -115,10 +159,10 @@ void GridControl::changeBlock(const Block& block, const GridStyle& style, StyleM
     value(cell);
   };
   if (mode == StyleMode::Remove) {
-    // Takes off only what is there, so it makes room for nothing.
+    const auto mayPass = [&](const Digest& digest) { return !value.acts() && look.keeps(digest.styles); };
     store_.forExisting(rows_.order.list(block.top, std::min(block.bottom, rows_.order.extent() - 1)),
-                       cols_.order.list(block.left, std::min(block.right, cols_.order.extent() - 1)),
-                       [&](std::size_t, std::size_t, Cell& cell) { change(cell); });
+                       cols_.order.list(block.left, std::min(block.right, cols_.order.extent() - 1)), mayPass,
+                       change);
   } else {
     store_.forAll(rows_.order.ensureAll(block.top, block.bottom),
                   cols_.order.ensureAll(block.left, block.right), change);
@@ -196,33 +240,82 @@ void GridControl::StoreLine(Axis which, std::int32_t index, std::span<const Line
     if (given.position < 0) continue;
     if (isRow ? refuses(index, given.position) : refuses(given.position, index)) continue;
     const Slot other = along.ensure(given.position);
-    Cell& cell = isRow ? store_.at(line, other) : store_.at(other, line);
-    store_.setNumber(cell, given.value);
-    if (given.baseStyle < 0) continue;
-    if (given.baseStyle != lastBase) {
+    if (given.baseStyle >= 0 && given.baseStyle != lastBase) {
       lastBase = given.baseStyle;
       rebase = &sets_.rebase(lastBase);
     }
-    cell.setStyle((*rebase)(cell.style()));
+    StyleChange* const restyle = given.baseStyle < 0 ? nullptr : rebase;
+    if (isRow != store_.isFlipped()) {
+      store_.putNumber(line, other, given.value, restyle);
+    } else {
+      store_.putNumber(other, line, given.value, restyle);
+    }
   }
+}
+
+// Calls visitor(position, cell) along a line; the cell may be null. All that leads to the cells is looked up
+// before: a visitor that writes text could otherwise have changed it, as far as the compiler sees.
+template <class Visitor>
+void GridControl::visitLine(Axis which, std::int32_t index, std::int32_t from, std::int32_t to,
+                            bool visibleOnly, Visitor visitor) const {
+  const bool isRow = which == Axis::Rows;
+  const LineAxis& along = axis(isRow ? Axis::Columns : Axis::Rows);
+  const Slot line = axis(which).order.at(index);
+  const bool isWhole = isRow != store_.isFlipped();
+  const std::span<const Cell> cells = isWhole ? store_.line(line) : std::span<const Cell>();
+  const std::span<const Slot> slots = along.order.slots();
+  const std::span<const std::uint8_t> hidden =
+      visibleOnly ? along.visibility.hidden() : std::span<const std::uint8_t>();
+  for (std::int64_t next = std::max(from, 0); next <= to; ++next) {
+    const auto place = static_cast<std::size_t>(next);
+    if (place < hidden.size() && hidden[place] != 0) continue;
+    const Slot other = place < slots.size() ? slots[place] : kNoSlot;
+    const Cell* found = nullptr;
+    if (!isWhole) {
+      found = isRow ? store_.find(line, other) : store_.find(other, line);
+    } else if (other < cells.size()) {
+      found = &cells[other];
+    }
+    visitor(static_cast<std::int32_t>(next), found);
+  }
+}
+
+// The position along a line at which the user types.
+std::int32_t GridControl::typedIn(Axis which, std::int32_t index) const {
+  if (!edit_) return -1;
+  if (which == Axis::Rows) return edit_->row == index ? edit_->col : -1;
+  return edit_->col == index ? edit_->row : -1;
 }
 
 void GridControl::VisitTexts(Axis which, std::int32_t index, std::int32_t from, std::int32_t to,
                              bool visibleOnly, const TextVisitor& visitor) const {
-  const LineAxis& along = axis(which == Axis::Rows ? Axis::Columns : Axis::Rows);
-  const Slot line = axis(which).order.at(index);
+  const std::int32_t typed = typedIn(which, index);
   NumberText buffer;
-  for (std::int64_t next = std::max(from, 0); next <= to; ++next) {
-    const auto position = static_cast<std::int32_t>(next);
-    if (visibleOnly && along.visibility.isHidden(position)) continue;
-    const Slot other = along.order.at(position);
-    const bool isTyped = edit_ && (which == Axis::Rows ? edit_->row == index && edit_->col == position
-                                                       : edit_->col == index && edit_->row == position);
-    visitor(position,
-            isTyped ? std::string_view(edit_->text)
-                    : store_.text(which == Axis::Rows ? store_.find(line, other) : store_.find(other, line),
-                                  buffer));
-  }
+  visitLine(which, index, from, to, visibleOnly, [&](std::int32_t position, const Cell* found) {
+    visitor(position, position == typed ? std::string_view(edit_->text) : store_.text(found, buffer));
+  });
+}
+
+std::int32_t GridControl::AppendTexts(Axis which, std::int32_t index, std::int32_t from, std::int32_t to,
+                                      bool visibleOnly, std::string_view before, std::string_view after,
+                                      std::string& out) const {
+  const std::int32_t typed = typedIn(which, index);
+  DigitTexts digits(before, after, out);
+  std::int32_t last = -1;
+  NumberText buffer;
+  visitLine(which, index, from, to, visibleOnly, [&](std::int32_t position, const Cell* found) {
+    last = position;
+    if (found != nullptr && found->isDigit() && position != typed) {
+      digits.append(found->number());
+      return;
+    }
+    digits.finish();
+    out.append(before);
+    out.append(position == typed ? std::string_view(edit_->text) : store_.text(found, buffer));
+    out.append(after);
+  });
+  digits.finish();
+  return last;
 }
 
 void GridControl::VisitUserAttributes(Axis which, std::int32_t index, std::int32_t from, std::int32_t to,

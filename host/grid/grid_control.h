@@ -55,6 +55,9 @@ class GridControl final : public Grid, private GridData, private GridParameters,
   void StoreLine(Axis axis, std::int32_t index, std::span<const LineCell> cells) override;
   void VisitTexts(Axis axis, std::int32_t index, std::int32_t from, std::int32_t to, bool visibleOnly,
                   const TextVisitor& visitor) const override;
+  std::int32_t AppendTexts(Axis axis, std::int32_t index, std::int32_t from, std::int32_t to,
+                           bool visibleOnly, std::string_view before, std::string_view after,
+                           std::string& out) const override;
   void VisitUserAttributes(Axis axis, std::int32_t index, std::int32_t from, std::int32_t to,
                            const TextVisitor& visitor) const override;
   void ExchangeAxes() override;
@@ -193,6 +196,10 @@ class GridControl final : public Grid, private GridData, private GridParameters,
   static Layer layerOf(std::int32_t row, std::int32_t col);
   Cell& cellAt(std::int32_t row, std::int32_t col);
   Block blockOf(const GridRange& range) const;
+  template <class Visitor>
+  void visitLine(Axis which, std::int32_t index, std::int32_t from, std::int32_t to, bool visibleOnly,
+                 Visitor visitor) const;
+  std::int32_t typedIn(Axis which, std::int32_t index) const;
   bool refuses(std::int32_t row, std::int32_t col) const { return lockReadOnly_ && isReadOnly(row, col); }
 
   void setCount(Axis which, std::int32_t count);

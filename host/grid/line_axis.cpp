@@ -1,6 +1,7 @@
 #include "host/grid/line_axis.h"
 
 #include <algorithm>
+#include <functional>
 #include <utility>
 
 #include "plugin/base/error.h"
@@ -100,7 +101,10 @@ std::vector<Slot> LineOrder::remove(Position first, Position last) {
 
 void LineOrder::handBack(std::span<const Slot> emptied) {
   // The lowest is given out first, so that slots follow the order of lines as far as they can.
-  free_.insert(free_.end(), emptied.rbegin(), emptied.rend());
+  const auto before = static_cast<std::ptrdiff_t>(free_.size());
+  free_.insert(free_.end(), emptied.begin(), emptied.end());
+  std::sort(free_.begin() + before, free_.end(), std::greater());
+  std::inplace_merge(free_.begin(), free_.begin() + before, free_.end(), std::greater());
 }
 
 void LineOrder::permute(Position first, std::span<const Position> order) {

@@ -41,6 +41,8 @@ class LineOrder {
   // Position first + i gets what stood at order[i].
   void permute(Position first, std::span<const Position> order);
   void move(Position first, Position last, Position target);
+  // By position, kNoSlot where nothing was written; holds until the order changes.
+  std::span<const Slot> slots() const { return slots_; }
   // One past the last position that has a slot, or more.
   Position extent() const { return static_cast<Position>(slots_.size()); }
 
@@ -59,6 +61,8 @@ class Visibility {
     return position >= 0 && static_cast<std::size_t>(position) < hidden_.size() &&
            hidden_[static_cast<std::size_t>(position)] != 0;
   }
+  // By position, 0 where it is visible, as all are beyond the end.
+  std::span<const std::uint8_t> hidden() const { return hidden_; }
   void hide(Position first, Position last, bool hidden);
   void insert(Position before, Position count);
   void remove(Position first, Position last);

@@ -1,5 +1,6 @@
 #include "host/grid/style_sets.h"
 
+#include <bit>
 #include <functional>
 
 #include "plugin/base/error.h"
@@ -74,6 +75,18 @@ StyleId StyleChange::workOut(StyleId own) {
   const StyleId result = sets_.intern(changed);
   if (own >= memo_.size()) memo_.resize(own + 1, kUnknown);
   return memo_[own] = result;
+}
+
+bool StyleChange::keeps(std::uint64_t sets) {
+  constexpr int kUntold = 63;
+  if (sets >> kUntold != 0) return false;
+  sets &= ~kept_;
+  for (; sets != 0; sets &= sets - 1) {
+    const auto set = static_cast<StyleId>(std::countr_zero(sets));
+    if ((*this)(set) != set) return false;
+    kept_ |= std::uint64_t{1} << set;
+  }
+  return true;
 }
 
 StyleSets::StyleSets() { intern({}); }

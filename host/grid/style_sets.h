@@ -30,6 +30,8 @@ class StyleChange {
     if (own < memo_.size() && memo_[own] != kUnknown) return memo_[own];
     return workOut(own);
   }
+  // Whether it leaves every set as it is whose bit is set; the last bit stands for sets that are not told.
+  bool keeps(std::uint64_t sets);
   bool is(const StyleAttributes& look, StyleMode mode) const { return mode_ == mode && look_ == look; }
 
  private:
@@ -40,6 +42,7 @@ class StyleChange {
   StyleAttributes look_;
   StyleMode mode_;
   std::vector<StyleId> memo_;
+  std::uint64_t kept_ = 0;  // sets that are known to stay, by bit
 };
 
 class StyleSets {

@@ -13,4 +13,14 @@ DyeFragments SampleFragments::OfDye(std::int16_t dye) const {
   return {wanted.sizes, wanted.heights};
 }
 
+void FragmentSource::holds(FragmentHolder& holder) {
+  holders_.push_back(&holder);
+  if (holders_.size() <= kMostHolders) return;
+  FragmentHolder& oldest = *holders_.front();
+  holders_.pop_front();
+  oldest.letGo();
+}
+
+void FragmentSource::holdsNoMore(const FragmentHolder& holder) { std::erase(holders_, &holder); }
+
 }  // namespace banddesk::host

@@ -5,6 +5,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <memory>
 #include <vector>
 
@@ -31,11 +32,30 @@ class SampleFragments final : public FragmentTable {
   friend bool operator==(const SampleFragments& a, const SampleFragments& b) { return a.dyes == b.dyes; }
 };
 
+// Who holds fragments that can be read again.
+class FragmentHolder {
+ public:
+  virtual void letGo() = 0;
+
+ protected:
+  ~FragmentHolder() = default;
+};
+
 class FragmentSource {
  public:
+  static constexpr std::size_t kMostHolders = 64;
+
   virtual ~FragmentSource() = default;
   // Error 5 for a result that the source does not hold.
   virtual std::shared_ptr<const SampleFragments> readFragments(std::int32_t resultId) = 0;
+
+  // Told of those who hold fragments: beyond the most, the one that has them longest lets go. So an analysis
+  // of a large study, which goes from sample to sample, never has them all in memory.
+  void holds(FragmentHolder& holder);
+  void holdsNoMore(const FragmentHolder& holder);
+
+ private:
+  std::deque<FragmentHolder*> holders_;
 };
 
 }  // namespace banddesk::host

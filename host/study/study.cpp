@@ -42,7 +42,13 @@ SampleData& HostSample::Data() {
 
 void HostSample::Unload() {
   faults_.check("Sample", "Unload");
+  unload();
+}
+
+void HostSample::unload() {
+  if (!fragments_) return;
   fragments_.reset();
+  if (source_) source_->holdsNoMore(*this);
 }
 
 const FragmentTable& HostSample::Fragments() {
@@ -55,8 +61,18 @@ ObjectRef HostSample::Record() {
   return std::make_shared<SampleRecord>(Name, load());
 }
 
+void HostSample::leaveStudy() {
+  unload();
+  source_.reset();
+}
+
 const std::shared_ptr<const SampleFragments>& HostSample::load() {
-  if (!fragments_) fragments_ = source_->readFragments(resultId_);
+  if (!fragments_ && !source_)
+    raise(ErrorNumber::ObjectNotSet, "Sample", "The study of the sample \"" + Name.get() + "\" is closed.");
+  if (!fragments_) {
+    fragments_ = source_->readFragments(resultId_);
+    source_->holds(*this);
+  }
   return fragments_;
 }
 

@@ -67,16 +67,23 @@ class SampleRecord final : public Object {
   const std::shared_ptr<const SampleFragments> fragments;
 };
 
-class HostSample final : public Sample, private SampleData {
+class HostSample final : public Sample, private SampleData, private FragmentHolder {
  public:
   HostSample(std::int32_t resultId, std::shared_ptr<FragmentSource> source, FaultInjector& faults)
       : resultId_(resultId), source_(std::move(source)), faults_(faults) {}
+  HostSample(const HostSample&) = delete;
+  HostSample& operator=(const HostSample&) = delete;
+  ~HostSample() override { unload(); }
 
   SampleData& Data() override;
   void Unload() override;
   bool isLoaded() const { return fragments_ != nullptr; }
+  // Its study is closed: whoever still holds the sample keeps neither its fragments nor the store.
+  void leaveStudy();
 
  private:
+  void letGo() override { fragments_.reset(); }
+  void unload();
   const FragmentTable& Fragments() override;
   ObjectRef Record() override;
   const std::shared_ptr<const SampleFragments>& load();

@@ -15,6 +15,13 @@ constexpr std::size_t kSeveralFragments = 2;
 constexpr std::int32_t kShowPresence = 1;
 constexpr std::int32_t kShowMaxY = 2;
 
+// Heights are looked at only where they are shown: they are the larger part of the arrays.
+inline std::int32_t cellValue(std::int32_t option, std::int32_t count, std::span<const double> heights,
+                              std::size_t result) {
+  if (option == kShowPresence) return 1;
+  return option == kShowMaxY ? roundToLong(heights[result]) : count;
+}
+
 }  // namespace
 
 std::vector<std::int32_t> BinStatistics::resultColumns() const {
@@ -40,16 +47,28 @@ void BinStatistics::CalcBin(std::int32_t row, std::int32_t bin, std::span<const 
     const std::int32_t option = page_.analysis().SampleBinOption;
     const std::int32_t one = refresh ? kKeepStyle : styles_.baseStyle(kOneFragment);
     const std::int32_t several = refresh ? kKeepStyle : styles_.baseStyle(kSeveralFragments);
-    line_.clear();
-    for (std::size_t i = 0; i < stored.size(); ++i) {
+    findFilled(stored);
+    line_.resize(filled_.size());
+    auto* cell = line_.data();
+    for (const std::uint32_t i : filled_) {
       const std::int32_t count = stored[i];
-      if (count == 0) continue;
       const std::int32_t col = i < columns.size() ? columns[i] : 0;
       if (col == 0) raiseMissingColumn(static_cast<std::int32_t>(i) + 1);
-      line_.push_back({col, cellValue(option, count, highest[i]), count == 1 ? one : several});
+      *cell++ = {col, cellValue(option, count, highest, i), count == 1 ? one : several};
     }
     if (!line_.empty()) table_.writeRow(row, line_);
   });
+}
+
+// Which results have a fragment is chance, so no branch asks for it.
+void BinStatistics::findFilled(std::span<const std::int32_t> counts) {
+  filled_.resize(counts.size());
+  std::size_t found = 0;
+  for (std::size_t i = 0; i < counts.size(); ++i) {
+    filled_[found] = static_cast<std::uint32_t>(i);
+    found += counts[i] != 0 ? 1U : 0U;
+  }
+  filled_.resize(found);
 }
 
 // The look-up says what is missing: the result, or its column.
@@ -66,11 +85,6 @@ void BinStatistics::storeBin(std::int32_t bin, std::span<const std::int32_t> cou
   }
   std::copy_n(counts.begin(), results, bins_.fragmentCounts(bin).begin());
   std::copy_n(heights.begin(), results, bins_.maxYHeights(bin).begin());
-}
-
-std::int32_t BinStatistics::cellValue(std::int32_t option, std::int32_t count, double height) const {
-  if (option == kShowPresence) return 1;
-  return option == kShowMaxY ? roundToLong(height) : count;
 }
 
 void BinStatistics::CalcAFLP() {

@@ -39,8 +39,8 @@ class BinStatistics {
 
  private:
   void storeBin(std::int32_t bin, std::span<const std::int32_t> counts, std::span<const double> heights);
+  void findFilled(std::span<const std::int32_t> counts);
   void raiseMissingColumn(std::int32_t result) const;
-  std::int32_t cellValue(std::int32_t option, std::int32_t count, double height) const;
   std::shared_ptr<Bin> binOfRow(std::int32_t row);
   void addResults(Bin& record, std::int32_t bin);
 
@@ -50,7 +50,8 @@ class BinStatistics {
   Styles& styles_;
   ColumnSizing& sizing_;
   PendingCommands& pending_;
-  std::vector<LineCell> line_;  // reused from row to row
+  std::vector<LineCell> line_;         // reused from row to row
+  std::vector<std::uint32_t> filled_;  // the results of the bin at hand that have a fragment
 };
 
 }  // namespace banddesk

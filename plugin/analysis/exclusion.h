@@ -47,6 +47,7 @@ class Exclusion {
   void HideFullBins(bool& changed);
   void HideEmptySamples(bool& changed);
   std::vector<std::uint8_t> remainingSamples() const;
+  std::vector<std::uint8_t> emptySamples(const std::vector<std::uint8_t>& remaining) const;
   bool isFull(std::int32_t bin, const std::vector<std::uint8_t>& remaining) const;
   bool hidesDye(std::int32_t bin) const;
 

@@ -62,22 +62,33 @@ void Exclusion::HideFullBins(bool& changed) {
   });
 }
 
+// By result index: whether no valid bin has a fragment of the sample. Bin by bin, along the lines of the
+// counts, until every sample is known to have one.
+std::vector<std::uint8_t> Exclusion::emptySamples(const std::vector<std::uint8_t>& remaining) const {
+  std::vector<std::uint8_t> empty(remaining.size(), 1);
+  for (const std::int32_t bin : table_.binsOfRows()) {
+    if (!IsValidBin(bin)) continue;
+    const auto counts = std::as_const(bins_).fragmentCounts(bin);
+    const std::size_t length = std::min(empty.size(), counts.size());
+    std::uint8_t left = 0;
+    for (std::size_t i = 0; i < length; ++i) {
+      empty[i] &= static_cast<std::uint8_t>(counts[i] <= 0);
+      left |= empty[i];
+    }
+    for (std::size_t i = length; i < empty.size(); ++i) {
+      if (remaining[i] != 0)
+        bins_.resultAt(static_cast<std::int32_t>(i));  // a column without a result: error 9
+    }
+    if (left == 0 && length == empty.size()) break;
+  }
+  return empty;
+}
+
 void Exclusion::HideEmptySamples(bool& changed) {
   page_.frame.procedure("HideEmptySamples", [&] {
     if (controls_.chkExcludeEmptySamples.Value == ui::kUnchecked) return;
     const auto remaining = remainingSamples();
-    std::vector<std::uint8_t> empty(remaining.size(), 1);
-    // Bin by bin, along the lines of the counts; every sample sees every valid bin.
-    for (const std::int32_t bin : table_.binsOfRows()) {
-      if (!IsValidBin(bin)) continue;
-      const auto counts = std::as_const(bins_).fragmentCounts(bin);
-      const std::size_t length = std::min(empty.size(), counts.size());
-      for (std::size_t i = 0; i < length; ++i) empty[i] &= static_cast<std::uint8_t>(counts[i] <= 0);
-      for (std::size_t i = length; i < empty.size(); ++i) {
-        if (remaining[i] != 0)
-          bins_.resultAt(static_cast<std::int32_t>(i));  // a column without a result: error 9
-      }
-    }
+    const auto empty = emptySamples(remaining);
     std::size_t i = 0;
     for (const auto& column : page_.analysis().SampleGrid->Columns) {
       if (remaining[i] != 0 && empty[i] != 0) {

@@ -4,6 +4,7 @@
 #include <charconv>
 #include <cmath>
 #include <limits>
+#include <optional>
 
 #include "plugin/base/error.h"
 #include "plugin/base/text.h"
@@ -62,9 +63,26 @@ double valueOf(std::string_view number, char separator) {
   return value;
 }
 
+// Most numbers in texts are keys and counts: a few digits, after a minus perhaps. Nothing for all other
+// texts.
+std::optional<double> shortWhole(std::string_view text) {
+  constexpr std::size_t kMostDigits = 9;
+  const bool isNegative = !text.empty() && text.front() == '-';
+  if (isNegative) text.remove_prefix(1);
+  if (text.empty() || text.size() > kMostDigits) return {};
+  std::int32_t value = 0;
+  for (const char c : text) {
+    if (!isDigit(c)) return {};
+    value = value * 10 + (c - '0');
+  }
+  if (isNegative && value == 0) return {};
+  return isNegative ? -value : value;
+}
+
 }  // namespace
 
 double leadingNumber(std::string_view text) {
+  if (const auto whole = shortWhole(text)) return *whole;
   const std::size_t first = text.find_first_not_of(' ');
   if (first == std::string_view::npos) return 0;
   text.remove_prefix(first);
@@ -73,11 +91,13 @@ double leadingNumber(std::string_view text) {
 }
 
 bool isNumeric(std::string_view text) {
+  if (shortWhole(text)) return true;
   const std::string_view number = trim(text);
   return !number.empty() && numberLength(number, '.') == number.size();
 }
 
 double strictNumber(std::string_view text, char separator) {
+  if (const auto whole = shortWhole(text)) return *whole;
   const std::string_view number = trim(text);
   if (number.empty() || numberLength(number, separator) != number.size()) {
     raise(ErrorNumber::TypeMismatch, "Numbers", "The text \"" + std::string(text) + "\" is not a number.");

@@ -44,13 +44,9 @@ bool CsvExport::writeRow(const std::string& fileName, std::int32_t number, std::
                          std::int32_t firstCol) {
   Grid& grid = table_.grid();
   const bool visibleOnly = row <= fill_.m_lParameterRow;
-  std::int32_t lastCol = -1;
   line_.clear();
-  grid.VisitTexts(Axis::Rows, row, firstCol, grid.ColCount(), visibleOnly,
-                  [&](std::int32_t col, std::string_view text) {
-                    line_.append("\"").append(text).append("\",");
-                    lastCol = col;
-                  });
+  const std::int32_t lastCol =
+      grid.AppendTexts(Axis::Rows, row, firstCol, grid.ColCount(), visibleOnly, "\"", "\",", line_);
   if (lastCol >= 0) grid.SetCurrentCell(row, lastCol);
   if (!line_.empty()) line_.pop_back();
   return files_.attempt(fileName, [&] { page_.platform().Files().Print(number, line_); });

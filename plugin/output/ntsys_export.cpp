@@ -1,5 +1,6 @@
 #include "plugin/output/ntsys_export.h"
 
+#include <algorithm>
 #include <unordered_map>
 
 #include "plugin/base/numbers.h"
@@ -55,9 +56,11 @@ bool NtsysExport::writeMatrix(const std::string& fileName, std::int32_t number) 
   progress.SetSteps(rows);
   if (!print(fileName, number, binLabels())) return false;
   const auto samples = visibleSamples();
+  std::int32_t largest = 0;
+  for (const SampleColumn& sample : samples) largest = std::max(largest, sample.resultIndex);
   for (std::int32_t row = 0; row <= rows; ++row) {
     if (!table_.IsRowHidden(row)) {
-      const std::string line = row == 0 ? sampleLabels(samples) : matrixLine(row, samples);
+      const std::string line = row == 0 ? sampleLabels(samples) : matrixLine(row, samples, largest);
       if (!print(fileName, number, line)) return false;
     }
     progress.Step();
@@ -103,12 +106,15 @@ std::string NtsysExport::sampleLabels(const std::vector<SampleColumn>& samples) 
   return line;
 }
 
-std::string NtsysExport::matrixLine(std::int32_t row, const std::vector<SampleColumn>& samples) const {
+std::string NtsysExport::matrixLine(std::int32_t row, const std::vector<SampleColumn>& samples,
+                                    std::int32_t largest) const {
   const auto counts = std::as_const(bins_).fragmentCounts(table_.Bin(row));
-  std::string line;
-  line.reserve(samples.size() * 2);
+  std::string line(samples.size() * 2, ' ');
+  char* next = line.data();
+  if (!samples.empty()) bins_.resultAt(largest);
   for (const SampleColumn& sample : samples) {
-    line.append(counts[bins_.resultAt(sample.resultIndex)] != 0 ? "1 " : "0 ");
+    *next = static_cast<char>('0' + (counts[static_cast<std::size_t>(sample.resultIndex)] != 0 ? 1 : 0));
+    next += 2;
   }
   dropLast(line);
   return line;

@@ -32,7 +32,9 @@ class NtsysExport {
   std::vector<SampleColumn> visibleSamples() const;
   std::string binLabels();
   std::string sampleLabels(const std::vector<SampleColumn>& samples) const;
-  std::string matrixLine(std::int32_t row, const std::vector<SampleColumn>& samples) const;
+  // `largest` of the samples' indexes.
+  std::string matrixLine(std::int32_t row, const std::vector<SampleColumn>& samples,
+                         std::int32_t largest) const;
 
   PageContext& page_;
   LogicalTable& table_;

@@ -243,6 +243,11 @@ class Grid : public ui::Control {
   // The live texts, or the user attributes, of a line's cells from..to, all of them or the visible ones.
   virtual void VisitTexts(Axis axis, std::int32_t index, std::int32_t from, std::int32_t to, bool visibleOnly,
                           const TextVisitor& visitor) const = 0;
+  // Appends the same texts to `out`, each between `before` and `after`. Gives the position of the last, -1
+  // without any.
+  virtual std::int32_t AppendTexts(Axis axis, std::int32_t index, std::int32_t from, std::int32_t to,
+                                   bool visibleOnly, std::string_view before, std::string_view after,
+                                   std::string& out) const = 0;
   virtual void VisitUserAttributes(Axis axis, std::int32_t index, std::int32_t from, std::int32_t to,
                                    const TextVisitor& visitor) const = 0;
   // Exchanges rows and columns: counts, cells with all that belongs to them, coverings and hidden states.

@@ -114,8 +114,14 @@ RC_GTEST_PROP(SortingFragments, IsAStableSortOfAnySizes, ()) {
   }
   std::vector<Fragment> expected = fragments;
   std::ranges::stable_sort(expected, {}, &Fragment::size);
-  sortBySize(fragments);
-  for (std::size_t i = 0; i < expected.size(); ++i) RC_ASSERT(fragments[i].result == expected[i].result);
+  FragmentBlocks blocks(1);
+  for (const Fragment& fragment : fragments) {
+    if (*rc::gen::inRange(0, 4) == 0) blocks.emplace_back();
+    blocks.back().push_back(fragment);
+  }
+  const std::vector<Fragment> sorted = sortedBySize(std::move(blocks));
+  RC_ASSERT(sorted.size() == expected.size());
+  for (std::size_t i = 0; i < expected.size(); ++i) RC_ASSERT(sorted[i].result == expected[i].result);
 }
 
 }  // namespace

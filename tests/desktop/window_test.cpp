@@ -134,6 +134,8 @@ TEST_F(Window, SavesWhatIsChosenAndAsksBeforeItCloses) {
   answer(QStringLiteral("Cancel"));
   EXPECT_FALSE(window.close());
   EXPECT_TRUE(workbench.isOpen());
+  window.activateWindow();  // no window manager here does it
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
   answer(QStringLiteral("Save"));
   QTest::keyClick(&window, Qt::Key_S, Qt::ControlModifier);
   EXPECT_FALSE(window.isWindowModified());

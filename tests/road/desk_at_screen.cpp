@@ -45,6 +45,28 @@ void DeskAtScreen::start() {
   user.until("the window in front", [this] { return window_->isActiveWindow(); });
 }
 
+void DeskAtScreen::makeStudy(const QString& name, const QString& peakTable) {
+  user.key(QStringLiteral("ctrl+n"));
+  giveFile(QStringLiteral("New Study"), folder + QLatin1Char('/') + name + QStringLiteral(".study"));
+  user.untilNoDialog();
+  user.key(QStringLiteral("ctrl+i"));
+  giveFile(QStringLiteral("Import Peak Tables"), peakTable);
+  user.until("the tables read", [] { return buttonNamed(QStringLiteral("Import")) != nullptr; });
+  user.picture(QStringLiteral("import"));
+  user.key(QStringLiteral("Return"));
+  answer(QStringLiteral("Import"), QStringLiteral("OK"));
+  user.untilNoDialog();
+}
+
+void DeskAtScreen::makeAnalysis() {
+  user.key(QStringLiteral("ctrl+shift+n"));
+  user.until("the parameters", [] { return buttonNamed(QStringLiteral("OK")) != nullptr; });
+  user.picture(QStringLiteral("parameters"));
+  user.click([] { return buttonNamed(QStringLiteral("OK")); });
+  user.until("the analysis", [this] { return table() != nullptr && table()->grid().RowCount() > 0; });
+  user.picture(QStringLiteral("table"));
+}
+
 void DeskAtScreen::untilClosed() {
   user.until("the end of the window", [this] { return !window_->isVisible(); });
 }

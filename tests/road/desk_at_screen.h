@@ -21,10 +21,16 @@ class DeskAtScreen {
   QString folder;  // for what the test writes
 
   void start();
+  // A new study with the peak table, its size standard left out, and an analysis with the defaults.
+  void makeStudy(const QString& name, const QString& peakTable);
+  void makeAnalysis();
   void untilClosed();
 
   QWidget* explorer() const;
   std::size_t failures() const { return workbench_->host().framework().reports().size(); }
+  desktop::MainWindow& window() const { return *window_; }
+  // The first table, be it in front or not.
+  desktop::GridView* anyTable() const { return window_->findChild<desktop::GridView*>(); }
   // The table in front; null without one.
   desktop::GridView* table() const;
   std::shared_ptr<host::HostPage> page() const;

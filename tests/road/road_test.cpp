@@ -49,7 +49,6 @@ class Day : public testing::Test {
   void key(const char* keys) { user().key(QLatin1String(keys)); }
   void untilAnalysed(const std::function<bool()>& holds) { user().until("the analysis", holds); }
 
-  void gather();
   void analyse();
   void correct();
   void output();
@@ -62,26 +61,10 @@ class Day : public testing::Test {
   std::string csv;
 };
 
-void Day::gather() {
-  key("ctrl+n");
-  desk->giveFile(QStringLiteral("New Study"), desk->folder + QStringLiteral("/maize.study"));
-  user().untilNoDialog();
-  key("ctrl+i");
-  desk->giveFile(QStringLiteral("Import Peak Tables"), toQString(peakTable()));
-  user().until("the tables read", [] { return buttonNamed(QStringLiteral("Import")) != nullptr; });
-  user().picture(QStringLiteral("import"));
-  key("Return");
-  desk->answer(QStringLiteral("Import"), QStringLiteral("OK"));
-  user().untilNoDialog();
-}
-
 void Day::analyse() {
-  key("ctrl+shift+n");
-  user().until("the parameters", [] { return buttonNamed(QStringLiteral("OK")) != nullptr; });
-  user().picture(QStringLiteral("parameters"));
-  user().click([] { return buttonNamed(QStringLiteral("OK")); });
-  untilAnalysed([&] { return desk->table() != nullptr && desk->table()->grid().ColCount() == 40; });
-  user().picture(QStringLiteral("table"));
+  desk->makeStudy(QStringLiteral("maize"), toQString(peakTable()));
+  desk->makeAnalysis();
+  ASSERT_EQ(desk->cols(), 40);
   ASSERT_EQ(desk->control("txtMaxBinWidth"), "1.00");
   const std::int32_t before = desk->rows();
 
@@ -224,8 +207,7 @@ void Day::copyAndPrint() {
 }
 
 TEST_F(Day, LeadsFromPeakTablesToTheSavedStudyAndBack) {
-  for (const auto step :
-       {&Day::gather, &Day::analyse, &Day::correct, &Day::output, &Day::comeBack, &Day::copyAndPrint}) {
+  for (const auto step : {&Day::analyse, &Day::correct, &Day::output, &Day::comeBack, &Day::copyAndPrint}) {
     (this->*step)();
     if (HasFatalFailure()) return;
   }
