@@ -56,7 +56,7 @@ ObjectRef HostSample::Record() {
 }
 
 const std::shared_ptr<const SampleFragments>& HostSample::load() {
-  if (!fragments_) fragments_ = source_->readFragments(resultId_);
+  if (!fragments_) fragments_ = required(source_.lock(), "Study").readFragments(resultId_);
   return fragments_;
 }
 

@@ -69,8 +69,8 @@ class SampleRecord final : public Object {
 
 class HostSample final : public Sample, private SampleData {
  public:
-  HostSample(std::int32_t resultId, std::shared_ptr<FragmentSource> source, FaultInjector& faults)
-      : resultId_(resultId), source_(std::move(source)), faults_(faults) {}
+  HostSample(std::int32_t resultId, const std::shared_ptr<FragmentSource>& source, FaultInjector& faults)
+      : resultId_(resultId), source_(source), faults_(faults) {}
 
   SampleData& Data() override;
   void Unload() override;
@@ -82,7 +82,8 @@ class HostSample final : public Sample, private SampleData {
   const std::shared_ptr<const SampleFragments>& load();
 
   std::int32_t resultId_;
-  std::shared_ptr<FragmentSource> source_;
+  // Whoever still holds a sample of a closed study does not keep the study's file open.
+  std::weak_ptr<FragmentSource> source_;
   FaultInjector& faults_;
   std::shared_ptr<const SampleFragments> fragments_;
 };
