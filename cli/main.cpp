@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <exception>
 #include <fmt/format.h>
+#include <new>
 
 #include "cli/analyze_command.h"
 #include "cli/example_command.h"
@@ -65,6 +66,8 @@ int main(int argc, char** argv) {
     return run(argc, argv);
   } catch (const banddesk::Error& error) {
     return fail(error.description());
+  } catch (const std::bad_alloc&) {
+    return fail("there is not enough memory");
   } catch (const std::exception& error) {
     return fail(error.what());
   }

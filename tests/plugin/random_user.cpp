@@ -246,7 +246,7 @@ void RandomUser::study() {
   auto& study = desk_.host.study();
   switch (upTo_(4)) {
     case 0:
-      return study.setResultExcluded(upTo_(6) + 1, upTo_(1) == 0);
+      return study.setResultExcluded(upTo_(study.Study()->Results.Count() - 1) + 1, upTo_(1) == 0);
     case 1:
       return study.setDyeVisible(upTo_(3), upTo_(1) == 0);
     case 2:

@@ -33,6 +33,16 @@ TEST(Service, EnablesItsCommandWithTheStudyAndUnloadsSamplesAfterIt) {
   EXPECT_FALSE(sample->isLoaded());
 }
 
+// Else its file stays locked until another study is opened.
+TEST(Service, LetsTheStoreOfAClosedStudyGo) {
+  Desk desk;
+  desk.newAnalysis();
+  const std::weak_ptr<host::Store> store = desk.store;
+  desk.store.reset();
+  desk.host.closeStudy();
+  EXPECT_TRUE(store.expired());
+}
+
 TEST(Service, StaysDisabledUntilTheNextStudyWhenItStartsBesideAnOpenOne) {
   Desk desk(kOneBin);
   desk.openStudy();
