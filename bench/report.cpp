@@ -33,7 +33,12 @@ std::string figureText(const Line& line) {
   return line.referenceValue > 0 ? fmt::format("{:.2f} x", line.figure()) : "";
 }
 
-// Half of what is a few microseconds is chance.
+const char* verdictText(const Line& line) {
+  if (line.limit == 0) return "";
+  if (line.isJudged) return line.isMet() ? "met" : "NOT MET";
+  return line.isMet() ? "(met)" : "(above)";
+}
+
 double rounded(double ratio) { return std::round(ratio * 1000) / 1000; }
 
 void writeText(const std::filesystem::path& file, const nlohmann::ordered_json& json) {
@@ -84,10 +89,7 @@ void printHead() {
 void printLine(const Line& line) {
   fmt::print("{:<20} {:<28} {:>10}  {:<34} {:>10} {:>10} {:>9}  {}\n", line.study, line.work,
              valueText(line.value, line.unit), line.reference, valueText(line.referenceValue, line.unit),
-             figureText(line), limitText(line),
-             line.limit == 0 ? ""
-             : line.isMet()  ? "met"
-                             : "NOT MET");
+             figureText(line), limitText(line), verdictText(line));
   std::fflush(stdout);
 }
 
@@ -104,6 +106,7 @@ void writeJson(const std::filesystem::path& file, const std::vector<Line>& lines
                     {"reference_best", line.leastReference},
                     {"figure", line.figure()},
                     {"limit", line.limit},
+                    {"judged", line.isJudged},
                     {"met", line.isMet()}});
   }
   writeText(file, json);

@@ -26,6 +26,7 @@ struct Line {
   double leastReference = 0;
   double limit = 0;  // 0: none
   Unit unit = Unit::Seconds;
+  bool isJudged = false;
 
   std::string key() const { return study + " / " + work; }
   /// What the limit limits, of the medians.
