@@ -10,6 +10,7 @@ namespace banddesk::bench {
 namespace {
 
 constexpr double kWorse = 1.5;
+constexpr double kChance = 1e-4;  // seconds; half of a few microseconds means nothing
 
 std::string secondsText(double seconds) {
   if (seconds >= 1) return fmt::format("{:.2f} s", seconds);
@@ -71,14 +72,16 @@ Recorded readRecorded(const std::filesystem::path& file) {
 void writeRecorded(const std::filesystem::path& file, const std::vector<Line>& lines) {
   nlohmann::ordered_json json = nlohmann::ordered_json::object();
   for (const Line& line : lines) {
-    if (line.bestRatio() > 0) json[line.key()] = rounded(line.bestRatio());
+    if (line.isRecorded()) json[line.key()] = rounded(line.bestRatio());
   }
   writeText(file, json);
 }
 
 bool isWorse(const Line& line, const Recorded& recorded) {
   const auto known = recorded.find(line.key());
-  return known != recorded.end() && line.bestRatio() > kWorse * known->second;
+  if (known == recorded.end() || !line.isRecorded()) return false;
+  const double allowed = kWorse * known->second * line.leastReference;
+  return line.least > allowed + (line.unit == Unit::Seconds ? kChance : 0);
 }
 
 void printHead() {
