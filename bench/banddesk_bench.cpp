@@ -14,7 +14,7 @@ namespace banddesk::bench {
 namespace {
 
 const StudySize kSmall{"100 x 4 x 150", 100, 150};
-const StudySize kLarge{"1500 x 4 x 200", 1500, 200};
+const StudySize kLarge{"1500 x 4 x 200", 1500, 200, false, true};
 const StudySize kHuge{"10000 x 4 x 200", 10'000, 200};
 const StudySize kSkewed{"1500, skewed", 1500, 200, true};
 

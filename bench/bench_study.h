@@ -13,6 +13,7 @@ struct StudySize {
   std::size_t samples;
   std::size_t peaks;  // of each dye of a sample, about
   bool isSkewed = false;
+  bool isJudged = false;  // the limits are made for it; for the others they are a hint
 };
 
 /// One dye has nine tenths of the fragments, and the first sample a hundred times the peaks of the others.

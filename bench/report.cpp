@@ -10,6 +10,7 @@ namespace banddesk::bench {
 namespace {
 
 constexpr double kWorse = 1.5;
+constexpr double kChance = 1e-4;  // seconds; half of a few microseconds means nothing
 
 std::string secondsText(double seconds) {
   if (seconds >= 1) return fmt::format("{:.2f} s", seconds);
@@ -33,7 +34,12 @@ std::string figureText(const Line& line) {
   return line.referenceValue > 0 ? fmt::format("{:.2f} x", line.figure()) : "";
 }
 
-// Half of what is a few microseconds is chance.
+const char* verdictText(const Line& line) {
+  if (line.limit == 0) return "";
+  if (line.isJudged) return line.isMet() ? "met" : "NOT MET";
+  return line.isMet() ? "(met)" : "(above)";
+}
+
 double rounded(double ratio) { return std::round(ratio * 1000) / 1000; }
 
 void writeText(const std::filesystem::path& file, const nlohmann::ordered_json& json) {
@@ -66,14 +72,16 @@ Recorded readRecorded(const std::filesystem::path& file) {
 void writeRecorded(const std::filesystem::path& file, const std::vector<Line>& lines) {
   nlohmann::ordered_json json = nlohmann::ordered_json::object();
   for (const Line& line : lines) {
-    if (line.bestRatio() > 0) json[line.key()] = rounded(line.bestRatio());
+    if (line.isRecorded()) json[line.key()] = rounded(line.bestRatio());
   }
   writeText(file, json);
 }
 
 bool isWorse(const Line& line, const Recorded& recorded) {
   const auto known = recorded.find(line.key());
-  return known != recorded.end() && line.bestRatio() > kWorse * known->second;
+  if (known == recorded.end() || !line.isRecorded()) return false;
+  const double allowed = kWorse * known->second * line.leastReference;
+  return line.least > allowed + (line.unit == Unit::Seconds ? kChance : 0);
 }
 
 void printHead() {
@@ -84,10 +92,7 @@ void printHead() {
 void printLine(const Line& line) {
   fmt::print("{:<20} {:<28} {:>10}  {:<34} {:>10} {:>10} {:>9}  {}\n", line.study, line.work,
              valueText(line.value, line.unit), line.reference, valueText(line.referenceValue, line.unit),
-             figureText(line), limitText(line),
-             line.limit == 0 ? ""
-             : line.isMet()  ? "met"
-                             : "NOT MET");
+             figureText(line), limitText(line), verdictText(line));
   std::fflush(stdout);
 }
 
@@ -104,6 +109,7 @@ void writeJson(const std::filesystem::path& file, const std::vector<Line>& lines
                     {"reference_best", line.leastReference},
                     {"figure", line.figure()},
                     {"limit", line.limit},
+                    {"judged", line.isJudged},
                     {"met", line.isMet()}});
   }
   writeText(file, json);

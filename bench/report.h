@@ -26,6 +26,7 @@ struct Line {
   double leastReference = 0;
   double limit = 0;  // 0: none
   Unit unit = Unit::Seconds;
+  bool isJudged = false;
 
   std::string key() const { return study + " / " + work; }
   /// What the limit limits, of the medians.
@@ -33,6 +34,8 @@ struct Line {
   bool isMet() const { return limit == 0 || figure() <= limit; }
   /// Ratio of the bests, what is recorded and compared.
   double bestRatio() const { return leastReference > 0 ? least / leastReference : 0; }
+  /// What waits for the disk says nothing of the program.
+  bool isRecorded() const { return unit != Unit::Beyond && bestRatio() > 0; }
 };
 
 using Recorded = std::map<std::string, double>;  // best ratio by key
@@ -41,7 +44,7 @@ using Recorded = std::map<std::string, double>;  // best ratio by key
 Recorded readRecorded(const std::filesystem::path& file);
 void writeRecorded(const std::filesystem::path& file, const std::vector<Line>& lines);
 
-/// More than half above the recorded ratio.
+/// More than half above the recorded ratio, and by more than chance.
 bool isWorse(const Line& line, const Recorded& recorded);
 
 void printHead();

@@ -50,7 +50,8 @@ void measureMemory(Bench& bench, Road& road) {
   const double cells = cellsOf(road);
   const auto fragments = static_cast<double>(road.fragments());
   const auto add = [&](const char* work, const char* reference, double value, double least, double limit) {
-    bench.add({road.size().name, work, reference, value, least, value, least, limit, Unit::Bytes});
+    bench.add({road.size().name, work, reference, value, least, value, least, limit, Unit::Bytes,
+               road.size().isJudged});
   };
   add("memory, peak a cell", "counts, heights and the grid's cell", ofCells / cells, kBytesOfACell, 24);
   add("memory, peak a fragment", "size, height and sample", ofFragments / fragments, kBytesOfAFragment, 40);
@@ -150,7 +151,8 @@ void Bench::measure(const Road& road, const Measure& what, const Timed& work, co
                 times.work.least(),
                 times.reference.least(),
                 what.limit,
-                what.unit};
+                what.unit,
+                road.size().isJudged || what.isAlwaysJudged};
   };
   Line best = line();
   for (int repeat = 0; repeat < kMostRepeats && isWorse(best, recorded_); ++repeat) {
@@ -200,7 +202,8 @@ void measureGrowth(Bench& bench, Road& small, Road& large) {
       return analysis() / static_cast<double>(road.fragments());
     };
   };
-  bench.measure(large, {"analysis, for a fragment", "the same in " + small.size().name, 1.5},
+  bench.measure(large,
+                {"analysis, for a fragment", "the same in " + small.size().name, 1.5, Unit::Seconds, true},
                 perFragment(large), perFragment(small));
 }
 

@@ -17,6 +17,7 @@ struct Measure {
   std::string reference;
   double limit = 0;  // 0: none
   Unit unit = Unit::Seconds;
+  bool isAlwaysJudged = false;
 };
 
 /// Measures line after line, prints each, and keeps them. A line that is worse than recorded is measured
