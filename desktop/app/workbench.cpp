@@ -20,6 +20,12 @@ Workbench::Workbench(const host::GridPorts& ports) : host_(settings(ports)) { ho
 
 std::string Workbench::studyName() { return isOpen() ? study()->Name.get() : std::string(); }
 
+std::int32_t Workbench::resultCount() {
+  std::int32_t count = 0;
+  for (const auto& result : study()->Results) count += result->IsDeleted.get().value_or(false) ? 0 : 1;
+  return count;
+}
+
 bool Workbench::isModified() {
   if (!isOpen()) return false;
   auto& analyses = study()->AFLPs;

@@ -22,6 +22,8 @@ class Workbench {
   // Of the open study; empty without one.
   const std::filesystem::path& path() const { return path_; }
   std::string studyName();
+  // Without those that were deleted.
+  std::int32_t resultCount();
   // Whether anything waits to be saved.
   bool isModified();
   std::shared_ptr<Study> study() { return host_.study().Study(); }

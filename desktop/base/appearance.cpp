@@ -30,11 +30,11 @@ QPalette darkPalette() {
   const QColor window(43, 45, 48);
   const QColor base(30, 31, 34);
   const QColor text(223, 225, 229);
-  QPalette dark(text, window);
+  QPalette dark(QColor(60, 63, 67), window);
+  for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+    dark.setColor(role, text);
   dark.setColor(QPalette::Base, base);
   dark.setColor(QPalette::AlternateBase, window);
-  dark.setColor(QPalette::Text, text);
-  dark.setColor(QPalette::ButtonText, text);
   dark.setColor(QPalette::ToolTipBase, window);
   dark.setColor(QPalette::ToolTipText, text);
   dark.setColor(QPalette::Highlight, QColor(46, 101, 168));

@@ -347,8 +347,7 @@ void MainWindow::updateState() {
   setWindowTitle(isOpen ? toQString(workbench_.studyName()) + QStringLiteral("[*] - Banddesk")
                         : QStringLiteral("Banddesk"));
   setWindowModified(isModified);
-  summary_->setText(isOpen ? counted(workbench_.study()->Results.Count(), "result", "results") +
-                                 QStringLiteral(", ") +
+  summary_->setText(isOpen ? counted(workbench_.resultCount(), "result", "results") + QStringLiteral(", ") +
                                  counted(workbench_.study()->AFLPs.Count(), "analysis", "analyses")
                            : QString());
 }

@@ -71,9 +71,8 @@ bool StudyCommands::import(QStringList files) {
   });
   progress_.show(0);
   if (!done) return false;
-  const QString summary = QStringLiteral("Added %1 results; the study has %2.")
-                              .arg(outcome.added)
-                              .arg(workbench_.study()->Results.Count());
+  const QString summary =
+      QStringLiteral("Added %1 results; the study has %2.").arg(outcome.added).arg(workbench_.resultCount());
   tell(summary);
   QMessageBox box(QMessageBox::Information, QStringLiteral("Import"), summary, QMessageBox::Ok, &window_);
   box.setTextFormat(Qt::PlainText);

@@ -143,6 +143,8 @@ void Day::output() {
   csv = contents(desk->folder + QStringLiteral("/maize.csv"));
   EXPECT_THAT(csv.substr(0, 200), StartsWith("\"Bin\",\"Dye\""));
   EXPECT_THAT(contents(desk->folder + QStringLiteral("/maize.nts")).substr(0, 400), HasSubstr("L 30L 0"));
+  user().keep(desk->folder + QStringLiteral("/maize.csv"));
+  user().keep(desk->folder + QStringLiteral("/maize.nts"));
   header = desk->line(Axis::Rows, 0, desk->cols());
   numbers = desk->line(Axis::Columns, 7, desk->rows());
 

@@ -3,6 +3,7 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QDir>
+#include <QFileInfo>
 #include <QProcess>
 #include <QScreen>
 #include <QThread>
@@ -88,6 +89,12 @@ void User::picture(const QString& name) {
   const QString file =
       QStringLiteral("%1/%2-%3.png").arg(pictures_).arg(++taken_, 2, 10, QLatin1Char('0')).arg(name);
   look([&] { QApplication::primaryScreen()->grabWindow().save(file); });
+}
+
+void User::keep(const QString& file) const {
+  const QString kept = pictures_ + QLatin1Char('/') + QFileInfo(file).fileName();
+  QFile::remove(kept);
+  QFile::copy(file, kept);
 }
 
 void User::untilDialog(const QString& title) {

@@ -35,6 +35,8 @@ class User {
   // So long that the next press is no double click.
   static void pause();
   void picture(const QString& name);
+  // Puts a file beside the pictures, to be compared with those of other runs.
+  void keep(const QString& file) const;
 
   // Waits for a dialog with that title and answers whether it came.
   void untilDialog(const QString& title);
