@@ -31,6 +31,13 @@ QString decimal(const std::optional<double>& value, int places, const char* unit
   return value ? QString::number(*value, 'f', places) + QLatin1String(unit) : QStringLiteral("-");
 }
 
+// "D1-100.25": as much of the mean size as tells bins apart.
+QString shortBin(const std::string& name) {
+  const QString whole = toQString(name);
+  const auto dash = whole.indexOf(QLatin1Char('-'));
+  return whole.left(dash + 1) + QString::number(whole.mid(dash + 1).toDouble(), 'f', 2);
+}
+
 QString percent(const std::optional<double>& value) {
   return value ? QString::number(*value * 100, 'f', 2) + QStringLiteral(" %") : QStringLiteral("-");
 }
@@ -164,7 +171,7 @@ void QualityPanel::showBins(const host::ShownTable& table, const host::Replicate
   for (std::size_t i = 0; i < std::min(kLinesShown, figures.size()); ++i) {
     const host::BinFigures& bin = figures[i];
     addLine(*bins_,
-            {toQString(table.bins[bin.bin]), number(bin.filledCells), number(bin.doubledCells),
+            {shortBin(table.bins[bin.bin]), number(bin.filledCells), number(bin.doubledCells),
              decimal(bin.width, 2),
              replicates.pairs.empty() ? QStringLiteral("-") : number(bin.replicates.differing)},
             table.rows[bin.bin]);

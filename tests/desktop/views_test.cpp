@@ -2,6 +2,7 @@
 // bins, which must change that table as a user of its menu would.
 #include <QLabel>
 #include <QTemporaryDir>
+#include <QMouseEvent>
 #include <QTest>
 #include <QWheelEvent>
 #include <cmath>
@@ -275,7 +276,12 @@ TEST_F(Plot, ReadsOutThePeakUnderThePointerAndTheNextOnesByKeys) {
   const auto peak =
       static_cast<std::size_t>(std::ranges::lower_bound(trace.sizes, 141) - trace.sizes.begin());
   const QPointF top = view.transform().at(trace.sizes[peak], trace.heights[peak]);
-  QTest::mouseMove(&view, top.toPoint());
+  // At once: a move of the real pointer waits for the window to be in sight.
+  const auto moveTo = [&](const QPointF& at) {
+    QMouseEvent move(QEvent::MouseMove, at, view.mapToGlobal(at), Qt::NoButton, Qt::NoButton, Qt::NoModifier);
+    QApplication::sendEvent(&view, &move);
+  };
+  moveTo(top);
   EXPECT_THAT(toText(view.readout()),
               testing::AllOf(HasSubstr("sample 2, D1: "), HasSubstr(" RFU"), HasSubstr("bin D1-142.00")));
   const QString first = view.readout();
@@ -283,7 +289,7 @@ TEST_F(Plot, ReadsOutThePeakUnderThePointerAndTheNextOnesByKeys) {
   EXPECT_NE(view.readout(), first);
   QTest::keyClick(&view, Qt::Key_Left, Qt::ControlModifier);
   EXPECT_EQ(view.readout(), first);
-  QTest::mouseMove(&view, QPoint(2, 2));
+  moveTo({2, 2});
   EXPECT_TRUE(view.readout().isEmpty());
 }
 
