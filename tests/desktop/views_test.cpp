@@ -1,8 +1,8 @@
 // The views of results: what a plot shows and how it moves, the pages over a real table, and the review of
 // bins, which must change that table as a user of its menu would.
 #include <QLabel>
-#include <QTemporaryDir>
 #include <QMouseEvent>
+#include <QTemporaryDir>
 #include <QTest>
 #include <QWheelEvent>
 #include <cmath>

@@ -66,8 +66,7 @@ class GuardedGrid final : public Grid, private GridParameters, private GridData,
     at("VisitTexts").VisitTexts(axis, i, from, to, visibleOnly, visitor);
   }
   std::int32_t AppendTexts(Axis axis, std::int32_t i, std::int32_t from, std::int32_t to, bool visibleOnly,
-                           std::string_view before, std::string_view after,
-                           std::string& out) const override {
+                           std::string_view before, std::string_view after, std::string& out) const override {
     return at("AppendTexts").AppendTexts(axis, i, from, to, visibleOnly, before, after, out);
   }
   void VisitUserAttributes(Axis axis, std::int32_t i, std::int32_t from, std::int32_t to,
