@@ -33,6 +33,27 @@ TEST(Service, EnablesItsCommandWithTheStudyAndUnloadsSamplesAfterIt) {
   EXPECT_FALSE(sample->isLoaded());
 }
 
+// Its explorer items live until the next study, and with them the analyses and samples.
+TEST(Service, LeavesTheStoreOfAClosedStudyToWhoeverOpensItNext) {
+  Desk desk(kOneBin);
+  desk.newAnalysis();
+  EXPECT_GT(desk.store.use_count(), 1);
+  desk.host.closeStudy();
+  EXPECT_EQ(desk.store.use_count(), 1);
+}
+
+// Hundreds of samples are loaded one after the other; only the latest stay.
+TEST(Service, NeverHoldsTheFragmentsOfAllSamplesOfALargeStudy) {
+  std::vector<std::string> samples;
+  for (int i = 0; i < 200; ++i) samples.push_back("s" + std::to_string(i));
+  Desk desk(kOneBin, samples);
+  desk.newAnalysis();
+  std::size_t loaded = 0;
+  for (const auto& result : desk.analysis().Results)
+    loaded += std::dynamic_pointer_cast<host::HostSample>(result->Sample)->isLoaded() ? 1U : 0U;
+  EXPECT_EQ(loaded, host::FragmentSource::kMostHolders);
+}
+
 TEST(Service, StaysDisabledUntilTheNextStudyWhenItStartsBesideAnOpenOne) {
   Desk desk(kOneBin);
   desk.openStudy();
