@@ -7,14 +7,19 @@
 #include "cli/analyze_command.h"
 #include "cli/output_file.h"
 #include "cli/say.h"
+#include "cli/session.h"
+#include "host/framework/study_import.h"
 #include "host/simulation/peak_table_writer.h"
 #include "host/simulation/simulator.h"
+#include "host/store/sqlite_store.h"
 #include "plugin/base/error.h"
 
 namespace banddesk::cli {
 namespace {
 
 namespace fs = std::filesystem;
+
+constexpr const char* kThreshold = "50";
 
 void writeExampleTable(const fs::path& path, std::uint64_t seed) {
   host::simulation::Settings settings;
@@ -23,6 +28,21 @@ void writeExampleTable(const fs::path& path, std::uint64_t seed) {
   settings.replicates = 3;
   const auto runs = host::simulation::simulate(settings);
   writeWholeText(path, [&](std::ostream& out) { host::simulation::writePeakTable(out, runs); });
+}
+
+// The same runs and analysis as a study, for the desktop. One that is there already may hold decisions of the
+// user's own and stays.
+void writeExampleStudy(const fs::path& path, const fs::path& table) {
+  if (fs::exists(path)) return;
+  host::SqliteStore::create(path.string(), "Example");
+  Session session;
+  session.openStudy(std::make_shared<host::SqliteStore>(path.string()));
+  host::importIntoStudy(session.host().study(), {{table}, host::import::Dye::R});
+  AnalysisRequest request;
+  request.yThreshold = kThreshold;
+  session.analyze(request);
+  session.analysis().Name = "Example";
+  session.save();
 }
 
 }  // namespace
@@ -56,7 +76,7 @@ void runExample(const ExampleArguments& arguments) {
   writeExampleTable(table, arguments.seed);
   analyze.files = {table};
   analyze.ladder = host::import::Dye::R;
-  analyze.request.yThreshold = "50";
+  analyze.request.yThreshold = kThreshold;
   analyze.outputs.csv = arguments.out / "table.csv";
   analyze.outputs.nts = arguments.out / "table.nts";
   analyze.outputs.matrix = arguments.out / "matrix.tsv";
@@ -64,11 +84,14 @@ void runExample(const ExampleArguments& arguments) {
   analyze.outputs.xlsx = arguments.out / "table.xlsx";
   analyze.printHead = true;
   runAnalyze(analyze);
+  const fs::path study = arguments.out / "example.study";
+  writeExampleStudy(study, table);
   const Outputs& made = analyze.outputs;
   say("\nThe simulated peak table: {}\nIts AFLP table:           {}\nas a spreadsheet:         {}\n"
-      "for NTSYSpc:              {}\nfor statistics:           {}\nThe analysis as JSON:     {}\n",
+      "for NTSYSpc:              {}\nfor statistics:           {}\nThe analysis as JSON:     {}\n"
+      "As a study:               {}\n",
       table.string(), made.csv->string(), made.xlsx->string(), made.nts->string(), made.matrix->string(),
-      made.json->string());
+      made.json->string(), study.string());
 }
 
 }  // namespace banddesk::cli

@@ -6,10 +6,12 @@
 #include <cstdio>
 #include <exception>
 #include <fmt/format.h>
+#include <new>
 
 #include "cli/analyze_command.h"
 #include "cli/example_command.h"
 #include "cli/quality_command.h"
+#include "cli/say.h"
 #include "cli/study_analysis.h"
 #include "cli/study_commands.h"
 #include "plugin/base/error.h"
@@ -19,11 +21,8 @@ namespace {
 constexpr int kFailure = 2;
 
 int fail(const std::string& message) {
-  std::string line = message.substr(0, message.find_last_not_of("\r\n") + 1);
-  for (char& c : line) {
-    if (c == '\n' || c == '\r') c = ' ';
-  }
-  fmt::print(stderr, "banddesk: {}\n", line);
+  const std::string line = message.substr(0, message.find_last_not_of("\r\n") + 1);
+  fmt::print(stderr, "banddesk: {}\n", banddesk::cli::withoutControls(line));
   return kFailure;
 }
 
@@ -61,10 +60,14 @@ int main(int argc, char** argv) {
   std::setlocale(LC_CTYPE, "");
   // A reader of standard output who goes away must not end the writing of files.
   std::signal(SIGPIPE, SIG_IGN);
+  // A file that may grow no further is a failed write like any other.
+  std::signal(SIGXFSZ, SIG_IGN);
   try {
     return run(argc, argv);
   } catch (const banddesk::Error& error) {
     return fail(error.description());
+  } catch (const std::bad_alloc&) {
+    return fail("there is not enough memory");
   } catch (const std::exception& error) {
     return fail(error.what());
   }

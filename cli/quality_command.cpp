@@ -5,7 +5,6 @@
 #include <fstream>
 #include <memory>
 #include <nlohmann/json.hpp>
-#include <regex>
 #include <vector>
 
 #include "cli/output_file.h"
@@ -23,14 +22,6 @@ using nlohmann::ordered_json;
 
 constexpr std::size_t kPairsTold = 5;
 constexpr std::size_t kBinsTold = 10;
-
-// Replicates are told apart by the sample's own name, before the well and time stamp of the run.
-std::vector<std::string> ownNames(const std::vector<std::string>& names) {
-  static const std::regex run(R"(\..\d\d_\d{8}..$)");
-  std::vector<std::string> own;
-  for (const std::string& name : names) own.push_back(std::regex_replace(name, run, ""));
-  return own;
-}
 
 // Two names a line, separated by a tab; empty lines do not count.
 std::vector<std::pair<std::string, std::string>> readPairs(const std::filesystem::path& file) {
@@ -55,7 +46,7 @@ host::Replicates replicatesOf(const ShownTable& table, const std::string& wanted
   if (wanted.empty()) return {};
   std::error_code trouble;
   if (!std::filesystem::is_regular_file(wanted, trouble))
-    return host::replicatesBySuffix(ownNames(table.samples), wanted);
+    return host::replicatesOfRuns(table.samples, wanted);
   return host::replicatesByName(table.samples, readPairs(wanted));
 }
 

@@ -3,12 +3,18 @@
 #pragma once
 
 #include <fmt/format.h>
+#include <string>
 #include <string_view>
 #include <utility>
 
 namespace banddesk::cli {
 
-// Raises an Error when the output cannot be written for another reason.
+// The text with a blank for each control character but those kept: what a file names its samples must not
+// move a terminal's cursor or worse.
+std::string withoutControls(std::string_view text, std::string_view kept = {});
+
+// Raises an Error when the output cannot be written for another reason. A terminal gets no control
+// characters.
 void say(std::string_view text);
 
 template <class... Args>

@@ -21,7 +21,7 @@ Host::Host(HostSettings settings)
       objects_(faults_, hooks_),
       studyService_(faults_, objects_),
       explorer_(faults_, registry_.itemDefinition()),
-      pages_(faults_) {
+      pages_(faults_, platform_) {
   hooks_.open = [this](const std::shared_ptr<AFLP>& analysis, bool show) {
     return openAnalysis(analysis, show);
   };
@@ -101,6 +101,17 @@ void Host::runCommand(const std::shared_ptr<IExplorerItemAccess>& item, const st
   } else {
     raise(ErrorNumber::InvalidArgument, "Host", fmt::format("There is no command {}.", command));
   }
+}
+
+std::vector<ReportRequest> Host::reportContexts() const {
+  Collection<std::shared_ptr<ReportContextType>> types;
+  serviceBase().GetReportContextTypes.raise(types);
+  std::vector<ReportRequest> contexts;
+  if (types.Count() == 0) return contexts;
+  Dictionary<ObjectRef> named;
+  serviceBase().GetReportContexts.raise(nullptr, named);
+  for (const auto& [name, context] : named) contexts.push_back({name, context, types.Item(1)->number()});
+  return contexts;
 }
 
 IAFLPService& Host::service() const { return required(service_, "AFLPService"); }

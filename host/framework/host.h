@@ -57,6 +57,9 @@ class Host final : public HostServices, private Application {
   // "OpenAFLP", "RenameAFLP", "DeleteAFLP" or "NewReport" on an item of the tree; error 5 for any other.
   void runCommand(const std::shared_ptr<IExplorerItemAccess>& item, const std::string& command);
 
+  // What reports can be made about, by the service's own account.
+  std::vector<ReportRequest> reportContexts() const;
+
   // ---- the parts
   FaultInjector& faults() { return faults_; }
   HostFramework& framework() { return framework_; }

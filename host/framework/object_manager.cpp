@@ -6,6 +6,21 @@
 #include "host/store/snapshot.h"
 
 namespace banddesk::host {
+namespace {
+
+// What was taken out of an analysis is gone with its rows: nobody will ask for it.
+void forgetRemoved(AFLP& analysis) {
+  const auto forget = [](auto& collection) {
+    auto& removed = collection.DeletedItems();
+    while (removed.Count() > 0) removed.Remove(removed.Count());
+  };
+  forget(analysis.Results);
+  forget(analysis.AFLPBins);
+  for (const auto& layout : {analysis.BinGrid, analysis.SampleGrid, analysis.DyeGrid, analysis.StyleGrid})
+    forget(layout->Columns);
+}
+
+}  // namespace
 
 void HostObjectManager::attach(std::shared_ptr<Store> store, std::shared_ptr<Study> study) {
   store_ = std::move(store);
@@ -61,6 +76,7 @@ void HostObjectManager::Save(const std::shared_ptr<PersistentObject>& object, bo
   const auto analysis = cast<AFLP>(object, "AFLP");
   required(store_, "Study").writeAnalysis(snapshotOf(*analysis));
   settle(*analysis);
+  forgetRemoved(*analysis);
 }
 
 void HostObjectManager::Delete(const std::shared_ptr<PersistentObject>& object) {

@@ -75,6 +75,7 @@ void HostPageManager::start(HostPage& page, const char* className) {
   // It may have told others of itself before it failed.
   failure.run([&] { base->Terminate.raise(); });
   page.hold();
+  platform_.resetPointer();
   failure.raise();
 }
 
@@ -111,6 +112,7 @@ bool HostPageManager::end(const std::shared_ptr<HostPage>& given, bool accept) {
   if (page->base()) failure.run([&] { page->base()->Terminate.raise(); });
   if (watch.onEnd) failure.run([&] { watch.onEnd(*page); });
   page->hold();
+  platform_.resetPointer();
   failure.raise();
   return true;
 }
@@ -124,6 +126,7 @@ void HostPageManager::endAll() {
 void HostPageManager::userEvent(const HostPage& page, const std::function<void()>& action) const {
   markIfPersistent(page.bound());
   action();
+  if (watch.onUserEvent) watch.onUserEvent(page);
 }
 
 bool HostPageManager::fireTimers() const {

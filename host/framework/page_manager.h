@@ -18,7 +18,7 @@ namespace banddesk::host {
 
 class HostPageManager final : public PageManager {
  public:
-  explicit HostPageManager(FaultInjector& faults) : faults_(faults) {}
+  HostPageManager(FaultInjector& faults, HostPlatform& platform) : faults_(faults), platform_(platform) {}
 
   // The component that makes the pages; it outlives them.
   void setComponent(const Component* component) { component_ = component; }
@@ -57,6 +57,7 @@ class HostPageManager final : public PageManager {
   bool runModal(const HostPage& page) const;
 
   FaultInjector& faults_;
+  HostPlatform& platform_;
   const Component* component_ = nullptr;
   std::vector<std::shared_ptr<HostPage>> pages_;
 };

@@ -66,10 +66,11 @@ class HostPageBase final : public PageBase, public LivingOwner {
 struct PageWatch {
   std::function<void(HostPage&)> onShow;
   std::function<void(HostPage&)> onEnd;
-  std::function<void(HostPage&)> onChange;  // caption or view index
+  std::function<void(HostPage&)> onChange;           // caption or view index
+  std::function<void(const HostPage&)> onUserEvent;  // after what the user did to it
 };
 
-class HostPage final : public Page {
+class HostPage final : public Page, public std::enable_shared_from_this<HostPage> {
  public:
   HostPage(FaultInjector& faults, const PageWatch& watch, std::string definitionName, std::string caption,
            ObjectRef bound, PageOwner* owner)

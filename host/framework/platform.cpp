@@ -37,6 +37,12 @@ void HostPlatform::SetMousePointer(std::int32_t pointer) {
   if (onMousePointer) onMousePointer(pointer);
 }
 
+void HostPlatform::resetPointer() {
+  if (pointer_ == ui::kPointerDefault) return;
+  pointer_ = ui::kPointerDefault;
+  if (onMousePointer) onMousePointer(pointer_);
+}
+
 void HostPlatform::SetFocus(ui::Control& control) {
   faults_.check("Platform", "SetFocus");
   focus_ = control.Name();

@@ -51,6 +51,9 @@ class HostPlatform final : public ui::Platform {
   std::string JoinPath(const std::string& folder, const std::string& relative) override;
   char DecimalSeparator() const override { return decimalSeparator_; }
 
+  // The pointer as it is when nothing runs: what failed leaves its hourglass behind.
+  void resetPointer();
+
   // Answers for the next questions, the first one first. No save answer in its optional is a cancel.
   std::deque<ui::BoxAnswer> boxAnswers;
   std::deque<std::optional<SaveAnswer>> saveAnswers;

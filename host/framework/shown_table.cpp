@@ -13,10 +13,12 @@ ShownTable shownTable(const AFLP& analysis, IAFLPResultsPage& page) {
     if (page.IsColHidden(column->ColumnOrder)) continue;
     results.push_back(at);
     table.samples.push_back(column->ToolTip);
+    table.columns.push_back(column->ColumnOrder);
   }
   const AnalysisView view = page.Analysis();
   for (std::int32_t row = 1; row <= page.NumRows(); ++row) {
     if (page.IsRowHidden(row)) continue;
+    table.rows.push_back(row);
     table.bins.push_back(page.CellText("7", row) + "-" + page.CellText("83", row));
     table.extents.push_back(
         {leadingNumber(page.CellText("9", row)), leadingNumber(page.CellText("10", row))});

@@ -16,6 +16,9 @@ struct ShownTable {
   std::vector<std::string> bins;     // dye and mean size: "D1-100.25"
   std::vector<BinExtent> extents;
   std::vector<std::int32_t> counts;  // a line of all samples for each bin
+  // Where they stand in the logical table.
+  std::vector<std::int32_t> rows;
+  std::vector<std::int32_t> columns;
 
   TableView view() const { return {counts, extents, samples.size()}; }
 };

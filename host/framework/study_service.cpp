@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <fmt/format.h>
+#include <limits>
 #include <utility>
 
 #include "host/framework/first_failure.h"
@@ -127,7 +128,9 @@ void HostStudyService::changeResults(const std::function<void(StudyRecord&)>& ch
                                      const std::function<void(banddesk::Study&)>& changeObjects) {
   const std::shared_ptr<banddesk::Study> study = study_;
   StudyRecord record = this->record();
-  ++record.resultStamp;
+  // Stamps are only compared for being the same.
+  record.resultStamp =
+      record.resultStamp == std::numeric_limits<std::int32_t>::max() ? 1 : record.resultStamp + 1;
   changeRecord(record);
   changeObjects(*study);
   study->ResultStamp = record.resultStamp;

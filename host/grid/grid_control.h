@@ -137,6 +137,8 @@ class GridControl final : public Grid, private GridData, private GridParameters,
   // How many rows and columns the view shows at once; a new current cell scrolls into them.
   void setViewSize(std::int32_t rows, std::int32_t cols);
   const CellStore& store() const { return store_; }
+  // While it is, the table is half made and a view keeps what it shows.
+  bool isLocked() const { return isLocked_; }
   const Looks& looks() const { return looks_; }
 
   // ---- the user's side (grid_user.cpp)
@@ -145,6 +147,8 @@ class GridControl final : public Grid, private GridData, private GridParameters,
                    bool addToSelection = false);
   void selectRows(std::int32_t first, std::int32_t last, bool addToSelection = false);
   void selectCols(std::int32_t first, std::int32_t last, bool addToSelection = false);
+  // The block selected last becomes this one: the user goes on pulling at it.
+  void reselectCells(std::int32_t row, std::int32_t col, std::int32_t toRow, std::int32_t toCol);
   void clickCell(std::int32_t row, std::int32_t col);
   void rightClick(std::int32_t row, std::int32_t col);
   void doubleClick(std::int32_t row, std::int32_t col);
@@ -160,6 +164,11 @@ class GridControl final : public Grid, private GridData, private GridParameters,
   // or was refused.
   bool dragColumns(std::int32_t first, std::int32_t last, std::int32_t target);
   bool dragRows(std::int32_t first, std::int32_t last, std::int32_t target);
+  // The same drag in its steps. The start and each move tell whether they are allowed; only after an allowed
+  // move to that target may the lines be dropped there.
+  bool startDrag(Axis axis, std::int32_t first, std::int32_t last);
+  bool moveDrag(Axis axis, std::int32_t first, std::int32_t last, std::int32_t target);
+  void dropDrag(Axis axis, std::int32_t first, std::int32_t last, std::int32_t target);
   // Typing into a cell. A read-only or a header cell refuses.
   bool beginEdit(std::int32_t row, std::int32_t col);
   void type(std::string text);
@@ -204,6 +213,8 @@ class GridControl final : public Grid, private GridData, private GridParameters,
   void keepViewInside();
   void scrollTo(std::int32_t row, std::int32_t col);
   void select(const Block& block, bool addToSelection);
+  bool mayDrag(Axis which, std::int32_t first, std::int32_t last) const;
+  bool dragLines(Axis which, std::int32_t first, std::int32_t last, std::int32_t target);
   PrintJob printJob() const;
 
   GridPorts ports_;

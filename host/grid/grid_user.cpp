@@ -23,6 +23,11 @@ void GridControl::selectCols(std::int32_t first, std::int32_t last, bool addToSe
   selectCells(1, first, rows_.count, last, addToSelection);
 }
 
+void GridControl::reselectCells(std::int32_t row, std::int32_t col, std::int32_t toRow, std::int32_t toCol) {
+  selection_.dropLast();
+  selectCells(row, col, toRow, toCol, true);
+}
+
 void GridControl::clickCell(std::int32_t row, std::int32_t col) {
   selection_.clear();
   SetCurrentCell(row, col);
@@ -54,32 +59,47 @@ bool GridControl::trackColumnWidth(std::int32_t col, std::int32_t width) {
   return isAllowed;
 }
 
-bool GridControl::dragColumns(std::int32_t first, std::int32_t last, std::int32_t target) {
-  if (!allowDragCols_ || !selection_.holdsLines(Axis::Columns, first, last, rows_.count)) return false;
-  if (first > last || target < 1 || target > cols_.count + 1) return false;
+bool GridControl::mayDrag(Axis which, std::int32_t first, std::int32_t last) const {
+  const bool isRows = which == Axis::Rows;
+  return (isRows ? allowDragRows_ : allowDragCols_) && first <= last &&
+         selection_.holdsLines(which, first, last, isRows ? cols_.count : rows_.count);
+}
+
+bool GridControl::startDrag(Axis which, std::int32_t first, std::int32_t last) {
+  if (!mayDrag(which, first, last)) return false;
   double allowed = 1;
-  OnSelDragColsStart.raise(first, last, allowed);
-  if (allowed == 0) return false;
-  OnSelDragColsMove.raise(first, last, target, allowed);
-  if (allowed == 0) return false;
-  moveSelected(Axis::Columns, first, last, target);
-  OnSelDragColsDrop.raise(first, last, target);
+  (which == Axis::Rows ? OnSelDragRowsStart : OnSelDragColsStart).raise(first, last, allowed);
+  return allowed != 0;
+}
+
+bool GridControl::moveDrag(Axis which, std::int32_t first, std::int32_t last, std::int32_t target) {
+  if (target < 1 || target > axis(which).count + 1) return false;
+  double allowed = 1;
+  (which == Axis::Rows ? OnSelDragRowsMove : OnSelDragColsMove).raise(first, last, target, allowed);
+  return allowed != 0;
+}
+
+void GridControl::dropDrag(Axis which, std::int32_t first, std::int32_t last, std::int32_t target) {
+  // A listener of an earlier step may have changed the table meanwhile.
+  if (!mayDrag(which, first, last) || target < 1 || target > axis(which).count + 1) return;
+  moveSelected(which, first, last, target);
+  (which == Axis::Rows ? OnSelDragRowsDrop : OnSelDragColsDrop).raise(first, last, target);
   Redraw(2.0);
+}
+
+bool GridControl::dragLines(Axis which, std::int32_t first, std::int32_t last, std::int32_t target) {
+  if (target < 1 || target > axis(which).count + 1) return false;
+  if (!startDrag(which, first, last) || !moveDrag(which, first, last, target)) return false;
+  dropDrag(which, first, last, target);
   return true;
 }
 
+bool GridControl::dragColumns(std::int32_t first, std::int32_t last, std::int32_t target) {
+  return dragLines(Axis::Columns, first, last, target);
+}
+
 bool GridControl::dragRows(std::int32_t first, std::int32_t last, std::int32_t target) {
-  if (!allowDragRows_ || !selection_.holdsLines(Axis::Rows, first, last, cols_.count)) return false;
-  if (first > last || target < 1 || target > rows_.count + 1) return false;
-  double allowed = 1;
-  OnSelDragRowsStart.raise(first, last, allowed);
-  if (allowed == 0) return false;
-  OnSelDragRowsMove.raise(first, last, target, allowed);
-  if (allowed == 0) return false;
-  moveSelected(Axis::Rows, first, last, target);
-  OnSelDragRowsDrop.raise(first, last, target);
-  Redraw(2.0);
-  return true;
+  return dragLines(Axis::Rows, first, last, target);
 }
 
 void GridControl::moveSelected(Axis which, std::int32_t first, std::int32_t last, std::int32_t target) {

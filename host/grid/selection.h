@@ -12,8 +12,12 @@ class Selection final : public RangeList {
   std::int32_t GetCount() const override { return static_cast<std::int32_t>(blocks_.size()); }
   GridRange Item(std::int32_t index) const override;
 
+  const std::vector<Block>& blocks() const { return blocks_; }
   void clear() { blocks_.clear(); }
   void add(const Block& block);
+  void dropLast() {
+    if (!blocks_.empty()) blocks_.pop_back();
+  }
   // Keeps what lies within 1..rows, 1..cols.
   void cutTo(std::int32_t rows, std::int32_t cols);
   // Whether one block holds the lines first..last from 1 to `length`.

@@ -106,7 +106,7 @@ class Reading {
       report.notes.push_back(fmt::format("the same content as {}; read once", twin->string()));
       return;
     }
-    TextStream text(source.file);
+    TextStream text(source.file, options_.stretch);
     std::string_view piece;
     Form form;
     try {

@@ -10,6 +10,7 @@
 
 #include "host/import/import_error.h"
 #include "host/import/peak_table.h"
+#include "host/import/text_stream.h"
 
 namespace banddesk::host::import {
 
@@ -19,6 +20,8 @@ struct Options {
   /// Asked of each file by its size and content hash before it is read: a known file is passed over and
   /// noted. Files are hashed only where somebody asks.
   std::function<bool(std::uint64_t size, std::uint64_t hash)> isKnown = {};
+  /// How many bytes are read at a time.
+  std::size_t stretch = TextStream::usualStretch;
 };
 
 /// Told how many bytes of how many are done. An exception thrown from it ends the reading and passes through.

@@ -9,8 +9,6 @@
 namespace banddesk::host::import {
 namespace {
 
-// Small enough for the processor's cache, large enough that calls do not count.
-constexpr std::size_t stretch = 512 * 1024;
 constexpr std::size_t npos = std::string_view::npos;
 
 /// Control characters other than tab, line feed, carriage return and form feed in the first stretch say: no
@@ -26,7 +24,7 @@ bool looksBinary(std::string_view text) {
 }  // namespace
 
 std::string_view TextStream::next() {
-  if (buffer_.empty()) buffer_.resize(stretch);
+  if (buffer_.empty()) buffer_.resize(stretch_);
   held_ -= pieceSize_;
   std::memmove(buffer_.data(), buffer_.data() + pieceSize_, held_);
   pieceSize_ = 0;
@@ -91,8 +89,8 @@ bool TextStream::restIsUtf8() const {
     if (!isUtf8({ahead.data(), cut})) return false;
     std::memmove(ahead.data(), ahead.data() + cut, kept - cut);
     kept -= cut;
-    ahead.resize(kept + stretch);
-    const std::size_t got = file_.readAt(offset, ahead.data() + kept, stretch);
+    ahead.resize(kept + stretch_);
+    const std::size_t got = file_.readAt(offset, ahead.data() + kept, stretch_);
     offset += got;
     kept += got;
     more = got != 0;

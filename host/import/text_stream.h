@@ -15,8 +15,12 @@ namespace banddesk::host::import {
 /// UTF-8 where the whole file is, else Windows-1252.
 class TextStream {
  public:
-  /// Throws ImportError as InputFile does.
-  explicit TextStream(const std::filesystem::path& file) : file_(file) {}
+  /// Small enough for the processor's cache, large enough that calls do not count.
+  static constexpr std::size_t usualStretch = 512 * 1024;
+
+  /// Throws ImportError as InputFile does. `stretch` bytes are read at a time; a byte-order mark must fit.
+  explicit TextStream(const std::filesystem::path& file, std::size_t stretch = usualStretch)
+      : file_(file), stretch_(stretch) {}
 
   /// The next lines, valid until the next call; empty at the end. Throws ImportError for a binary file.
   std::string_view next();
@@ -41,6 +45,7 @@ class TextStream {
   std::string_view give();
 
   InputFile file_;
+  std::size_t stretch_;
   Encoding encoding_ = Encoding::Ascii;
   std::vector<char> buffer_;
   std::size_t held_ = 0;       // bytes in the buffer: the piece given last and what follows it

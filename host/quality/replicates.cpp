@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <regex>
 #include <set>
 #include <stdexcept>
 #include <unordered_map>
@@ -57,6 +58,14 @@ Replicates replicatesBySuffix(std::span<const std::string> names, std::string_vi
     maker.add(name.substr(0, name.size() - suffix.size()), name);
   }
   return maker.take();
+}
+
+Replicates replicatesOfRuns(std::span<const std::string> names, std::string_view suffix) {
+  static const std::regex run(R"(\..\d\d_\d{8}..$)");
+  std::vector<std::string> own;
+  own.reserve(names.size());
+  for (const std::string& name : names) own.push_back(std::regex_replace(name, run, ""));
+  return replicatesBySuffix(own, suffix);
 }
 
 Replicates replicatesByName(std::span<const std::string> names,

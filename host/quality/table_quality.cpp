@@ -75,10 +75,6 @@ std::optional<double> informationContent(const TableView& table) {
          static_cast<double>(table.bins.size());
 }
 
-Agreement agreementOf(bool first, bool second) {
-  return {.both = first && second, .differing = first != second, .neither = !first && !second};
-}
-
 /// Larger Jaccard error first, then more differing cells; those without any filled cell last.
 bool isWorse(const Agreement& a, const Agreement& b) {
   const auto rank = [](const Agreement& one) {
@@ -94,7 +90,7 @@ ReplicateQuality compareReplicates(const TableView& table, std::span<const Repli
     const Line line = lineOf(table, bin);
     BinQuality& ofBin = quality.bins.emplace_back(BinQuality{bin, {}});
     for (PairQuality& pair : quality.pairs) {
-      const Agreement cell = agreementOf(line[pair.samples.first] != 0, line[pair.samples.second] != 0);
+      const Agreement cell = agreementOf(line[pair.samples.first], line[pair.samples.second]);
       pair.agreement += cell;
       ofBin.agreement += cell;
     }
@@ -107,6 +103,12 @@ ReplicateQuality compareReplicates(const TableView& table, std::span<const Repli
 }
 
 }  // namespace
+
+Agreement agreementOf(std::int32_t first, std::int32_t second) {
+  const bool inFirst = first != 0;
+  const bool inSecond = second != 0;
+  return {.both = inFirst && inSecond, .differing = inFirst != inSecond, .neither = !inFirst && !inSecond};
+}
 
 std::optional<double> Agreement::mismatchError() const {
   return share(differing, both + differing + neither);

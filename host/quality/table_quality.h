@@ -39,6 +39,9 @@ struct Agreement {
   Agreement& operator+=(const Agreement& other);
 };
 
+/// Of one bin, by the counts of the two samples there.
+Agreement agreementOf(std::int32_t first, std::int32_t second);
+
 struct PairQuality {
   ReplicatePair samples;
   Agreement agreement;

@@ -91,8 +91,7 @@ void read(const Statement& row, int place, Value& value) {
   } else if constexpr (std::is_same_v<Value, bool>) {
     value = row.number(place) != 0;
   } else {
-    static_assert(std::is_integral_v<Value> && sizeof(Value) == sizeof(std::int32_t));
-    value = static_cast<Value>(row.number(place));
+    value = row.integer<Value>(place);
   }
 }
 
@@ -182,7 +181,7 @@ AnalysisSnapshot readAnalysisRows(Database& database, std::int32_t id) {
 
   Statement results =
       database.prepare("SELECT result_id FROM analysis_result WHERE analysis_id = ? ORDER BY position");
-  for (results.begin(id); results.next();) snapshot.resultIds.push_back(results.integer(0));
+  for (results.begin(id); results.next();) snapshot.resultIds.push_back(results.integer<std::int32_t>(0));
   Statement bins = database.prepare(
       "SELECT bin_key, manually_excluded, manually_included FROM bin_decision WHERE analysis_id = ? "
       "ORDER BY position");

@@ -92,23 +92,56 @@ void Statement::bind(int position, Blob value) {
 
 void Statement::bindNull(int position) { check(sqlite3_bind_null(statement_.get(), position)); }
 
-std::int32_t Statement::integer(int column) const {
+// A study's tables are strict, but a file need not have been written by their rules.
+void Statement::require(int column, int type) const {
+  if (sqlite3_column_type(statement_.get(), column) != type)
+    database_->failDamaged(
+        fmt::format("a value of {} is of another type", sqlite3_column_name(statement_.get(), column)));
+}
+
+std::int64_t Statement::number(int column) const {
+  require(column, SQLITE_INTEGER);
+  return sqlite3_column_int64(statement_.get(), column);
+}
+
+std::int64_t Statement::within(int column, std::int64_t least, std::int64_t most) const {
   const std::int64_t value = number(column);
-  if (value < std::numeric_limits<std::int32_t>::min() || value > std::numeric_limits<std::int32_t>::max())
+  if (value < least || value > most)
     database_->failDamaged(fmt::format("a number is out of its range ({})", value));
-  return static_cast<std::int32_t>(value);
+  return value;
+}
+
+double Statement::real(int column) const {
+  require(column, SQLITE_FLOAT);
+  return sqlite3_column_double(statement_.get(), column);
 }
 
 std::string_view Statement::text(int column) const {
+  require(column, SQLITE_TEXT);
   const auto* const start = reinterpret_cast<const char*>(sqlite3_column_text(statement_.get(), column));
   if (start == nullptr) return {};
   return {start, static_cast<std::size_t>(sqlite3_column_bytes(statement_.get(), column))};
 }
 
 Blob Statement::blob(int column) const {
+  require(column, SQLITE_BLOB);
   const auto* const start = static_cast<const std::byte*>(sqlite3_column_blob(statement_.get(), column));
   if (start == nullptr) return {};
   return {start, static_cast<std::size_t>(sqlite3_column_bytes(statement_.get(), column))};
+}
+
+// A file may come from anybody. What it holds is data: its triggers and views stay asleep, its schema calls
+// no function with side effects, and the pages are looked at before they are trusted.
+void Database::disarm() {
+  sqlite3* const connection = connection_.get();
+  const auto set = [&](int option, int value) { sqlite3_db_config(connection, option, value, nullptr); };
+  set(SQLITE_DBCONFIG_DEFENSIVE, 1);
+  set(SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0);
+  set(SQLITE_DBCONFIG_ENABLE_TRIGGER, 0);
+  set(SQLITE_DBCONFIG_ENABLE_VIEW, 0);
+  set(SQLITE_DBCONFIG_ENABLE_LOAD_EXTENSION, 0);
+  sqlite3_limit(connection, SQLITE_LIMIT_ATTACHED, 0);
+  execute("PRAGMA cell_size_check = ON; PRAGMA mmap_size = 0");
 }
 
 Database::Database(const std::string& file, int flags, std::string shownAs) : file_(std::move(shownAs)) {
@@ -116,6 +149,7 @@ Database::Database(const std::string& file, int flags, std::string shownAs) : fi
   const int code = sqlite3_open_v2(file.c_str(), &connection, flags | SQLITE_OPEN_EXRESCODE, nullptr);
   connection_.reset(connection);
   if (code != SQLITE_OK) fail(code);
+  disarm();
 }
 
 void Database::execute(const char* statements) {
@@ -138,6 +172,12 @@ Statement Database::prepare(std::string_view statement) const {
 std::int64_t Database::number(std::string_view query) const {
   Statement statement = prepare(query);
   return statement.next() ? statement.number(0) : 0;
+}
+
+bool Database::hasMoved() const {
+  int moved = 0;
+  const int code = sqlite3_file_control(connection_.get(), "main", SQLITE_FCNTL_HAS_MOVED, &moved);
+  return code == SQLITE_OK && moved != 0;
 }
 
 void Database::fail(int code) const {

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <memory>
 #include <span>
 #include <sqlite3.h>
@@ -46,11 +47,15 @@ class Statement {
   void bindNull(int position);
   void finish();
 
-  // Of the row at hand, by the column's place from 0. A value that does not fit its type is an error: the
-  // file is damaged. Texts and blobs hold until the next row.
-  std::int64_t number(int column) const { return sqlite3_column_int64(statement_.get(), column); }
-  std::int32_t integer(int column) const;
-  double real(int column) const { return sqlite3_column_double(statement_.get(), column); }
+  // Of the row at hand, by the column's place from 0. A value of another type or beyond the range of its type
+  // is an error: the file is damaged. Texts and blobs hold until the next row.
+  std::int64_t number(int column) const;
+  template <class Integer>
+  Integer integer(int column) const {
+    return static_cast<Integer>(
+        within(column, std::numeric_limits<Integer>::min(), std::numeric_limits<Integer>::max()));
+  }
+  double real(int column) const;
   std::string_view text(int column) const;
   Blob blob(int column) const;
   bool isNull(int column) const { return sqlite3_column_type(statement_.get(), column) == SQLITE_NULL; }
@@ -63,6 +68,8 @@ class Statement {
 
   Statement(const Database& database, sqlite3_stmt* statement)
       : database_(&database), statement_(statement) {}
+  void require(int column, int type) const;
+  std::int64_t within(int column, std::int64_t least, std::int64_t most) const;
   void reset() { sqlite3_reset(statement_.get()); }
   void check(int code) const;
 
@@ -83,6 +90,8 @@ class Database {
   std::int64_t number(std::string_view query) const;  // the first value of the first row
   std::int64_t lastRowId() const { return sqlite3_last_insert_rowid(connection_.get()); }
   bool isReadOnly() const { return sqlite3_db_readonly(connection_.get(), "main") == 1; }
+  // Whether another file, or none, lies now where this one was opened.
+  bool hasMoved() const;
   bool isInTransaction() const { return sqlite3_get_autocommit(connection_.get()) == 0; }
 
   [[noreturn]] void fail(int code) const;
@@ -90,6 +99,8 @@ class Database {
   [[noreturn]] void failDamaged(const std::string& what) const;
 
  private:
+  void disarm();
+
   struct Close {
     void operator()(sqlite3* connection) const { sqlite3_close(connection); }
   };

@@ -4,6 +4,7 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <fmt/format.h>
+#include <limits>
 #include <unistd.h>
 #include <utility>
 
@@ -61,14 +62,15 @@ SqliteStore::SqliteStore(const std::string& file, Access access, SchemaSteps ste
   } else if (!mayWriteFolderOf(file)) {
     whyReadOnly_ = "its folder may not be written";
   }
-  database_.execute("PRAGMA foreign_keys = ON; PRAGMA trusted_schema = OFF; PRAGMA locking_mode = EXCLUSIVE");
+  database_.execute("PRAGMA foreign_keys = ON; PRAGMA locking_mode = EXCLUSIVE");
   if (whyReadOnly_.empty()) {
     openForWriting(steps);
   } else {
     openForReading(steps);
   }
-  lastAnalysisId_ = static_cast<std::int32_t>(database_.number(
-      "SELECT max(last_analysis_id, (SELECT coalesce(max(id), 0) FROM analysis)) FROM study"));
+  sqlite::Statement last = database_.prepare(
+      "SELECT max(last_analysis_id, (SELECT coalesce(max(id), 0) FROM analysis)) FROM study");
+  if (last.next()) lastAnalysisId_ = last.integer<std::int32_t>(0);
 }
 
 // Takes the emptied journal away. It would do no harm: the next opening knows it for empty.
@@ -95,6 +97,11 @@ void SqliteStore::write(const std::function<void()>& work) {
   if (!whyReadOnly_.empty())
     raise(ErrorNumber::PermissionDenied, "Store",
           fmt::format("{}: it cannot be saved: {}", database_.file(), whyReadOnly_));
+  // What is written into a file that has no name any more is gone with the program.
+  if (database_.hasMoved())
+    raise(ErrorNumber::PathNotFound, "Store",
+          fmt::format("{}: it cannot be saved: the file was moved or deleted while it was open",
+                      database_.file()));
   sqlite::Transaction transaction(database_);
   work();
   transaction.commit();
@@ -124,21 +131,21 @@ StudyRecord SqliteStore::readStudy() {
       "study");
   if (!study.next()) database_.failDamaged("it has no study record");
   record.name = study.text(0);
-  record.ownerId = study.integer(1);
-  record.resultStamp = study.integer(2);
-  record.settings = {study.number(3) != 0, static_cast<std::int16_t>(study.integer(4))};
+  record.ownerId = study.integer<std::int32_t>(1);
+  record.resultStamp = study.integer<std::int32_t>(2);
+  record.settings = {study.number(3) != 0, study.integer<std::int16_t>(4)};
   record.fourthDye = study.text(5).empty() ? '-' : study.text(5).front();
 
   Statement dyes = database_.prepare("SELECT color, is_visible FROM dye ORDER BY slot");
   for (DyeRecord& dye : record.dyes) {
     if (!dyes.next()) database_.failDamaged("a dye is missing");
-    dye = {static_cast<Colour>(dyes.number(0)), dyes.number(1) != 0};
+    dye = {dyes.integer<Colour>(0), dyes.number(1) != 0};
   }
   Statement results =
       database_.prepare("SELECT id, sample_name, is_excluded, is_deleted FROM result ORDER BY id");
   while (results.next()) {
-    record.results.push_back(
-        {results.integer(0), std::string(results.text(1)), results.number(2) != 0, results.number(3) != 0});
+    record.results.push_back({results.integer<std::int32_t>(0), std::string(results.text(1)),
+                              results.number(2) != 0, results.number(3) != 0});
   }
   return record;
 }
@@ -218,10 +225,17 @@ std::vector<ImportRecord> SqliteStore::readImports() {
   return imports;
 }
 
+std::int32_t SqliteStore::newAnalysisId() {
+  if (lastAnalysisId_ == std::numeric_limits<std::int32_t>::max())
+    raise(ErrorNumber::Overflow, "Store",
+          fmt::format("{}: it has no number left for an analysis", database_.file()));
+  return ++lastAnalysisId_;
+}
+
 std::vector<std::int32_t> SqliteStore::analysisIds() {
   std::vector<std::int32_t> ids;
   Statement rows = database_.prepare("SELECT id FROM analysis ORDER BY position");
-  while (rows.next()) ids.push_back(rows.integer(0));
+  while (rows.next()) ids.push_back(rows.integer<std::int32_t>(0));
   return ids;
 }
 

@@ -37,7 +37,7 @@ class SqliteStore final : public Store {
   std::vector<ResultRecord> addResults(const StudyRecord& record, const std::vector<NewResult>& results,
                                        const std::optional<ImportRecord>& import) override;
   std::vector<ImportRecord> readImports() override;
-  std::int32_t newAnalysisId() override { return ++lastAnalysisId_; }
+  std::int32_t newAnalysisId() override;
   std::vector<std::int32_t> analysisIds() override;
   AnalysisSnapshot readAnalysis(std::int32_t id) override;
   void writeAnalysis(const AnalysisSnapshot& snapshot) override;

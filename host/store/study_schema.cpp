@@ -2,6 +2,8 @@
 
 #include <array>
 #include <fmt/format.h>
+#include <string>
+#include <vector>
 
 #include "plugin/base/error.h"
 
@@ -132,6 +134,23 @@ CREATE TABLE layout_column (
 
 constexpr std::array kSteps{kFirstVersion};
 
+// The tables, and whatever else a file may hold beside rows, in the words that made them.
+std::vector<std::string> schemaOf(const sqlite::Database& database) {
+  std::vector<std::string> parts;
+  sqlite::Statement rows = database.prepare(
+      "SELECT type || ' ' || coalesce(sql, name) FROM sqlite_schema WHERE name NOT LIKE 'sqlite@_%' ESCAPE "
+      "'@' "
+      "ORDER BY name");
+  while (rows.next()) parts.emplace_back(rows.text(0));
+  return parts;
+}
+
+std::vector<std::string> schemaAfter(SchemaSteps steps) {
+  sqlite::Database database(":memory:", SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, "memory");
+  for (const char* step : steps) database.execute(step);
+  return schemaOf(database);
+}
+
 std::int64_t versionOf(const sqlite::Database& database) { return database.number("PRAGMA user_version"); }
 
 }  // namespace
@@ -153,6 +172,9 @@ void requireStudy(const sqlite::Database& database, SchemaSteps steps) {
         fmt::format("it was made by a newer version of Banddesk (study format {}; this one knows up to {})",
                     version, steps.size()));
   if (version < 1) refuse("it is no study: it has no tables");
+  // Views, triggers, tables without our rules: somebody made them, and not to keep a study.
+  if (schemaOf(database) != schemaAfter(steps.first(static_cast<std::size_t>(version))))
+    refuse("it is no study as this program makes it: its tables are others");
 }
 
 bool isOutdated(const sqlite::Database& database, SchemaSteps steps) {

@@ -22,7 +22,7 @@ void FaultInjector::startRecording() {
 }
 
 void FaultInjector::checkActive(std::string_view type, std::string_view member) {
-  if (isRecording_) recorded_.emplace(type, member);
+  if (isRecording_) ++recorded_[{std::string(type), std::string(member)}];
   if (!armed_ || hasFailed_ || armed_->type != type || armed_->member != member) return;
   if (--armed_->callsLeft > 0) return;
   hasFailed_ = true;

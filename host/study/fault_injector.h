@@ -2,8 +2,8 @@
 // objects all ask here before they act. Nothing fails and nothing is kept unless a test arms it.
 #pragma once
 
+#include <map>
 #include <optional>
-#include <set>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -29,9 +29,9 @@ class FaultInjector final : public AccessGuard {
   bool hasFailed() const { return hasFailed_; }
   void disarm();
 
-  // From now on notes every operation that is used.
+  // From now on counts the uses of every operation.
   void startRecording();
-  const std::set<Operation>& recorded() const { return recorded_; }
+  const std::map<Operation, int>& recorded() const { return recorded_; }
 
  private:
   struct Armed {
@@ -47,7 +47,7 @@ class FaultInjector final : public AccessGuard {
   bool isRecording_ = false;
   bool hasFailed_ = false;
   std::optional<Armed> armed_;
-  std::set<Operation> recorded_;
+  std::map<Operation, int> recorded_;
 };
 
 // Puts a plain collection of the host under the same seam.

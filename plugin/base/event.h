@@ -47,6 +47,7 @@ class Event {
 
   [[nodiscard]] Connection connect(Listener listener) {
     auto alive = std::make_shared<bool>(true);
+    dropEnded(*slots_);  // an event that is never raised would keep them all
     slots_->push_back(std::make_shared<Slot>(Slot{alive, std::move(listener)}));
     return Connection(std::move(alive));
   }
@@ -59,7 +60,7 @@ class Event {
     for (const auto& slot : listening) {
       if (*slot->alive) slot->listener(args...);
     }
-    std::erase_if(*slots, [](const auto& each) { return !*each->alive; });
+    dropEnded(*slots);
   }
 
  private:
@@ -68,6 +69,10 @@ class Event {
     Listener listener;
   };
   using Slots = std::vector<std::shared_ptr<Slot>>;
+
+  static void dropEnded(Slots& slots) {
+    std::erase_if(slots, [](const auto& each) { return !*each->alive; });
+  }
 
   std::shared_ptr<Slots> slots_ = std::make_shared<Slots>();
 };

@@ -50,9 +50,10 @@ const std::vector<Room> rooms = {
     {"desktop", {"desktop/"}, {"framework"}},
 };
 
-// Tests and benchmarks look into every room; of them only the includes of Qt are judged.
-const Names watchers = {"tests/", "bench/", "fuzz/", "examples/"};
-const Names seesQt = {"desktop/", "tests/desktop/"};
+// Tests, benchmarks and tools look into every room; of them only the includes of Qt are judged.
+const Names watchers = {"tests/", "bench/", "fuzz/", "examples/", "tools/"};
+const Names seesQt = {"desktop/", "tests/desktop/", "tests/road/", "packaging/",
+                      "tools/",   "bench/desktop_", "bench/views_"};
 
 const std::set<std::string> standardHeaders = words(R"(
 algorithm any array atomic barrier bit bitset charconv chrono codecvt compare complex concepts

@@ -5,6 +5,8 @@
 #include <numeric>
 #include <sstream>
 
+#include "tests/plugin/guarded_grid.h"
+
 namespace banddesk::test {
 namespace {
 
@@ -56,13 +58,21 @@ class ScriptedCalculator final : public BinCalculator {
   double width_ = 0, threshold_ = 0;
 };
 
-host::HostSettings settings(const std::shared_ptr<CalculatorDesk>& calculators) {
+// Without calculators of a script: the host's own.
+host::HostSettings settings(const std::shared_ptr<CalculatorDesk>& calculators,
+                            const std::shared_ptr<host::FaultInjector*>& guards) {
   host::HostSettings made;
-  made.makeGrid = [](const std::string& name) { return std::make_shared<host::GridControl>(name); };
-  // A page makes its calculators dye by dye.
-  made.makeBinCalculator = [calculators, next = 0]() mutable {
-    return std::make_shared<ScriptedCalculator>(calculators, next++ % 4);
+  made.makeGrid = [guards](const std::string& name) -> std::shared_ptr<Grid> {
+    auto grid = std::make_shared<host::GridControl>(name);
+    if (*guards == nullptr) return grid;
+    return std::make_shared<GuardedGrid>(**guards, std::move(grid));
   };
+  if (calculators) {
+    // A page makes its calculators dye by dye.
+    made.makeBinCalculator = [calculators, next = 0]() mutable {
+      return std::make_shared<ScriptedCalculator>(calculators, next++ % 4);
+    };
+  }
   made.applicationPath = "/opt/desk/bin";
   made.codeSet = "UTF-8";
   return made;
@@ -70,7 +80,7 @@ host::HostSettings settings(const std::shared_ptr<CalculatorDesk>& calculators) 
 
 }  // namespace
 
-Desk::Desk(Script script, std::vector<std::string> samples) : host(settings(calculators)) {
+Desk::Desk(Script script, std::vector<std::string> samples) : host(settings(calculators, guards_)) {
   calculators->script = std::move(script);
   std::vector<host::NewResult> results;
   for (const std::string& sample : samples) {
@@ -79,6 +89,12 @@ Desk::Desk(Script script, std::vector<std::string> samples) : host(settings(calc
     for (auto& dye : result.fragments.dyes) dye = {{100 + static_cast<double>(results.size())}, {500}};
   }
   store = std::make_shared<host::MemoryStore>("Plants", std::move(results));
+  host.loadComponent(BANDDESK_PLUGIN);
+}
+
+Desk::Desk(std::vector<host::NewResult> results)
+    : store(std::make_shared<host::MemoryStore>("Plants", std::move(results))),
+      host(settings(nullptr, guards_)) {
   host.loadComponent(BANDDESK_PLUGIN);
 }
 
@@ -115,7 +131,10 @@ IAFLPResultsPage& Desk::page() { return dynamic_cast<IAFLPResultsPage&>(*pageNam
 
 AFLP& Desk::analysis() { return dynamic_cast<AFLP&>(*pageNamed("AFLP")->bound()); }
 
-host::GridControl& Desk::grid() { return control<host::GridControl>("grdAFLP"); }
+host::GridControl& Desk::grid() {
+  if (auto* guarded = page().Controls().find<GuardedGrid>("grdAFLP")) return guarded->inner();
+  return control<host::GridControl>("grdAFLP");
+}
 
 std::string Desk::visibleTable() {
   host::GridControl& grid = this->grid();

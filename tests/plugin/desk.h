@@ -40,6 +40,8 @@ struct CalculatorDesk {
 class Desk {
  public:
   explicit Desk(Script script = {}, std::vector<std::string> samples = {"a", "b", "c"});
+  // With the host's own calculators and results that have fragments of their own.
+  explicit Desk(std::vector<host::NewResult> results);
 
   // Opens the study; every sample has one fragment of 100 nt in each dye.
   void openStudy();
@@ -73,8 +75,16 @@ class Desk {
   // The visible table as text, a line a row, cells separated by blanks; "*" behind a grey cell.
   std::string visibleTable();
 
+  // From now on the grids of new pages fail where the host's operations do.
+  void guardGrids() { *guards_ = &host.faults(); }
+
   std::shared_ptr<CalculatorDesk> calculators = std::make_shared<CalculatorDesk>();
   std::shared_ptr<host::MemoryStore> store;
+
+ private:
+  std::shared_ptr<host::FaultInjector*> guards_ = std::make_shared<host::FaultInjector*>(nullptr);
+
+ public:
   host::Host host;
 };
 

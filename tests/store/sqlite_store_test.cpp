@@ -182,6 +182,78 @@ TEST(StudyFile, SaysWhenAStoredValueIsDamaged) {
   EXPECT_THAT(messageOf([&] { store.readAnalysis(1); }), HasSubstr("no layout of dyes"));
 }
 
+// What a stranger may have put into a study file: nothing of it runs, and the file is refused untouched.
+TEST(StudyFile, IsDataOfWhichNothingRuns) {
+  for (const char* spoil : {
+           "CREATE TRIGGER t AFTER UPDATE ON study BEGIN DELETE FROM result; DELETE FROM analysis; END",
+           "CREATE VIEW extra AS SELECT load_extension('/tmp/x.so')",
+           "ALTER TABLE result RENAME TO kept; CREATE VIEW result AS SELECT * FROM kept",
+           "CREATE VIRTUAL TABLE other USING fts5(words)",
+           "ALTER TABLE study ADD COLUMN more TEXT GENERATED ALWAYS AS (hex(zeroblob(900000))) VIRTUAL",
+           "CREATE INDEX extra ON result(sample_name)",
+       }) {
+    SCOPED_TRACE(spoil);
+    StoreFolder folder;
+    const std::string file = studyAfter(folder, 5);
+    sqlite3* stranger = nullptr;
+    ASSERT_EQ(sqlite3_open(file.c_str(), &stranger), SQLITE_OK);
+    ASSERT_EQ(sqlite3_exec(stranger, spoil, nullptr, nullptr, nullptr), SQLITE_OK)
+        << sqlite3_errmsg(stranger);
+    sqlite3_close(stranger);
+    const std::string before = bytesOf(file);
+    for (const auto access : {SqliteStore::Access::Write, SqliteStore::Access::Read})
+      EXPECT_EQ(messageOf([&] { SqliteStore(file, access); }),
+                file + ": it is no study as this program makes it: its tables are others");
+    EXPECT_TRUE(bytesOf(file) == before);
+    // Nor would it run if the tables were not looked at.
+    sqlite::Database database(file, SQLITE_OPEN_READWRITE, file);
+    messageOf([&] { database.execute("UPDATE study SET name = 'other'"); });
+    EXPECT_EQ(messageOf([&] { EXPECT_EQ(database.number("SELECT count(*) FROM analysis"), 2); }), "");
+    EXPECT_THAT(messageOf([&] { database.execute("SELECT load_extension('/tmp/x.so')"); }), Not(IsEmpty()));
+    EXPECT_THAT(messageOf([&] { database.execute("ATTACH '/tmp/x' AS x"); }), HasSubstr("attached"));
+  }
+}
+
+// Values that the tables forbid, in a file whose tables look as they should.
+TEST(StudyFile, SaysWhenAValueIsNoneOfItsType) {
+  struct Case {
+    const char* change;
+    const char* message;
+  };
+  for (const Case& one : {Case{"UPDATE study SET result_stamp = 'x'", "result_stamp is of another type"},
+                          {"UPDATE study SET name = x'41'", "name is of another type"},
+                          {"UPDATE study SET display_view_index = 70000", "out of its range (70000)"},
+                          {"UPDATE dye SET color = -1", "out of its range (-1)"},
+                          {"UPDATE result SET id = 5000000000 WHERE id = 3", "out of its range (5000000000)"},
+                          {"UPDATE analysis SET max_bin_width = 'wide'", "max_bin_width is of another type"},
+                          {"UPDATE analysis SET y_threshold = 4294967297", "out of its range (4294967297)"},
+                          {"UPDATE layout_column SET width = x'00'", "width is of another type"},
+                          {"UPDATE fragments SET peaks = 'x'", "peaks is of another type"}}) {
+    SCOPED_TRACE(one.change);
+    StoreFolder folder;
+    const std::string file = studyAfter(folder, 5);
+    sqlite3* stranger = nullptr;
+    ASSERT_EQ(sqlite3_open(file.c_str(), &stranger), SQLITE_OK);
+    const std::string all =
+        std::string(
+            "CREATE TEMP TABLE words AS SELECT name, sql FROM main.sqlite_schema; PRAGMA writable_schema = "
+            "ON;"
+            "UPDATE sqlite_master SET sql = replace(replace(sql, ') STRICT, ', ') '), ') STRICT', ')');"
+            "PRAGMA writable_schema = RESET;") +
+        one.change +
+        "; PRAGMA writable_schema = ON; UPDATE sqlite_master SET sql = "
+        "(SELECT sql FROM words WHERE words.name = sqlite_master.name)";
+    ASSERT_EQ(sqlite3_exec(stranger, all.c_str(), nullptr, nullptr, nullptr), SQLITE_OK)
+        << sqlite3_errmsg(stranger);
+    sqlite3_close(stranger);
+    EXPECT_THAT(messageOf([&] {
+                  SqliteStore store(file);
+                  stateOf(store);
+                }),
+                HasSubstr(one.message));
+  }
+}
+
 TEST(StudyFile, IsMadeOnlyWhereThereIsNone) {
   StoreFolder folder;
   const std::string file = studyAfter(folder, 3);
@@ -319,6 +391,40 @@ TEST(StudyFile, SaysThatTheDiskIsFullAndKeepsTheOldState) {
       });
   if (message.starts_with("cannot prepare")) GTEST_SKIP() << "no file system may be mounted here";
   EXPECT_THAT(message, StartsWith(folder.file("a.study") + ": the disk is full | "));
+}
+
+TEST(StudyFile, IsNotSavedIntoNothingWhenItsFileOrFolderGoesAwayWhileOpen) {
+  using Go = std::function<void(const StoreFolder&, const std::string&)>;
+  const std::vector<std::pair<Go, Go>> cases = {
+      {[](const StoreFolder& folder, const std::string& file) { fs::rename(file, folder.file("b")); },
+       [](const StoreFolder& folder, const std::string& file) { fs::rename(folder.file("b"), file); }},
+      {[](const StoreFolder& folder, const std::string&) {
+         fs::rename(folder.path(), folder.path().string() + "x");
+       },
+       [](const StoreFolder& folder, const std::string&) {
+         fs::rename(folder.path().string() + "x", folder.path());
+       }},
+      {[](const StoreFolder& folder, const std::string& file) {
+         fs::rename(file, folder.file("b"));
+         writeBytes(file, "another");
+       },
+       [](const StoreFolder& folder, const std::string& file) { fs::rename(folder.file("b"), file); }},
+  };
+  for (const auto& [goAway, comeBack] : cases) {
+    StoreFolder folder;
+    const std::string file = studyAfter(folder, 5);
+    {
+      SqliteStore store(file);
+      const StudyState before = stateOf(store);
+      goAway(folder, file);
+      EXPECT_EQ(messageOf([&] { takeStep(store, 5); }),
+                file + ": it cannot be saved: the file was moved or deleted while it was open");
+      EXPECT_TRUE(stateOf(store) == before);
+      comeBack(folder, file);
+      takeStep(store, 5);
+    }
+    EXPECT_EQ(stepsTaken(*std::make_unique<SqliteStore>(file)), 6);
+  }
 }
 
 TEST(StudyFile, IsBroughtUpToDateInOneTransaction) {

@@ -1,0 +1,48 @@
+// The host with the study file that is open in it: what a desktop does with a study as a whole. It has no
+// widget; who shows the study is told of each change.
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <string>
+
+#include "host/framework/host.h"
+#include "host/framework/study_import.h"
+#include "host/grid/grid_ports.h"
+
+namespace banddesk::desktop {
+
+class Workbench {
+ public:
+  // Loads the component beside the executable. The grids of all pages share the ports.
+  explicit Workbench(const host::GridPorts& ports);
+
+  host::Host& host() { return host_; }
+  bool isOpen() { return host_.study().isOpen(); }
+  // Of the open study; empty without one.
+  const std::filesystem::path& path() const { return path_; }
+  std::string studyName();
+  // Without those that were deleted.
+  std::int32_t resultCount();
+  // Whether anything waits to be saved.
+  bool isModified();
+  std::shared_ptr<Study> study() { return host_.study().Study(); }
+
+  // Both leave the study that is open as it is until the other one can be opened; then it is closed, and what
+  // is unsaved in it is lost.
+  void create(const std::filesystem::path& path);
+  void open(const std::filesystem::path& path);
+  void close();
+  host::ImportOutcome import(const host::ImportRequest& request, const host::import::Progress& progress);
+
+  std::function<void()> onChange;  // another study, or other results in it
+
+ private:
+  void changed() const;
+
+  host::Host host_;
+  std::filesystem::path path_;
+  Connection resultChanges_;
+};
+
+}  // namespace banddesk::desktop

@@ -1,0 +1,34 @@
+// The samples of a view as a list: checked ones are shown, the selected one stands out.
+#pragma once
+
+#include <QListWidget>
+#include <QWidget>
+#include <functional>
+#include <optional>
+#include <vector>
+
+#include "desktop/views/trace_model.h"
+
+namespace banddesk::desktop {
+
+class SampleList final : public QWidget {
+  Q_OBJECT
+
+ public:
+  SampleList(const TraceSet& traces, QWidget* parent);
+
+  std::vector<std::size_t> checked() const;
+  std::optional<std::size_t> selected() const;  // if it is checked
+  void checkAll(bool isChecked);
+
+  std::function<void()> onCheck;
+  std::function<void()> onSelect;
+
+  QSize sizeHint() const override;
+
+ private:
+  QListWidget* list_;
+  bool isFilling_ = true;
+};
+
+}  // namespace banddesk::desktop

@@ -1,0 +1,120 @@
+#include "desktop/views/table_link.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "plugin/base/numbers.h"
+
+namespace banddesk::desktop {
+
+TableLink::TableLink(host::Host& host, std::vector<std::int32_t> resultIds, QObject* parent)
+    : QObject(parent), host_(host), resultIds_(std::move(resultIds)) {
+  later_.setSingleShot(true);
+  connect(&later_, &QTimer::timeout, this, [this] { refresh(); });
+}
+
+bool TableLink::holdsResults(const host::HostPage& page) const {
+  if (page.DefinitionName() != "AFLP" || !page.control()) return false;
+  const auto* analysis = dynamic_cast<const AFLP*>(page.bound().get());
+  return analysis != nullptr && !resultIds_.empty() && std::ranges::all_of(resultIds_, [&](std::int32_t id) {
+           return analysis->Results.holdsKey(integerText(id));
+         });
+}
+
+void TableLink::look() {
+  if (isLinked()) return;
+  const auto& open = host_.pages().openPages();
+  const auto found =
+      std::find_if(open.rbegin(), open.rend(), [this](const auto& page) { return holdsResults(*page); });
+  if (found != open.rend()) guarded([&] { follow(*found); });
+}
+
+void TableLink::follow(const std::shared_ptr<host::HostPage>& page) {
+  page_ = page;
+  connections_.clear();
+  connections_.push_back(grid().Repaint.connect([this] { later_.start(0); }));
+  connections_.push_back(page->base()->Terminate.connect([this] { leave(); }));
+  refresh();
+}
+
+void TableLink::leave() {
+  page_.reset();
+  connections_.clear();
+  take({});
+}
+
+std::shared_ptr<host::HostPage> TableLink::page() const {
+  auto page = page_.lock();
+  return page && page->control() ? page : nullptr;
+}
+
+IAFLPResultsPage& TableLink::table() const {
+  const auto open = page();
+  return required(dynamic_cast<IAFLPResultsPage*>(required(open, "Page").control().get()), "AFLPResultsPage");
+}
+
+host::GridControl& TableLink::grid() const {
+  return required(table().Controls().find<host::GridControl>("grdAFLP"), "Grid");
+}
+
+// A table repaints for every click in it; most of them change no bin.
+void TableLink::take(Bands bands) {
+  later_.stop();
+  if (bands == *bands_) return;
+  bands_ = std::make_shared<const Bands>(std::move(bands));
+  if (onChange) onChange();
+}
+
+// What is called from the toolkit ends here.
+void TableLink::guarded(const std::function<void()>& work) const {
+  try {
+    work();
+  } catch (...) {
+    const Error error = currentError();
+    if (showError) showError(error);
+  }
+}
+
+void TableLink::refresh() {
+  if (!isLinked()) return;
+  guarded([&] { take(binBands(table())); });
+}
+
+void TableLink::select(std::int32_t row) {
+  if (!isLinked()) return;
+  guarded([&] {
+    host::GridControl& grid = this->grid();
+    if (table().Transpose()) {
+      grid.SetCurrentCell(1, row);
+      grid.selectCols(row, row);
+    } else {
+      grid.SetCurrentCell(row, 1);
+      grid.selectRows(row, row);
+    }
+  });
+}
+
+void TableLink::toggleExcluded(std::int32_t row) {
+  if (!isLinked()) return;
+  select(row);
+  const auto open = page();
+  guarded([&] { host_.pages().userEvent(*open, [&] { chooseExclude(row); }); });
+  refresh();
+}
+
+// The menu's item acts on the cell of the last right click; its popup needs an answer, and nothing to look
+// at.
+void TableLink::chooseExclude(std::int32_t row) {
+  const bool isTransposed = table().Transpose();
+  const auto controls = page()->control();
+  auto& answers = host_.platform().popupAnswers;
+  const std::size_t waiting = answers.size();
+  bool isShown = false;
+  answers.emplace_front([&isShown](ui::MenuItem&, ui::MenuItem*) { isShown = true; });
+  grid().rightClick(isTransposed ? 1 : row, isTransposed ? row : 1);
+  if (answers.size() > waiting) answers.pop_front();
+  // Without its menu the item would act on some other cell; the page has reported why.
+  if (isShown) required(controls->Controls().find<ui::MenuItem>("mnuExcludeBin"), "MenuItem").choose();
+}
+
+}  // namespace banddesk::desktop

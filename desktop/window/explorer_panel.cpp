@@ -1,0 +1,229 @@
+#include "desktop/window/explorer_panel.h"
+
+#include <QContextMenuEvent>
+#include <QHeaderView>
+#include <QLineEdit>
+#include <QMenu>
+#include <QStyledItemDelegate>
+#include <QTimer>
+#include <algorithm>
+#include <vector>
+
+#include "desktop/base/qt_text.h"
+
+namespace banddesk::desktop {
+namespace {
+
+constexpr int kResultRole = Qt::UserRole + 1;
+constexpr int kExcludedRole = Qt::UserRole + 2;
+
+}  // namespace
+
+// The editor of a name. The host judges a new name, perhaps with a message: only after the editor is closed.
+class NameEditor final : public QStyledItemDelegate {
+ public:
+  explicit NameEditor(ExplorerPanel& panel) : QStyledItemDelegate(&panel), panel_(panel) {
+    connect(this, &QAbstractItemDelegate::closeEditor, this,
+            [this](QWidget*, QAbstractItemDelegate::EndEditHint hint) {
+              if (hint != QAbstractItemDelegate::RevertModelCache) return;
+              QTimer::singleShot(0, &panel_, [this] { panel_.cancelEdit(); });
+            });
+  }
+
+  void setModelData(QWidget* editor, QAbstractItemModel*, const QModelIndex&) const override {
+    const QString text = static_cast<const QLineEdit*>(editor)->text();
+    QTimer::singleShot(0, &panel_, [this, text] { panel_.endEdit(text); });
+  }
+
+ private:
+  ExplorerPanel& panel_;
+};
+
+ExplorerPanel::ExplorerPanel(Workbench& workbench, QWidget* parent)
+    : QTreeWidget(parent), workbench_(workbench) {
+  setHeaderHidden(true);
+  setAccessibleName(QStringLiteral("Explorer"));
+  setEditTriggers(QAbstractItemView::NoEditTriggers);
+  setItemDelegate(new NameEditor(*this));
+  setUniformRowHeights(true);
+  setExpandsOnDoubleClick(false);
+  connect(this, &QTreeWidget::itemActivated, this, [this](QTreeWidgetItem* item) { activate(item); });
+  workbench_.host().tree().onChange = [this] {
+    // Within a change the items may still be on their way in or out.
+    if (std::exchange(isRefreshWaiting_, true)) return;
+    QTimer::singleShot(0, this, [this] { refreshAnalyses(); });
+  };
+}
+
+QTreeWidgetItem* ExplorerPanel::makeGroup(const QString& name, QStyle::StandardPixmap icon) {
+  auto* group = new QTreeWidgetItem(root_, {name});
+  group->setIcon(0, style()->standardIcon(icon));
+  group->setExpanded(true);
+  return group;
+}
+
+void ExplorerPanel::refreshStudy() {
+  clear();
+  analyses_.clear();
+  root_ = results_ = folder_ = nullptr;
+  edited_ = nullptr;
+  if (!workbench_.isOpen()) return;
+  root_ = new QTreeWidgetItem(this, {toQString(workbench_.studyName())});
+  root_->setIcon(0, style()->standardIcon(QStyle::SP_DriveHDIcon));
+  QFont font = root_->font(0);
+  font.setBold(true);
+  root_->setFont(0, font);
+  root_->setExpanded(true);
+  folder_ = makeGroup(QStringLiteral("AFLP"), QStyle::SP_DirIcon);
+  results_ = makeGroup(QStringLiteral("Results"), QStyle::SP_DirIcon);
+  fillResults();
+  refreshAnalyses();
+}
+
+void ExplorerPanel::fillResults() {
+  QList<QTreeWidgetItem*> items;
+  for (const auto& result : workbench_.study()->Results) {
+    if (result->IsDeleted.get().value_or(false)) continue;
+    const bool isExcluded = result->IsExcluded.get().value_or(false);
+    auto* item = new QTreeWidgetItem({toQString(result->Sample->Name.get())});
+    item->setData(0, kResultRole, result->ResultID.get());
+    item->setData(0, kExcludedRole, isExcluded);
+    item->setIcon(0, style()->standardIcon(QStyle::SP_FileIcon));
+    if (isExcluded) {
+      QFont font = item->font(0);
+      font.setStrikeOut(true);
+      item->setFont(0, font);
+      item->setForeground(0, palette().brush(QPalette::Disabled, QPalette::Text));
+      item->setToolTip(0, QStringLiteral("Excluded: new analyses leave it out"));
+    }
+    items.append(item);
+  }
+  results_->setText(0, QStringLiteral("Results (%1)").arg(items.size()));
+  results_->addChildren(items);
+}
+
+void ExplorerPanel::refreshAnalyses() {
+  isRefreshWaiting_ = false;
+  const auto& tree = workbench_.host().tree();
+  if (folder_ == nullptr || !tree.folder()) return;
+  guarded([&] {
+    folder_->setText(0, toQString(tree.folder()->base->displayName()));
+    std::map<IExplorerItemAccess*, QTreeWidgetItem*> shown;
+    for (const auto& [item, analysis] : analyses_) shown[analysis.get()] = item;
+    std::map<QTreeWidgetItem*, Item> kept;
+    const host::HostExplorerTree::Node* toEdit = nullptr;
+    QTreeWidgetItem* editedItem = nullptr;
+    for (const auto& node : tree.children()) {
+      QTreeWidgetItem*& item = shown[node.item.get()];
+      if (item == nullptr) {
+        item = new QTreeWidgetItem(folder_);
+        item->setIcon(0, style()->standardIcon(QStyle::SP_FileDialogDetailedView));
+        item->setFlags(item->flags() | Qt::ItemIsEditable);
+      }
+      kept[item] = node.item;
+      if (!node.edited) {
+        item->setText(0, toQString(node.base->displayName()));
+      } else if (edited_ != node.item) {
+        toEdit = &node, editedItem = item;
+      }
+    }
+    for (const auto& [item, analysis] : analyses_) {
+      if (!kept.contains(item)) delete item;
+    }
+    analyses_ = std::move(kept);
+    if (toEdit != nullptr) beginEdit(*toEdit, *editedItem);
+  });
+}
+
+void ExplorerPanel::beginEdit(const host::HostExplorerTree::Node& node, QTreeWidgetItem& item) {
+  edited_ = node.item;
+  item.setText(0, toQString(*node.edited));
+  setCurrentItem(&item);
+  setFocus();
+  editItem(&item);
+}
+
+void ExplorerPanel::endEdit(const QString& text) {
+  if (!edited_) return;
+  const Item item = std::exchange(edited_, nullptr);
+  guarded([&] { workbench_.host().tree().endRename(item, toText(text)); });
+}
+
+void ExplorerPanel::cancelEdit() {
+  if (!edited_) return;
+  const Item item = std::exchange(edited_, nullptr);
+  guarded([&] { workbench_.host().tree().cancelRename(item); });
+}
+
+ExplorerPanel::Item ExplorerPanel::currentAnalysis() const {
+  const auto found = analyses_.find(currentItem());
+  return found == analyses_.end() ? nullptr : found->second;
+}
+
+void ExplorerPanel::activate(QTreeWidgetItem* item) {
+  if (const Item analysis = currentAnalysis(); analysis && state() != QAbstractItemView::EditingState) {
+    onCommand(analysis, "OpenAFLP");
+  } else if (item != nullptr && item->data(0, kResultRole).isValid()) {
+    onShowResult(item->data(0, kResultRole).toInt());
+  } else if (item != nullptr) {
+    item->setExpanded(!item->isExpanded());
+  }
+}
+
+void ExplorerPanel::keyPressEvent(QKeyEvent* event) {
+  const Item analysis = currentAnalysis();
+  if (analysis && event->key() == Qt::Key_F2) {
+    onCommand(analysis, "RenameAFLP");
+  } else if (analysis && event->key() == Qt::Key_Delete) {
+    onCommand(analysis, "DeleteAFLP");
+  } else {
+    QTreeWidget::keyPressEvent(event);
+  }
+}
+
+void ExplorerPanel::contextMenuEvent(QContextMenuEvent* event) {
+  QTreeWidgetItem* item =
+      event->reason() == QContextMenuEvent::Keyboard ? currentItem() : itemAt(event->pos());
+  QPoint where = event->globalPos();
+  if (event->reason() == QContextMenuEvent::Keyboard && item != nullptr)
+    where = viewport()->mapToGlobal(visualItemRect(item).center());
+  QMenu menu(this);
+  fillMenu(menu, item);
+  if (!menu.isEmpty()) menu.exec(where);
+}
+
+void ExplorerPanel::fillMenu(QMenu& menu, QTreeWidgetItem* item) {
+  if (item == nullptr) return;
+  if (analyses_.contains(item)) {
+    const Item analysis = analyses_.at(item);
+    const auto add = [&](const QString& caption, const char* command) {
+      menu.addAction(caption, this, [this, analysis, command] { onCommand(analysis, command); });
+    };
+    add(QStringLiteral("&Open"), "OpenAFLP");
+    menu.setDefaultAction(menu.actions().constFirst());
+    add(QStringLiteral("&Rename"), "RenameAFLP");
+    add(QStringLiteral("&Delete"), "DeleteAFLP");
+    menu.addSeparator();
+    add(QStringLiteral("New Re&port"), "NewReport");
+  } else if (item->data(0, kResultRole).isValid()) {
+    fillResultMenu(menu, *item);
+  } else {
+    menu.addAction(QStringLiteral("&New AFLP Analysis"), this, [this] { onNewAnalysis(); });
+    menu.addAction(QStringLiteral("&Import Peak Tables..."), this, [this] { onImport(); });
+  }
+}
+
+void ExplorerPanel::fillResultMenu(QMenu& menu, const QTreeWidgetItem& item) {
+  const std::int32_t id = item.data(0, kResultRole).toInt();
+  const bool isExcluded = item.data(0, kExcludedRole).toBool();
+  menu.addAction(QStringLiteral("Show Single &Result..."), this, [this, id] { onShowResult(id); });
+  menu.setDefaultAction(menu.actions().constFirst());
+  menu.addSeparator();
+  QAction* exclude = menu.addAction(QStringLiteral("&Exclude from New Analyses"), this,
+                                    [this, id, isExcluded] { onExcludeResult(id, !isExcluded); });
+  exclude->setCheckable(true);
+  exclude->setChecked(isExcluded);
+  menu.addAction(QStringLiteral("&Delete Result..."), this, [this, id] { onDeleteResult(id); });
+}
+
+}  // namespace banddesk::desktop

@@ -1,0 +1,62 @@
+// The explorer: the study with its results, and the folder of its analyses. It shows the host's tree and
+// edits names in place; what a command does is its owner's business.
+#pragma once
+
+#include <QTreeWidget>
+#include <functional>
+#include <map>
+#include <memory>
+
+#include "desktop/app/workbench.h"
+
+namespace banddesk::desktop {
+
+class ExplorerPanel final : public QTreeWidget {
+  Q_OBJECT
+ public:
+  ExplorerPanel(Workbench& workbench, QWidget* parent);
+
+  using Item = std::shared_ptr<IExplorerItemAccess>;
+
+  // A command of an analysis: "OpenAFLP" and the others that the host knows.
+  std::function<void(const Item&, const std::string& command)> onCommand;
+  std::function<void()> onNewAnalysis;
+  std::function<void()> onImport;
+  std::function<void(std::int32_t resultId, bool excluded)> onExcludeResult;
+  std::function<void(std::int32_t resultId)> onDeleteResult;
+  std::function<void(std::int32_t resultId)> onShowResult;
+  // A failure in the tree's own events: the end of an edit.
+  std::function<void(const std::function<void()>&)> guarded = [](const auto& work) { work(); };
+
+  // The analysis that is chosen; null where none is.
+  Item currentAnalysis() const;
+  // The study or its results have changed.
+  void refreshStudy();
+
+ protected:
+  void contextMenuEvent(QContextMenuEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+
+ private:
+  friend class NameEditor;
+
+  void activate(QTreeWidgetItem* item);
+  void refreshAnalyses();
+  void fillResults();
+  void beginEdit(const host::HostExplorerTree::Node& node, QTreeWidgetItem& item);
+  void endEdit(const QString& text);
+  void cancelEdit();
+  void fillMenu(class QMenu& menu, QTreeWidgetItem* item);
+  void fillResultMenu(QMenu& menu, const QTreeWidgetItem& item);
+  QTreeWidgetItem* makeGroup(const QString& name, QStyle::StandardPixmap icon);
+
+  Workbench& workbench_;
+  QTreeWidgetItem* root_ = nullptr;
+  QTreeWidgetItem* results_ = nullptr;
+  QTreeWidgetItem* folder_ = nullptr;
+  std::map<QTreeWidgetItem*, Item> analyses_;
+  Item edited_;
+  bool isRefreshWaiting_ = false;
+};
+
+}  // namespace banddesk::desktop

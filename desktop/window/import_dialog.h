@@ -1,0 +1,40 @@
+// Asks which peak tables come into the study and which of their dyes is the size standard. The tables are
+// read beforehand, so that the dye that looks like the standard is proposed and bad files are told at once.
+#pragma once
+
+#include <QDialog>
+#include <functional>
+#include <optional>
+
+#include "host/framework/study_import.h"
+
+class QCheckBox;
+class QComboBox;
+class QListWidget;
+class QPlainTextEdit;
+
+namespace banddesk::desktop {
+
+class ImportDialog final : public QDialog {
+  Q_OBJECT
+ public:
+  ImportDialog(const QStringList& files, QWidget* parent);
+
+  host::ImportRequest request() const;
+
+  static QStringList askFiles(QWidget* parent);
+
+ private:
+  void addFiles(const QStringList& files);
+  void removeChosen();
+  void look();
+  void propose(const host::import::Report& report);
+
+  QListWidget* files_;
+  QComboBox* ladder_;
+  QCheckBox* again_;
+  QPlainTextEdit* report_;
+  QPushButton* import_;
+};
+
+}  // namespace banddesk::desktop

@@ -1,0 +1,380 @@
+#include "desktop/window/main_window.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QDockWidget>
+#include <QLabel>
+#include <QMessageBox>
+#include <QMimeData>
+#include <QPushButton>
+#include <QScreen>
+#include <QSettings>
+#include <QStatusBar>
+
+#include "desktop/base/qt_text.h"
+#include "desktop/dialogs/column_sorter.h"
+#include "desktop/grid/grid_view.h"
+#include "desktop/pages/form_dialog.h"
+#include "desktop/pages/page_widget.h"
+#include "desktop/views/result_view_page.h"
+#include "desktop/window/report_window.h"
+#include "desktop/window/review_start.h"
+#include "plugin/base/numbers.h"
+
+namespace banddesk::desktop {
+namespace {
+
+constexpr const char* kParameters = "AFLPParams";
+constexpr const char* kResults = "AFLP";
+constexpr int kMessageTime = 8000;  // ms
+
+QString counted(std::int32_t count, const char* one, const char* many) {
+  return QString::number(count) + QLatin1Char(' ') + QLatin1String(count == 1 ? one : many);
+}
+
+QString geometryKey() { return QStringLiteral("window/geometry"); }
+QString stateKey() { return QStringLiteral("window/state"); }
+
+}  // namespace
+
+MainWindow::MainWindow(Workbench& workbench)
+    : workbench_(workbench),
+      guard_(workbench.host().framework(), *this),
+      progress_(new ProgressIndicator(this)),
+      commands_(workbench, guard_, *progress_, *this) {
+  setAcceptDrops(true);
+  makeDocks();
+  makeFileMenu();
+  makeAnalysisMenu();
+  makeTableMenu();
+  makeViewMenu();
+  makeHelpMenu();
+  makeToolBar();
+  summary_ = new QLabel(this);
+  statusBar()->addPermanentWidget(summary_);
+  statusBar()->addPermanentWidget(progress_);
+  commands_.tell = [this](const QString& line) { statusBar()->showMessage(line, kMessageTime); };
+  workbench_.onChange = [this] { studyChanged(); };
+  connectHost();
+  connectExplorer();
+  connectPages();
+  if (const QScreen* screen = QApplication::primaryScreen()) resize(screen->availableSize() * 4 / 5);
+  const QSettings settings;
+  restoreGeometry(settings.value(geometryKey()).toByteArray());
+  restoreState(settings.value(stateKey()).toByteArray());
+  errorDock_->hide();
+  studyChanged();
+}
+
+MainWindow::~MainWindow() {
+  host::Host& host = workbench_.host();
+  // While the widgets still stand: pages take leave of them.
+  try {
+    workbench_.close();
+  } catch (const std::exception&) {
+    // It is in the list of failures, which goes with the window.
+  }
+  workbench_.onChange = nullptr;
+  host.framework().onReport = nullptr;
+  host.progress().onChange = nullptr;
+  host.reports().onReport = nullptr;
+  host.tree().onChange = nullptr;
+  host.study().decideStale = nullptr;
+  host.pages().selectColumns = nullptr;
+  host.pages().sortColumns = nullptr;
+  // Before the registry, in which they are.
+  delete pages_;
+}
+
+void MainWindow::openFiles(const QStringList& files) {
+  commands_.openFiles(files);
+  updateState();
+}
+
+void MainWindow::connectHost() {
+  host::Host& host = workbench_.host();
+  progress_->follow(host.progress());
+  const auto help = [this](const std::string& topic) { help_.show(topic); };
+  FrontActions actions;
+  actions.userAction = [this](const auto& work) {
+    const Page page = pages_->currentPage();
+    page ? actionOn (*page)(work) : work();
+  };
+  actions.showHelp = help;
+  actions.popupPosition = [this] {
+    const Page page = pages_->currentPage();
+    const auto* content = page ? pages_->contentOf(*page) : nullptr;
+    const auto* table = content != nullptr ? content->findChild<GridView*>() : nullptr;
+    return table != nullptr ? table->menuPosition() : QCursor::pos();
+  };
+  actions.runForm = [this](ui::Form& form) { runForm(form, this); };
+  front_ = std::make_unique<PlatformFront>(host.platform(), this, registry_, std::move(actions));
+  host.framework().onReport = [this](const host::Report& report) { noteFailure(report); };
+  host.reports().onReport = [this](const auto& request, const auto& html) { showReport(request, html); };
+  host.study().decideStale = [this](const AFLP& analysis) { return decideStale(analysis); };
+  host.pages().selectColumns = [this, help](host::ColumnSelection& draft) {
+    return selectColumns(draft, help, this);
+  };
+  host.pages().sortColumns = [this, help](host::ColumnSorting& draft) {
+    return sortColumns(draft, help, this);
+  };
+}
+
+void MainWindow::connectExplorer() {
+  explorer_->guarded = [this](const auto& work) {
+    guard_.run(work);
+    updateState();
+  };
+  explorer_->onCommand = [this](const auto& item, const auto& command) { runCommand(item, command); };
+  explorer_->onNewAnalysis = [this] { newAnalysis(); };
+  explorer_->onImport = [this] { commands_.import(); };
+  explorer_->onShowResult = [this](std::int32_t id) { showResult(id); };
+  explorer_->onDeleteResult = [this](std::int32_t id) { deleteResult(id); };
+  explorer_->onExcludeResult = [this](std::int32_t id, bool excluded) {
+    guard_.run([&] { workbench_.host().study().setResultExcluded(id, excluded); });
+  };
+}
+
+void MainWindow::connectPages() {
+  pages_->guarded = [this](const auto& work) { return guard_.run(work); };
+  pages_->onClose = [this](const Page& page) { closePage(page); };
+  pages_->onReopen = [this](const Page& page) { reopenPage(page); };
+  pages_->onCurrent = [this] { updateState(); };
+  quality_->onBin = [this](std::int32_t row) { pointAt(Axis::Rows, row); };
+  quality_->onSample = [this](std::int32_t col) { pointAt(Axis::Columns, col); };
+}
+
+QWidget* MainWindow::makePageContent(host::HostPage& page, QWidget* parent) {
+  if (!page.control()) return makeViewPage(workbench_.host(), page, parent);
+  const std::weak_ptr<host::HostPage> weak = page.weak_from_this();
+  PageActions actions;
+  actions.accept = [this, weak] { acceptPage(weak.lock()); };
+  actions.cancel = [this, weak] { closePage(weak.lock()); };
+  actions.showError = [this](const Error& error) { guard_.tell(toQString(error.description())); };
+  actions.makeGrid = [this, userAction = actionOn(page)](host::GridControl& grid,
+                                                         QWidget* frame) -> QWidget* {
+    auto* view = new GridView(grid, frame);
+    view->setAccessibleName(QStringLiteral("AFLP table"));
+    view->userAction = userAction;
+    view->onError = [this](const Error& error) { guard_.tell(toQString(error.description())); };
+    return view;
+  };
+  return makePageWidget(workbench_.host(), page, registry_, actions, parent);
+}
+
+UserAction MainWindow::actionOn(const host::HostPage& page) {
+  return userActionOn(workbench_.host(), page,
+                      [this](const Error& error) { guard_.tell(toQString(error.description())); });
+}
+
+host::StaleAnalysis MainWindow::decideStale(const AFLP& analysis) {
+  QMessageBox box(QMessageBox::Question, QStringLiteral("AFLP Analysis"),
+                  QStringLiteral("The results of the study have changed since the analysis \"%1\" was made.")
+                      .arg(toQString(analysis.Name.get())),
+                  QMessageBox::Cancel, this);
+  box.setTextFormat(Qt::PlainText);
+  box.setInformativeText(QStringLiteral(
+      "Analyse again takes the present results, and new ones with them. Open as it was keeps to the "
+      "results that the analysis had."));
+  const QAbstractButton* again = box.addButton(QStringLiteral("&Analyse again"), QMessageBox::AcceptRole);
+  const QAbstractButton* asStored = box.addButton(QStringLiteral("&Open as it was"), QMessageBox::NoRole);
+  box.exec();
+  if (box.clickedButton() == again) return host::StaleAnalysis::Redo;
+  return box.clickedButton() == asStored ? host::StaleAnalysis::OpenAsStored : host::StaleAnalysis::DoNotOpen;
+}
+
+void MainWindow::showReport(const host::ReportRequest& request, const std::string& html) {
+  (new ReportWindow(toQString(request.contextName), toQString(html), this))->show();
+}
+
+void MainWindow::noteFailure(const host::Report& report) {
+  errors_->add(report);
+  if (report.module == "AFLPResultsPage") pages_->showFailure(toQString(report.error.description()));
+}
+
+void MainWindow::showHelp(const std::string& topic) { help_.show(topic); }
+
+void MainWindow::newAnalysis() {
+  guard_.run([&] { workbench_.host().runNewAnalysis(); });
+  updateState();
+}
+
+void MainWindow::runCommand(const ExplorerPanel::Item& item, const std::string& command) {
+  if (command == "DeleteAFLP") {
+    deleteAnalysis(item);
+  } else {
+    guard_.run([&] { workbench_.host().runCommand(item, command); });
+  }
+  updateState();
+}
+
+void MainWindow::deleteAnalysis(const ExplorerPanel::Item& item) {
+  host::Host& host = workbench_.host();
+  const QString name = toQString(cast<IAFLPExplorerItem>(item, "AFLPExplorerItem")->Name());
+  QMessageBox box(
+      QMessageBox::Question, QStringLiteral("Delete"),
+      QStringLiteral("Delete the analysis \"%1\"? It leaves the study's file at the next save.").arg(name),
+      QMessageBox::Yes | QMessageBox::No, this);
+  box.setTextFormat(Qt::PlainText);
+  if (box.exec() != QMessageBox::Yes) return;
+  guard_.run([&] {
+    host.runCommand(item, "DeleteAFLP");
+    // Its page would go on with an analysis that nobody can reach any more.
+    const auto open = host.pages().openPages();
+    for (const auto& page : open) {
+      const auto analysis = std::dynamic_pointer_cast<AFLP>(page->bound());
+      if (analysis && page->DefinitionName() == kResults &&
+          !workbench_.study()->AFLPs.holdsKey(analysis->collectionKey()))
+        host.pages().end(page, false);
+    }
+  });
+}
+
+void MainWindow::showResult(std::int32_t resultId) {
+  guard_.run([&] {
+    const auto result = workbench_.study()->Results.Item(integerText(resultId));
+    const auto shown = std::make_shared<Collection<ObjectRef>>();
+    shown->Add(result, "Result");
+    shown->Add(result->Sample->Data().Record(), "SampleData");
+    const auto page = workbench_.host().pages().OpenPage("SingleSample", shown, nullptr, true, true, true,
+                                                         true, true, true, nullptr, true, 0);
+    page->SetCaption(page->Caption() + " - " + result->Sample->Name.get());
+    page->Show();
+  });
+}
+
+void MainWindow::deleteResult(std::int32_t resultId) {
+  const QString name = toQString(workbench_.study()->Results.Item(integerText(resultId))->Sample->Name.get());
+  QMessageBox box(
+      QMessageBox::Question, QStringLiteral("Delete"),
+      QStringLiteral("Delete the result \"%1\" from the study? This is stored at once.").arg(name),
+      QMessageBox::Yes | QMessageBox::No, this);
+  box.setTextFormat(Qt::PlainText);
+  if (box.exec() != QMessageBox::Yes) return;
+  guard_.run([&] { workbench_.host().study().deleteResult(resultId); });
+}
+
+void MainWindow::acceptPage(const Page& page) {
+  if (!page) return;
+  guard_.run([&] { workbench_.host().pages().end(page, true); });
+  updateState();
+}
+
+// The results page hands its state to its analysis when it closes; any other page is left without accepting.
+void MainWindow::closePage(const Page& page) {
+  if (!page) return;
+  host::HostPageManager& pages = workbench_.host().pages();
+  guard_.run([&] {
+    if (page->DefinitionName() != kResults) return void(pages.end(page, false));
+    const auto analysis = cast<AFLP>(page->bound(), "AFLP");
+    if (!analysis->persistentState().IsDirty && !analysis->persistentState().IsNew)
+      return void(pages.end(page, false));
+    if (pages.end(page, true)) return;
+    QMessageBox box(
+        QMessageBox::Question, QStringLiteral("AFLP Analysis"),
+        QStringLiteral("A value on the page is not valid. Close the page without its last changes?"),
+        QMessageBox::Yes | QMessageBox::No, this);
+    if (box.exec() == QMessageBox::Yes) pages.end(page, false);
+  });
+  updateState();
+}
+
+void MainWindow::reopenPage(const Page& page) {
+  const auto analysis = cast<AFLP>(page->bound(), "AFLP");
+  guard_.run([&] {
+    workbench_.host().pages().end(page, false);
+    workbench_.host().service().OpenAFLP(analysis);
+  });
+  updateState();
+}
+
+// As if the item were taken from the popup menu over the table.
+void MainWindow::chooseOnPage(const char* menuItem) {
+  const Page page = pages_->currentPage();
+  if (!page || page->DefinitionName() != kResults) return;
+  auto* item = page->control()->Controls().find<ui::MenuItem>(menuItem);
+  if (item == nullptr) return;
+  guard_.run([&] { choose(*item, actionOn(*page)); });
+}
+
+// The bin of the table's chosen row, in an overlay in which the bins are gone through one by one.
+void MainWindow::reviewBin() {
+  const Page page = pages_->currentPage();
+  if (!page || page->DefinitionName() != kResults) return;
+  guard_.run([&] {
+    const auto analysis = cast<AFLP>(page->bound(), "AFLP");
+    const ReviewStart start =
+        reviewStart(*analysis, *cast<IAFLPResultsPage>(page->control(), "AFLPResultsPage"));
+    const auto opened = cast<host::HostPage>(
+        workbench_.host().pages().OpenPage("OverlayGraphView", start.results, nullptr, true, true, true, true,
+                                           true, true, nullptr, false, 0),
+        "Page");
+    if (auto* view = qobject_cast<ResultViewPage*>(pages_->contentOf(*opened))) view->showBin(start.row);
+  });
+}
+
+// Selects a line of the table in front, given in logical terms, and brings it into sight.
+void MainWindow::pointAt(Axis axis, std::int32_t line) {
+  const Page page = pages_->currentPage();
+  if (!page || page->DefinitionName() != kResults) return;
+  const auto results = cast<IAFLPResultsPage>(page->control(), "AFLPResultsPage");
+  auto& grid = required(results->Controls().find<host::GridControl>("grdAFLP"), "Grid");
+  if ((axis == Axis::Rows) != results->Transpose()) {
+    grid.SetCurrentCell(line, grid.currentCol());
+    grid.selectRows(line, line);
+  } else {
+    grid.SetCurrentCell(grid.currentRow(), line);
+    grid.selectCols(line, line);
+  }
+}
+
+void MainWindow::studyChanged() {
+  explorer_->refreshStudy();
+  updateState();
+}
+
+void MainWindow::updateState() {
+  const bool isOpen = workbench_.isOpen();
+  const Page page = pages_->currentPage();
+  const bool hasTable = page && page->DefinitionName() == kResults;
+  quality_->follow(page);
+  for (QAction* action : needStudy_) action->setEnabled(isOpen);
+  for (QAction* action : needTable_) action->setEnabled(hasTable);
+  const bool isModified = workbench_.isModified();
+  saveAction_->setEnabled(isModified);
+  newAnalysisAction_->setEnabled(isOpen);
+  tableMenu_->setEnabled(hasTable);
+  setWindowTitle(isOpen ? toQString(workbench_.studyName()) + QStringLiteral("[*] - Banddesk")
+                        : QStringLiteral("Banddesk"));
+  setWindowModified(isModified);
+  summary_->setText(isOpen ? counted(workbench_.resultCount(), "result", "results") + QStringLiteral(", ") +
+                                 counted(workbench_.study()->AFLPs.Count(), "analysis", "analyses")
+                           : QString());
+}
+
+void MainWindow::closeEvent(QCloseEvent* event) {
+  if (!commands_.mayLeave()) return event->ignore();
+  QSettings settings;
+  settings.setValue(geometryKey(), saveGeometry());
+  settings.setValue(stateKey(), saveState());
+  guard_.run([&] { workbench_.close(); });
+  event->accept();
+}
+
+void MainWindow::dragEnterEvent(QDragEnterEvent* event) {
+  if (event->mimeData()->hasUrls()) event->acceptProposedAction();
+}
+
+void MainWindow::dropEvent(QDropEvent* event) {
+  QStringList files;
+  for (const QUrl& url : event->mimeData()->urls()) {
+    if (url.isLocalFile()) files.append(url.toLocalFile());
+  }
+  event->acceptProposedAction();
+  // The program that the files come from waits for the end of the drop.
+  if (!files.isEmpty())
+    QMetaObject::invokeMethod(
+        this, [this, files] { openFiles(files); }, Qt::QueuedConnection);
+}
+
+}  // namespace banddesk::desktop

@@ -1,0 +1,110 @@
+// The window: explorer, pages, failures, and the commands that tie them together. It shows what the host has
+// and hands the user's commands on; questions and dialogs stand in rooms of their own.
+#pragma once
+
+#include <QMainWindow>
+#include <memory>
+
+#include "desktop/app/workbench.h"
+#include "desktop/base/widget_registry.h"
+#include "desktop/dialogs/platform_front.h"
+#include "desktop/help/help_window.h"
+#include "desktop/quality/quality_panel.h"
+#include "desktop/window/error_panel.h"
+#include "desktop/window/explorer_panel.h"
+#include "desktop/window/guard.h"
+#include "desktop/window/page_area.h"
+#include "desktop/window/progress_indicator.h"
+#include "desktop/window/study_commands.h"
+
+class QActionGroup;
+class QLabel;
+
+namespace banddesk::desktop {
+
+class MainWindow final : public QMainWindow {
+  Q_OBJECT
+ public:
+  explicit MainWindow(Workbench& workbench);
+  ~MainWindow() override;
+
+  // As from a command line or a drop: studies open, other files are imported.
+  void openFiles(const QStringList& files);
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+  void dragEnterEvent(QDragEnterEvent* event) override;
+  void dropEvent(QDropEvent* event) override;
+
+ private:
+  using Page = std::shared_ptr<host::HostPage>;
+
+  // ---- making (main_window_menus.cpp)
+  void makeDocks();
+  void makeFileMenu();
+  void makeAnalysisMenu();
+  void makeTableMenu();
+  void makeViewMenu();
+  void makeHelpMenu();
+  void makeToolBar();
+  QAction* addCommand(QMenu& menu, const QString& text, const QKeySequence& keys, std::function<void()> work);
+  void fillRecent();
+  void fillReports();
+  void fillTable();
+
+  // ---- the host's wishes
+  void connectHost();
+  void connectExplorer();
+  void connectPages();
+  QWidget* makePageContent(host::HostPage& page, QWidget* parent);
+  host::StaleAnalysis decideStale(const AFLP& analysis);
+  void showReport(const host::ReportRequest& request, const std::string& html);
+  void noteFailure(const host::Report& report);
+  void showHelp(const std::string& topic);
+
+  // ---- commands
+  void newAnalysis();
+  void runCommand(const ExplorerPanel::Item& item, const std::string& command);
+  void deleteAnalysis(const ExplorerPanel::Item& item);
+  void showResult(std::int32_t resultId);
+  void deleteResult(std::int32_t resultId);
+  void acceptPage(const Page& page);
+  void closePage(const Page& page);
+  void reopenPage(const Page& page);
+  void chooseOnPage(const char* menuItem);
+  void pointAt(Axis axis, std::int32_t line);
+  void reviewBin();
+  // How the user's acts reach a page.
+  UserAction actionOn(const host::HostPage& page);
+
+  void studyChanged();
+  void updateState();
+
+  Workbench& workbench_;
+  Guard guard_;
+  WidgetRegistry registry_;
+  ProgressIndicator* progress_;
+  StudyCommands commands_;
+  ExplorerPanel* explorer_ = nullptr;
+  PageArea* pages_ = nullptr;
+  ErrorPanel* errors_ = nullptr;
+  QualityPanel* quality_ = nullptr;
+  QDockWidget* explorerDock_ = nullptr;
+  QDockWidget* errorDock_ = nullptr;
+  QDockWidget* qualityDock_ = nullptr;
+  QLabel* failures_ = nullptr;
+  QLabel* summary_ = nullptr;
+  QMenu* recentMenu_ = nullptr;
+  QMenu* reportMenu_ = nullptr;
+  QMenu* tableMenu_ = nullptr;
+  QMenu* viewMenu_ = nullptr;
+  std::vector<QAction*> needStudy_;
+  std::vector<QAction*> needTable_;
+  QAction* saveAction_ = nullptr;
+  QAction* review_ = nullptr;
+  QAction* newAnalysisAction_ = nullptr;
+  HelpDesk help_;
+  std::unique_ptr<PlatformFront> front_;
+};
+
+}  // namespace banddesk::desktop

@@ -1,0 +1,129 @@
+#include "desktop/window/study_commands.h"
+
+#include <QFileDialog>
+#include <QMessageBox>
+#include <QSettings>
+
+#include "desktop/base/qt_text.h"
+#include "desktop/dialogs/save_choice.h"
+#include "desktop/window/import_dialog.h"
+#include "host/store/sqlite_store.h"
+
+namespace banddesk::desktop {
+namespace {
+
+QString extension() { return toQString(host::kStudyExtension); }
+QString studyFilter() { return QStringLiteral("Studies (*") + extension() + QLatin1Char(')'); }
+QString folderKey() { return QStringLiteral("studyFolder"); }
+QString studyFolder() { return QSettings().value(folderKey(), QDir::homePath()).toString(); }
+
+std::filesystem::path toPath(const QString& path) { return toText(path); }
+
+}  // namespace
+
+bool StudyCommands::createAsked() { return mayLeave() && create(QStringLiteral("New study")); }
+
+bool StudyCommands::create(const QString& suggestion) {
+  QString path =
+      QFileDialog::getSaveFileName(&window_, QStringLiteral("New Study"),
+                                   QDir(studyFolder()).filePath(suggestion + extension()), studyFilter());
+  if (path.isEmpty()) return false;
+  if (QFileInfo(path).suffix().isEmpty()) path += extension();
+  return guard_.run([&] {
+    if (QFileInfo::exists(path))
+      raise(ErrorNumber::PermissionDenied, "Study",
+            toText(path) +
+                ": there is such a file already; a study is never overwritten. Choose another name.");
+    workbench_.create(toPath(path));
+    QSettings().setValue(folderKey(), QFileInfo(path).absolutePath());
+    recent_.add(QFileInfo(path).absoluteFilePath());
+  });
+}
+
+bool StudyCommands::openAsked() {
+  const QString path = QFileDialog::getOpenFileName(&window_, QStringLiteral("Open Study"), studyFolder(),
+                                                    studyFilter() + QStringLiteral(";;All files (*)"));
+  return !path.isEmpty() && open(path);
+}
+
+bool StudyCommands::open(const QString& path) {
+  if (!mayLeave()) return false;
+  return guard_.run([&] {
+    workbench_.open(toPath(path));
+    QSettings().setValue(folderKey(), QFileInfo(path).absolutePath());
+    recent_.add(QFileInfo(path).absoluteFilePath());
+    const std::string why = workbench_.host().study().whyReadOnly();
+    if (!why.empty()) tell(QStringLiteral("The study is open for reading only: ") + toQString(why));
+  });
+}
+
+bool StudyCommands::import(QStringList files) {
+  if (files.isEmpty()) files = ImportDialog::askFiles(&window_);
+  if (files.isEmpty()) return false;
+  if (!workbench_.isOpen() && !create(QFileInfo(files.constFirst()).completeBaseName())) return false;
+  ImportDialog dialog(files, &window_);
+  if (dialog.exec() != QDialog::Accepted) return false;
+  host::ImportOutcome outcome;
+  const bool done = guard_.run([&] {
+    outcome = workbench_.import(dialog.request(), [this](std::uint64_t read, std::uint64_t total) {
+      progress_.show(total == 0 ? 0 : static_cast<double>(read) / static_cast<double>(total));
+    });
+  });
+  progress_.show(0);
+  if (!done) return false;
+  const QString summary =
+      QStringLiteral("Added %1 results; the study has %2.").arg(outcome.added).arg(workbench_.resultCount());
+  tell(summary);
+  QMessageBox box(QMessageBox::Information, QStringLiteral("Import"), summary, QMessageBox::Ok, &window_);
+  box.setTextFormat(Qt::PlainText);
+  box.setDetailedText(toQString(outcome.report));
+  box.exec();
+  return true;
+}
+
+void StudyCommands::openFiles(const QStringList& files) {
+  QStringList tables;
+  QString study;
+  for (const QString& file : files) {
+    if (file.endsWith(extension(), Qt::CaseInsensitive)) {
+      study = file;
+    } else {
+      tables.append(file);
+    }
+  }
+  if (!study.isEmpty() && !open(study)) return;
+  if (!tables.isEmpty()) import(tables);
+}
+
+bool StudyCommands::save() { return saveAsked(SaveOccasion::Saving); }
+
+bool StudyCommands::mayLeave() { return !workbench_.isModified() || saveAsked(SaveOccasion::Closing); }
+
+bool StudyCommands::close() {
+  return mayLeave() && guard_.run([&] { workbench_.close(); });
+}
+
+bool StudyCommands::saveAsked(SaveOccasion occasion) {
+  if (!workbench_.isOpen()) return true;
+  bool mayGo = true;
+  host::SaveOutcome outcome;
+  const bool done = guard_.run([&] {
+    if (workbench_.host().unsaved().empty()) return tell(QStringLiteral("Nothing waits to be saved."));
+    outcome = workbench_.host().save([&](const std::vector<std::string>& descriptions) {
+      const auto chosen = askWhatToSave(descriptions, occasion, &window_);
+      mayGo = chosen.has_value();
+      return chosen.value_or(std::vector<std::string>());
+    });
+  });
+  if (!done) return false;
+  if (!outcome.refused.empty()) {
+    QString names;
+    for (const std::string& name : outcome.refused) names += QLatin1Char('\n') + toQString(name);
+    guard_.tell(QStringLiteral("Not saved, because a value on the page is not valid:") + names);
+    return false;
+  }
+  if (!outcome.saved.empty()) tell(QStringLiteral("Saved %1.").arg(outcome.saved.size()));
+  return mayGo;
+}
+
+}  // namespace banddesk::desktop

@@ -1,0 +1,53 @@
+// The commands on the study as a whole: new, open, import, save, close, with their questions. Each answers
+// whether it was done; the window shows what changed.
+#pragma once
+
+#include <QStringList>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "desktop/app/workbench.h"
+#include "desktop/dialogs/save_choice.h"
+#include "desktop/window/guard.h"
+#include "desktop/window/progress_indicator.h"
+#include "desktop/window/recent_studies.h"
+
+namespace banddesk::desktop {
+
+class StudyCommands {
+ public:
+  // All outlive the commands.
+  StudyCommands(Workbench& workbench, const Guard& guard, ProgressIndicator& progress, QWidget& window)
+      : workbench_(workbench), guard_(guard), progress_(progress), window_(window) {}
+
+  bool createAsked();
+  bool openAsked();
+  bool open(const QString& path);
+  // Peak tables; without an open study a new one is asked for.
+  bool import(QStringList files = {});
+  // Studies open, all else is imported.
+  void openFiles(const QStringList& files);
+  // Shows the list of what is unsaved and saves what is chosen.
+  bool save();
+  // Asks about what is unsaved, if anything is; false if the user wants to stay.
+  bool mayLeave();
+  bool close();
+
+  const RecentStudies& recent() const { return recent_; }
+  void forgetRecent() { recent_.clear(); }
+
+  std::function<void(const QString&)> tell;  // a line for the status bar
+
+ private:
+  bool create(const QString& suggestion);
+  bool saveAsked(SaveOccasion occasion);
+
+  Workbench& workbench_;
+  const Guard& guard_;
+  ProgressIndicator& progress_;
+  QWidget& window_;
+  RecentStudies recent_;
+};
+
+}  // namespace banddesk::desktop

@@ -1,0 +1,168 @@
+// The guide: which page answers for what, that its links lead somewhere, and the window that shows it.
+#include <QDesktopServices>
+#include <QDialog>
+#include <QDir>
+#include <QLineEdit>
+#include <QRegularExpression>
+#include <QScrollBar>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTextBlock>
+
+#include "desktop/base/qt_text.h"
+#include "desktop/help/help_topic.h"
+#include "desktop/help/help_window.h"
+#include "tests/desktop/modal.h"
+
+namespace banddesk::desktop {
+namespace {
+
+const QString kFolder = QStringLiteral(BANDDESK_SOURCE_DIR "/docs/guide");
+
+TEST(GuideTest, EveryTopicOpensItsPageAndAnUnknownOneTheStart) {
+  const std::pair<const char*, const char*> cases[] = {{"", "index.md"},
+                                                       {"AFLPParams", "new-analysis.md"},
+                                                       {"AFLP", "results.md"},
+                                                       {"AFLPWarning", "results.md"},
+                                                       {"ColumnSort", "columns.md"},
+                                                       {"OverlayGraphView", "views.md"},
+                                                       {"export", "export.md"},
+                                                       {"nothing", "index.md"},
+                                                       {"../notes", "index.md"}};
+  for (const auto& [topic, file] : cases)
+    EXPECT_EQ(placeOf(topic, kFolder).file, QLatin1String(file)) << topic;
+}
+
+TEST(GuideTest, ThePagesAreListedInTheOrderOfTheStartPageAndTheirLinksExist) {
+  const QList<GuidePage> pages = guidePages(kFolder);
+  ASSERT_GE(pages.size(), 6);
+  EXPECT_EQ(pages[0].title, QStringLiteral("Banddesk"));
+  EXPECT_EQ(pages[1].file, QStringLiteral("files.md"));
+  static const QRegularExpression kLink(QStringLiteral("\\]\\(([^):]+)\\)"));
+  QFile start(QDir(kFolder).filePath(QStringLiteral("index.md")));
+  ASSERT_TRUE(start.open(QIODevice::ReadOnly));
+  const QByteArray startText = start.readAll();
+  for (const GuidePage& page : pages) {
+    EXPECT_TRUE(page.file == QStringLiteral("index.md") ||
+                startText.contains("](" + page.file.toUtf8() + ")"))
+        << toText(page.file) << " is not linked from the start";
+    QFile file(QDir(kFolder).filePath(page.file));
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    for (auto links = kLink.globalMatch(QString::fromUtf8(file.readAll())); links.hasNext();) {
+      const QString target = links.next().captured(1);
+      EXPECT_TRUE(QFile::exists(QDir(kFolder).filePath(target)))
+          << toText(page.file) << " links to " << toText(target);
+    }
+  }
+}
+
+TEST(GuideTest, LiesBesideTheProgramsOfAnInstalledCopy) {
+  QTemporaryDir prefix;
+  const QString guide = prefix.filePath(QStringLiteral("share/banddesk/guide"));
+  ASSERT_TRUE(QDir().mkpath(guide) && QDir().mkpath(prefix.filePath(QStringLiteral("libexec/banddesk"))));
+  const std::string programs = toText(prefix.filePath(QStringLiteral("libexec/banddesk/")));
+  EXPECT_EQ(guideFolder(programs), kFolder);
+  ASSERT_TRUE(QFile::copy(kFolder + QStringLiteral("/index.md"), guide + QStringLiteral("/index.md")));
+  EXPECT_EQ(guideFolder(programs), guide);
+}
+
+// Of each picture on the page: what the browser draws, in its own units; empty for a missing file.
+QList<QSizeF> picturesOn(const QTextBrowser& browser) {
+  QList<QSizeF> sizes;
+  for (QTextBlock block = browser.document()->begin(); block.isValid(); block = block.next()) {
+    for (auto part = block.begin(); !part.atEnd(); ++part) {
+      if (!part.fragment().charFormat().isImageFormat()) continue;
+      const QTextImageFormat format = part.fragment().charFormat().toImageFormat();
+      const auto drawn = browser.document()->resource(QTextDocument::ImageResource, QUrl(format.name()));
+      sizes << drawn.value<QImage>().deviceIndependentSize();
+    }
+  }
+  return sizes;
+}
+
+TEST(HelpWindowTest, PicturesFitThePageAtEveryWidth) {
+  HelpWindow window(kFolder, nullptr);
+  qsizetype count = 0;
+  for (const GuidePage& page : guidePages(kFolder)) {
+    window.resize(1200, 700);
+    window.showTopic(toText(page.file.chopped(3)));
+    ASSERT_EQ(window.browser().source().fileName(), page.file);
+    QApplication::processEvents();
+    EXPECT_EQ(window.browser().horizontalScrollBar()->maximum(), 0) << toText(page.file);
+    const QList<QSizeF> wide = picturesOn(window.browser());
+    count += wide.size();
+    window.resize(600, 700);
+    const QList<QSizeF> narrow = picturesOn(window.browser());
+    for (qsizetype i = 0; i < wide.size(); ++i) {
+      EXPECT_GT(wide[i].width(), 400) << toText(page.file) << ", picture " << i;
+      EXPECT_LT(narrow[i].width(), window.browser().viewport()->width());
+      EXPECT_NEAR(narrow[i].height() / narrow[i].width(), wide[i].height() / wide[i].width(), 0.02);
+    }
+  }
+  const auto files = QDir(kFolder + QStringLiteral("/pictures")).entryInfoList(QDir::Files);
+  EXPECT_EQ(count, files.size()) << "a picture that no page shows, or one that two show";
+  for (const QFileInfo& file : files) EXPECT_LT(file.size(), 60000) << toText(file.fileName());
+}
+
+TEST(HelpWindowTest, ShowsTheTopicsHeadingGoesBackAndFindsText) {
+  HelpWindow window(kFolder, nullptr);
+  window.showTopic("");
+  window.showTopic("AFLPWarning");
+  EXPECT_TRUE(window.browser().source().fileName() == QStringLiteral("results.md"));
+  EXPECT_EQ(window.browser().textCursor().block().text(), QStringLiteral("Decisions by hand"));
+  auto* contents = window.findChild<QListWidget*>();
+  EXPECT_EQ(contents->currentItem()->text(), QStringLiteral("The results"));
+  window.findChild<QTextBrowser*>()->backward();
+  EXPECT_EQ(contents->currentRow(), 0);
+  contents->setCurrentRow(2);
+  EXPECT_EQ(window.browser().source().fileName(), QStringLiteral("new-analysis.md"));
+  auto* search = window.findChild<QLineEdit*>();
+  QTest::keyClicks(search, QStringLiteral("scatter"));
+  QTest::keyClick(search, Qt::Key_Return);
+  EXPECT_EQ(window.browser().textCursor().selectedText(), QStringLiteral("scatter"));
+}
+
+TEST(HelpWindowTest, ALinkIntoTheNetworkOpensOutside) {
+  QTextBrowser outside;  // stands for the user's browser; it cannot fetch anything either
+  QDesktopServices::setUrlHandler(QStringLiteral("https"), &outside, "setSource");
+  HelpWindow window(kFolder, nullptr);
+  window.showTopic("");
+  auto* browser = window.findChild<QTextBrowser*>();
+  const QUrl before = browser->source();
+  browser->setHtml(QStringLiteral("<a href='https://example.org/'>outside</a>"));
+  browser->setFocus();
+  QTest::keyClick(browser, Qt::Key_Tab);
+  QTest::keyClick(browser, Qt::Key_Return);
+  QDesktopServices::unsetUrlHandler(QStringLiteral("https"));
+  EXPECT_EQ(outside.source(), QUrl(QStringLiteral("https://example.org/")));
+  EXPECT_EQ(browser->source(), before);
+}
+
+TEST(HelpDeskTest, HelpOverAModalWindowBelongsToItSoThatItCanBeUsed) {
+  HelpDesk desk(kFolder);
+  HelpWindow& plain = desk.show("");
+  EXPECT_EQ(&desk.show("AFLP"), &plain);
+  QDialog dialog;
+  onNextDialog<QDialog>([&](QDialog& modal) { EXPECT_EQ(desk.show("ColumnSort").parentWidget(), &modal); });
+  dialog.exec();
+  EXPECT_EQ(&desk.show(""), &plain);
+}
+
+TEST(HelpDeskTest, AnswersF1InADialogByTheTopicAroundTheFocus) {
+  HelpDesk desk(kFolder);
+  QDialog dialog;
+  QLineEdit inside(&dialog);
+  const auto help = [&] { return dialog.findChild<HelpWindow*>(); };
+  onNextDialog<QDialog>([&](QDialog&) {
+    QTest::keyClick(&inside, Qt::Key_F1);
+    EXPECT_EQ(help(), nullptr) << "no topic, no help";
+    setHelpTopic(dialog, QStringLiteral("files"));
+    QTest::keyClick(&inside, Qt::Key_F1);
+    ASSERT_NE(help(), nullptr);
+    EXPECT_EQ(help()->browser().source().fileName(), QStringLiteral("files.md"));
+  });
+  dialog.exec();
+}
+
+}  // namespace
+}  // namespace banddesk::desktop
