@@ -33,6 +33,18 @@ TEST(Service, EnablesItsCommandWithTheStudyAndUnloadsSamplesAfterIt) {
   EXPECT_FALSE(sample->isLoaded());
 }
 
+// Hundreds of samples are loaded one after the other; only the latest stay.
+TEST(Service, NeverHoldsTheFragmentsOfAllSamplesOfALargeStudy) {
+  std::vector<std::string> samples;
+  for (int i = 0; i < 200; ++i) samples.push_back("s" + std::to_string(i));
+  Desk desk(kOneBin, samples);
+  desk.newAnalysis();
+  std::size_t loaded = 0;
+  for (const auto& result : desk.analysis().Results)
+    loaded += std::dynamic_pointer_cast<host::HostSample>(result->Sample)->isLoaded() ? 1U : 0U;
+  EXPECT_EQ(loaded, host::FragmentSource::kMostHolders);
+}
+
 // Else its file stays locked until another study is opened.
 TEST(Service, LetsTheStoreOfAClosedStudyGo) {
   Desk desk;
