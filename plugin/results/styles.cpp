@@ -97,7 +97,7 @@ void Styles::InitStyles() {
       m_colColumnStyles->Add(registerStyle(column->Header, *column), column->Key.get());
     }
     // Behind the last bin information column, whether that is visible or not.
-    table_.m_lFirstSampleCol = roundToLong(highest) + 1;
+    table_.m_lFirstSampleCol = roundToLong(highest + 1);
   });
 }
 
