@@ -136,6 +136,13 @@ host::GridControl& Desk::grid() {
   return control<host::GridControl>("grdAFLP");
 }
 
+void Desk::forget() {
+  host.framework().clearReports();
+  if (!calculators) return;
+  calculators->added.clear();
+  calculators->calculated.clear();
+}
+
 std::string Desk::visibleTable() {
   host::GridControl& grid = this->grid();
   std::string text;

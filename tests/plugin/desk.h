@@ -75,6 +75,8 @@ class Desk {
   // The visible table as text, a line a row, cells separated by blanks; "*" behind a grey cell.
   std::string visibleTable();
 
+  // Lets go of all that was reported and recorded so far.
+  void forget();
   // From now on the grids of new pages fail where the host's operations do.
   void guardGrids() { *guards_ = &host.faults(); }
 

@@ -1,0 +1,142 @@
+// The input is a list of changes of a study's cells that its tables forbid: wrong types, huge and negative
+// numbers, hostile texts and blobs, missing and doubled rows. The tables look as they should when it is read.
+#include <array>
+#include <cstring>
+#include <limits>
+#include <sqlite3.h>
+#include <string>
+#include <vector>
+
+#include "fuzz/bytes.h"
+#include "fuzz/study_reading.h"
+
+namespace {
+
+using banddesk::fuzz::Bytes;
+using banddesk::fuzz::require;
+
+struct Table {
+  std::string name;
+  std::vector<std::string> columns;
+};
+
+// The tables that a study has, with their columns.
+std::vector<Table> tablesOf(sqlite3* database) {
+  std::vector<Table> tables;
+  const auto take = [](void* to, int, char** values, char**) {
+    auto& all = *static_cast<std::vector<Table>*>(to);
+    if (all.empty() || all.back().name != values[0]) all.push_back({values[0], {}});
+    all.back().columns.emplace_back(values[1]);
+    return 0;
+  };
+  sqlite3_exec(
+      database,
+      "SELECT t.name, c.name FROM sqlite_schema t, pragma_table_info(t.name) c WHERE t.type = 'table'", take,
+      &tables, nullptr);
+  require(!tables.empty(), "the study has no tables");
+  return tables;
+}
+
+// As the file keeps it behind the fragments of a dye.
+void appendCheckSum(std::string& blob) {
+  std::uint32_t sum = 2166136261U;
+  for (const char c : blob) sum = (sum ^ static_cast<unsigned char>(c)) * 16777619U;
+  blob.append(reinterpret_cast<const char*>(&sum), sizeof sum);
+}
+
+void bindValue(sqlite3_stmt* statement, Bytes& bytes) {
+  constexpr std::array<std::int64_t, 10> kNumbers{0,
+                                                  1,
+                                                  -1,
+                                                  2,
+                                                  9,
+                                                  255,
+                                                  65'536,
+                                                  std::numeric_limits<std::int32_t>::max(),
+                                                  std::numeric_limits<std::int32_t>::min(),
+                                                  std::numeric_limits<std::int64_t>::max()};
+  constexpr std::array<double, 6> kReals{0.5,   -1, 1e300, -0.0, std::numeric_limits<double>::infinity(),
+                                         1e-300};
+  constexpr std::array kTexts{"", "0", "-1", "-2", "6", "nan", "1e9", "-2147483648", "\xff\xfe", "%s%n"};
+  const auto one = [&](const auto& values) {
+    return values[static_cast<std::size_t>(bytes.upTo(static_cast<int>(values.size()) - 1))];
+  };
+  switch (bytes.upTo(6)) {
+    case 0:
+      sqlite3_bind_int64(statement, 1, one(kNumbers));
+      break;
+    case 1:
+      sqlite3_bind_int64(statement, 1, static_cast<std::int64_t>(bytes.number(4)));
+      break;
+    case 2:
+      sqlite3_bind_double(statement, 1, one(kReals));
+      break;
+    case 3:
+      sqlite3_bind_text(statement, 1, one(kTexts), -1, SQLITE_STATIC);
+      break;
+    case 4: {
+      const auto text = bytes.text(static_cast<std::size_t>(bytes.upTo(31)));
+      sqlite3_bind_text(statement, 1, text.data(), static_cast<int>(text.size()), SQLITE_TRANSIENT);
+      break;
+    }
+    case 5: {
+      std::string blob(bytes.text(static_cast<std::size_t>(bytes.upTo(63))));
+      appendCheckSum(blob);
+      sqlite3_bind_blob(statement, 1, blob.data(), static_cast<int>(blob.size()), SQLITE_TRANSIENT);
+      break;
+    }
+    default:
+      sqlite3_bind_null(statement, 1);
+  }
+}
+
+void change(sqlite3* database, const std::vector<Table>& tables, Bytes& bytes) {
+  const Table& table = tables[static_cast<std::size_t>(bytes.upTo(static_cast<int>(tables.size()) - 1))];
+  const std::string& column =
+      table.columns[static_cast<std::size_t>(bytes.upTo(static_cast<int>(table.columns.size()) - 1))];
+  const std::string row = " LIMIT 1 OFFSET " + std::to_string(bytes.upTo(31));
+  const int kind = bytes.upTo(9);
+  const std::string sql = kind == 0   ? "DELETE FROM " + table.name + row
+                          : kind == 1 ? "INSERT INTO " + table.name + " SELECT * FROM " + table.name + row
+                          : kind == 2 ? "UPDATE " + table.name + " SET " + column + " = ?1"
+                                      : "UPDATE " + table.name + " SET " + column + " = ?1" + row;
+  sqlite3_stmt* statement = nullptr;
+  require(sqlite3_prepare_v2(database, sql.c_str(), -1, &statement, nullptr) == SQLITE_OK,
+          sqlite3_errmsg(database));
+  if (kind > 1) bindValue(statement, bytes);
+  sqlite3_step(statement);
+  sqlite3_finalize(statement);
+}
+
+void execute(sqlite3* database, const char* sql) {
+  require(sqlite3_exec(database, sql, nullptr, nullptr, nullptr) == SQLITE_OK, sqlite3_errmsg(database));
+}
+
+void changeAll(Bytes& bytes) {
+  sqlite3* database = nullptr;
+  require(sqlite3_open(banddesk::fuzz::studyPath().c_str(), &database) == SQLITE_OK,
+          "the study does not open");
+  static const std::vector<Table> tables = tablesOf(database);
+  execute(database,
+          "PRAGMA journal_mode = MEMORY; PRAGMA synchronous = OFF; PRAGMA ignore_check_constraints = ON;"
+          "CREATE TEMP TABLE words AS SELECT name, sql FROM main.sqlite_schema; PRAGMA writable_schema = ON;"
+          "UPDATE sqlite_master SET sql = replace(replace(replace(sql, 'NOT NULL', ''), ') STRICT, ', ') '), "
+          "') STRICT', ')'); PRAGMA writable_schema = RESET; BEGIN");
+  for (int changes = 0; changes < 20 && !bytes.isEmpty(); ++changes) change(database, tables, bytes);
+  execute(database,
+          "COMMIT; PRAGMA writable_schema = ON;"
+          "UPDATE sqlite_master SET sql = (SELECT sql FROM words WHERE words.name = sqlite_master.name)");
+  sqlite3_close(database);
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  static const std::string sound = banddesk::fuzz::studyFile();
+  Bytes bytes(data, size);
+  const bool withPages = bytes.upTo(5) == 0;
+  banddesk::fuzz::writeStudy(sound);
+  changeAll(bytes);
+  banddesk::fuzz::readStudy(withPages);
+  return 0;
+}
