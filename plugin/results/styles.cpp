@@ -118,7 +118,7 @@ void Styles::PersistStyles() {
   });
 }
 
-void Styles::PersistStyle(GridColumn& column, const GridStyle* style) {
+void Styles::PersistStyle(GridColumn& column, const GridStyle* style) const {
   page_.frame.procedure("PersistStyle", [&] {
     if (style == nullptr) return;
     if (const auto brush = style->GetInterior()) {

@@ -103,7 +103,7 @@ TEST(StudyFile, TakesBackAWriteThatFailsHalfWay) {
 }
 
 RC_GTEST_PROP(FragmentBlob, GivesBackEveryNumberExactly,
-              (std::vector<std::pair<double, std::uint32_t>> peaks)) {
+              (const std::vector<std::pair<double, std::uint32_t>>& peaks)) {
   const int decimals = *rc::gen::inRange(0, 7);
   const bool isMeasured = *rc::gen::arbitrary<bool>();
   SampleFragments::Dye dye;
@@ -447,7 +447,6 @@ TEST(StudyFile, IsBroughtUpToDateInOneTransaction) {
   StoreFolder folder;
   const std::string file = studyAfter(folder, 5);
   const StudyState before = stateOf(*std::make_unique<SqliteStore>(file));
-  const std::string bytes = bytesOf(file);
   std::vector<const char*> steps(studySchema().begin(), studySchema().end());
   steps.push_back("ALTER TABLE result ADD COLUMN well TEXT NOT NULL DEFAULT ''");
   steps.push_back("UPDATE result SET well = 'A01'; UPDATE nothing SET x = 1");
