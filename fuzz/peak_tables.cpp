@@ -71,7 +71,7 @@ void checkTable(const PeakTable& table) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  constexpr std::size_t kSmall = 64, kLarge = 16 * 1024;
+  constexpr std::size_t kSmall = 64, kLarge = std::size_t{16} * 1024;
   static const Table table;
   table.hold(data, size);
   const std::string whole = textOf(table.path(), kLarge);

@@ -2,8 +2,7 @@
 
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
+#include <functional>
 #include <unistd.h>
 
 #include "fuzz/bytes.h"
@@ -86,31 +85,37 @@ void writeStudy(const std::string& bytes) {
   host::writeBytes(studyPath(), bytes);
 }
 
+namespace {
+
+// An Error is the one way in which a bad file may show.
+bool succeeds(const std::function<void()>& work) {
+  try {
+    work();
+    return true;
+  } catch (const Error&) {
+    return false;
+  }
+}
+
+void readAll() {
+  const auto store = std::make_shared<host::SqliteStore>(studyPath());
+  const host::StudyState state = host::stateOf(*store);
+  store->writeStudy(state.study);
+  for (const auto& analysis : state.analyses) store->writeAnalysis(analysis);
+}
+
+void openAll() {
+  desk().host.openStudy(std::make_shared<host::SqliteStore>(studyPath()));
+  const auto study = desk().host.study().Study();
+  for (const auto& analysis : study->AFLPs) succeeds([&] { desk().host.service().OpenAFLP(analysis); });
+  desk().host.save();
+}
+
+}  // namespace
+
 void readStudy(bool withPages) {
-  try {
-    const auto store = std::make_shared<host::SqliteStore>(studyPath());
-    const host::StudyState state = host::stateOf(*store);
-    if (!withPages) {
-      store->writeStudy(state.study);
-      for (const auto& analysis : state.analyses) store->writeAnalysis(analysis);
-      return;
-    }
-    desk().host.openStudy(store);
-    const auto study = desk().host.study().Study();
-    for (const auto& analysis : study->AFLPs) {
-      try {
-        desk().host.service().OpenAFLP(analysis);
-      } catch (const Error&) {
-      }
-    }
-    desk().host.save();
-  } catch (const Error&) {
-    // The one way in which a bad file may show.
-  }
-  try {
-    desk().host.closeStudy();
-  } catch (const Error&) {
-  }
+  succeeds(withPages ? openAll : readAll);
+  succeeds([] { desk().host.closeStudy(); });
   desk().forget();
 }
 

@@ -4,6 +4,8 @@
 #include <filesystem>
 #include <utility>
 
+#include "plugin/base/text.h"
+
 namespace banddesk::host {
 namespace {
 
@@ -14,7 +16,30 @@ Answer takeFirst(std::deque<Answer>& answers) {
   return answer;
 }
 
+// Of the marks of direction: U+200E, U+200F, U+202A to U+202E, U+2066 to U+2069; and all control characters.
+bool isUnseen(std::string_view c) {
+  const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(c[i]); };
+  if (c.size() == 1) return byte(0) < 0x20 || byte(0) >= 0x7F;
+  if (c.size() == 2) return byte(0) == 0xC2 && byte(1) < 0xA0;
+  if (c.size() != 3 || byte(0) != 0xE2) return false;
+  if (byte(1) == 0x80) return byte(2) == 0x8E || byte(2) == 0x8F || (byte(2) >= 0xAA && byte(2) <= 0xAE);
+  return byte(1) == 0x81 && byte(2) >= 0xA6 && byte(2) <= 0xA9;
+}
+
 }  // namespace
+
+std::string harmlessFileName(std::string_view suggestion) {
+  constexpr std::size_t kLongest = 120;  // in bytes, so that an extension and a mark of its own still fit
+  std::string name;
+  for (const std::string_view c : characters(suggestion)) {
+    if (name.size() + c.size() > kLongest) break;
+    const bool isSpecial =
+        c.size() == 1 && std::string_view("/\\:*?\"<>|").find(c.front()) != std::string_view::npos;
+    name.append(isSpecial || isUnseen(c) ? "_" : c);
+  }
+  if (name.starts_with('.')) name.front() = '_';
+  return name;
+}
 
 ui::BoxAnswer HostPlatform::MsgBox(const std::string& text, std::int32_t style, const std::string& title) {
   faults_.check("Platform", "MsgBox");
@@ -51,6 +76,7 @@ void HostPlatform::SetFocus(ui::Control& control) {
 
 bool HostPlatform::ShowSave(ui::SaveDialog& dialog) {
   faults_.check("Platform", "ShowSave");
+  dialog.FileName = harmlessFileName(dialog.FileName.get());
   std::optional<SaveAnswer> answer;
   if (!saveAnswers.empty()) {
     answer = takeFirst(saveAnswers);

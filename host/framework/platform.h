@@ -7,6 +7,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "host/framework/text_files.h"
@@ -32,6 +33,10 @@ struct SaveAnswer {
   std::string fileName;  // the full path
   std::int32_t filterIndex = 1;
 };
+
+// A name as a file of one folder may have it on any system: no separators, control characters or marks that
+// turn the direction of reading, no point at its start, not too long.
+std::string harmlessFileName(std::string_view suggestion);
 
 class HostPlatform final : public ui::Platform {
  public:

@@ -98,7 +98,7 @@ class Reading {
     if (isKnown(source, report)) {
       ++filesKnown_;
       report.form = "passed over";
-      report.notes.push_back("the study has this file's content from an earlier import");
+      report.notes.emplace_back("the study has this file's content from an earlier import");
       return;
     }
     if (const fs::path* twin = sameContent(source)) {

@@ -14,7 +14,7 @@ constexpr std::size_t npos = std::string_view::npos;
 /// Control characters other than tab, line feed, carriage return and form feed in the first stretch say: no
 /// text.
 bool looksBinary(std::string_view text) {
-  const std::string_view start = text.substr(0, 64 * 1024);
+  const std::string_view start = text.substr(0, std::size_t{64} * 1024);
   return std::ranges::any_of(start, [](char c) {
     const auto byte = static_cast<unsigned char>(c);
     return byte < 0x20 && c != '\t' && c != '\n' && c != '\r' && c != '\f' && c != 0x1A;

@@ -95,6 +95,9 @@ void read(const Statement& row, int place, Value& value) {
   }
 }
 
+// Beyond any table; one that reached so far would fill the memory with nothing.
+constexpr std::int32_t kLastPlace = 1'000'000;
+
 struct Layout {
   std::string_view kind;
   LayoutSnapshot AnalysisSnapshot::*member;
@@ -118,8 +121,10 @@ void readLayouts(Database& database, AnalysisSnapshot& snapshot) {
     columns.begin(snapshot.id, each.kind);
     while (columns.next()) {
       int place = 0;
-      columnFields(read.columns.emplace_back(),
-                   [&](const char*, auto& value) { host::read(columns, place++, value); });
+      ColumnSnapshot& column = read.columns.emplace_back();
+      columnFields(column, [&](const char*, auto& value) { host::read(columns, place++, value); });
+      if (column.columnOrder < 0 || column.columnOrder > kLastPlace)
+        database.failDamaged(fmt::format("a column stands at place {}", column.columnOrder));
     }
   }
 }

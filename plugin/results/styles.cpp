@@ -97,7 +97,7 @@ void Styles::InitStyles() {
       m_colColumnStyles->Add(registerStyle(column->Header, *column), column->Key.get());
     }
     // Behind the last bin information column, whether that is visible or not.
-    table_.m_lFirstSampleCol = roundToLong(highest) + 1;
+    table_.m_lFirstSampleCol = roundToLong(highest + 1);
   });
 }
 
@@ -118,7 +118,7 @@ void Styles::PersistStyles() {
   });
 }
 
-void Styles::PersistStyle(GridColumn& column, const GridStyle* style) {
+void Styles::PersistStyle(GridColumn& column, const GridStyle* style) const {
   page_.frame.procedure("PersistStyle", [&] {
     if (style == nullptr) return;
     if (const auto brush = style->GetInterior()) {

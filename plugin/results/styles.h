@@ -29,7 +29,7 @@ class Styles {
   void FormatStyles();
   // The counterparts of InitStyle. Nothing calls them: styles are not stored.
   void PersistStyles();
-  void PersistStyle(GridColumn& column, const GridStyle* style);
+  void PersistStyle(GridColumn& column, const GridStyle* style) const;
 
   std::int32_t baseStyle(std::size_t which) const;
 

@@ -61,8 +61,9 @@ using std::chrono::steady_clock;
 bool killAfter(const Arguments& arguments, std::chrono::microseconds wait) {
   const pid_t child = ::fork();
   if (child == 0) {
-    std::freopen("/dev/null", "w", stdout);
-    std::freopen("/dev/null", "w", stderr);
+    if (std::freopen("/dev/null", "w", stdout) == nullptr ||
+        std::freopen("/dev/null", "w", stderr) == nullptr)
+      ::_exit(126);
     std::vector<char*> all{const_cast<char*>(BANDDESK_BINARY)};
     for (const std::string& argument : arguments) all.push_back(const_cast<char*>(argument.c_str()));
     all.push_back(nullptr);
@@ -163,6 +164,33 @@ TEST(TheProgram, SaysInOneLineThatAStudyIsCut) {
       expectOneLine(banddesk(arguments), study + ": ");
     EXPECT_TRUE(readFile(study) == cut);
   }
+}
+
+TEST(TheProgram, WritesTheSameBytesWhereTheSystemHasADecimalComma) {
+  const std::string comma = in("de_DE.UTF-8");
+  if (shell("localedef -i de_DE -f UTF-8 '" + comma + "'").status != 0)
+    GTEST_SKIP() << "the locale cannot be made here";
+  const std::string german = "LOCPATH='" + folder() + "' LC_ALL=de_DE.UTF-8";
+  ASSERT_EQ(shell(german + " locale decimal_point").out, ",\n");
+  const std::string table = largeTable();
+  const Arguments outputs{"--csv", "--nts", "--matrix", "--json"};
+  for (const auto& [name, environment] :
+       {std::pair<std::string, std::string>("plain", "LC_ALL=C.UTF-8"), {"comma", german}}) {
+    fs::create_directory(in(name));
+    const std::string study = in(name + "/S.study");
+    ASSERT_EQ(
+        banddesk({"new", study}, environment).status + banddesk({"import", study, table}, environment).status,
+        0);
+    Arguments arguments{"analyze", study, "--name", "A", "--max-bin-width", "1.25"};
+    for (const std::string& output : outputs) {
+      arguments.push_back(output);
+      arguments.push_back(in(name + output));
+    }
+    const Outcome done = banddesk(arguments, environment);
+    ASSERT_EQ(done.status, 0) << done.err;
+  }
+  for (const std::string& output : outputs)
+    EXPECT_TRUE(readFile(in("plain" + output)) == readFile(in("comma" + output))) << output;
 }
 
 }  // namespace

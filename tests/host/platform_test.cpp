@@ -184,5 +184,32 @@ TEST(GridUtilities, GiveTextThatStandsOutAgainstItsGround) {
   }
 }
 
+TEST(Platform, SuggestsNamesThatAreNoPathsAndNoTricks) {
+  for (const auto& [given, suggested] : std::vector<std::pair<std::string, std::string>>{
+           {"Primula, 2nd run (März)", "Primula, 2nd run (März)"},
+           {"../../etc/passwd", "_._.._etc_passwd"},
+           {"C:\\x\"<y>|*?", "C__x__y____"},
+           {".hidden", "_hidden"},
+           {"two\nlines\x1b[2J\x7f", "two_lines_[2J_"},
+           {"fdp\xE2\x80\xAEtxt.exe", "fdp_txt.exe"},
+           {"\xFF", "_"},
+           {std::string(10'000, 'x'), std::string(120, 'x')},
+           {std::string(119, 'x') + "ß", std::string(119, 'x')},
+           {"", ""},
+       })
+    EXPECT_EQ(harmlessFileName(given), suggested);
+  FaultInjector faults;
+  HostPlatform platform(faults, "UTF-8", '.');
+  ui::SaveDialog dialog("ctlDialog");
+  dialog.FileName = "/etc/passwd";
+  std::string asked;
+  platform.onShowSave = [&](ui::SaveDialog& shown) -> std::optional<SaveAnswer> {
+    asked = shown.FileName;
+    return std::nullopt;
+  };
+  platform.ShowSave(dialog);
+  EXPECT_EQ(asked, "_etc_passwd");
+}
+
 }  // namespace
 }  // namespace banddesk::host

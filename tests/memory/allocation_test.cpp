@@ -18,7 +18,10 @@ namespace {
 
 long left = -1;  // allocations until one fails; below 0: none does
 
-bool fails() { return left >= 0 && left-- == 0; }
+bool fails() {
+  if (left < 0) return false;
+  return left-- == 0;
+}
 
 }  // namespace
 
@@ -58,7 +61,7 @@ std::size_t openFiles() {
 int failEach(const std::function<void()>& work, const std::function<void(bool failed)>& check,
              int stride = 1) {
   for (int failures = 0;; ++failures) {
-    left = failures * stride;
+    left = long{failures} * stride;
     bool failed = false;
     try {
       work();

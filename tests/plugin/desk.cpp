@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <fstream>
 #include <numeric>
+#include <ranges>
 #include <sstream>
 
 #include "tests/plugin/guarded_grid.h"
@@ -80,7 +81,7 @@ host::HostSettings settings(const std::shared_ptr<CalculatorDesk>& calculators,
 
 }  // namespace
 
-Desk::Desk(Script script, std::vector<std::string> samples) : host(settings(calculators, guards_)) {
+Desk::Desk(Script script, const std::vector<std::string>& samples) : host(settings(calculators, guards_)) {
   calculators->script = std::move(script);
   std::vector<host::NewResult> results;
   for (const std::string& sample : samples) {
@@ -102,8 +103,8 @@ void Desk::openStudy() { host.openStudy(store); }
 
 std::shared_ptr<host::HostPage> Desk::pageNamed(const std::string& definition) {
   const auto& pages = host.pages().openPages();
-  for (auto page = pages.rbegin(); page != pages.rend(); ++page) {
-    if ((*page)->DefinitionName() == definition) return *page;
+  for (const auto& page : std::views::reverse(pages)) {
+    if (page->DefinitionName() == definition) return page;
   }
   throw std::logic_error("no page " + definition);
 }

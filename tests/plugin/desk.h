@@ -39,7 +39,7 @@ struct CalculatorDesk {
 
 class Desk {
  public:
-  explicit Desk(Script script = {}, std::vector<std::string> samples = {"a", "b", "c"});
+  explicit Desk(Script script = {}, const std::vector<std::string>& samples = {"a", "b", "c"});
   // With the host's own calculators and results that have fragments of their own.
   explicit Desk(std::vector<host::NewResult> results);
 

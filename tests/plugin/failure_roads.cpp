@@ -20,7 +20,7 @@ std::shared_ptr<AFLP> analysis(Desk& desk) { return desk.host.study().Study()->A
 std::shared_ptr<IExplorerItemAccess> item(Desk& desk) { return desk.host.tree().children().at(0).item; }
 
 void rightClick(Desk& desk, std::int32_t row, std::int32_t col) {
-  desk.host.platform().popupAnswers.push_back([](ui::MenuItem&, ui::MenuItem*) {});
+  desk.host.platform().popupAnswers.emplace_back([](ui::MenuItem&, ui::MenuItem*) {});
   desk.grid().rightClick(row, col);
 }
 
@@ -95,6 +95,12 @@ void addControls(std::vector<Road>& all) {
     event(spin + " up", [spin](Desk& desk) { desk.control<ui::UpDown>(spin).up(), desk.wait(); });
     event(spin + " down", [spin](Desk& desk) { desk.control<ui::UpDown>(spin).down(), desk.wait(); });
   }
+}
+
+void addMouse(std::vector<Road>& all) {
+  const auto event = [&](const std::string& name, const Act& act) {
+    all.push_back({name, openAnalysis, act, true});
+  };
   event("sample axis", [](Desk& desk) { desk.control<ui::ComboBox>("cbxSampleAxis").ListIndex = 1; });
   event("help", [](Desk& desk) { desk.control<ui::CommandButton>("cmdHelp").Click.raise(); });
   event("enter", [](Desk& desk) {
@@ -149,7 +155,7 @@ void addParameters(std::vector<Road>& all) {
                  [](Desk& desk) { desk.host.study().setDyeVisible(1, false); }, false});
 }
 
-// What the host does with service, folder, item and study.
+// What the host does with the service.
 void addHost(std::vector<Road>& all) {
   const auto call = [&](const std::string& name, const Act& prepare, const Act& act) {
     all.push_back({name, prepare, act, false});
@@ -182,6 +188,13 @@ void addHost(std::vector<Road>& all) {
         desk.host.pages().endAll();
       },
       [](Desk& desk) { desk.host.runCommand(item(desk), "OpenAFLP"); });
+}
+
+// What it does with the tree and the study while a page is open.
+void addStudy(std::vector<Road>& all) {
+  const auto call = [&](const std::string& name, const Act& prepare, const Act& act) {
+    all.push_back({name, prepare, act, false});
+  };
   call("rename", openAnalysis, [](Desk& desk) { desk.host.runCommand(item(desk), "RenameAFLP"); });
   call(
       "end rename",
@@ -276,8 +289,10 @@ const std::vector<Road>& roads() {
     std::vector<Road> made;
     addMenus(made);
     addControls(made);
+    addMouse(made);
     addParameters(made);
     addHost(made);
+    addStudy(made);
     addOperations(made);
     return made;
   }();

@@ -67,6 +67,20 @@ TEST(StudyFile, GivesNoAnalysisTheNumberOfARemovedOne) {
   EXPECT_EQ(SqliteStore(file).newAnalysisId(), 2);
 }
 
+// Nothing is told by a clock, which may be set back between two imports.
+TEST(StudyFile, KeepsTheOrderOfItsImportsWhateverTheClockSaid) {
+  StoreFolder folder;
+  SqliteStore store(studyAfter(folder, 0));
+  MemoryStore memory("Study");
+  for (const char* finished :
+       {"2024-05-31 14:20:05", "1970-01-01 00:00:00", "2038-01-19 03:14:08", "1999-12-31 23:59:59"}) {
+    for (Store* each : {static_cast<Store*>(&store), static_cast<Store*>(&memory)})
+      each->addResults(each->readStudy(), {}, ImportRecord{finished, "read", {}});
+  }
+  EXPECT_EQ(store.readImports(), memory.readImports());
+  EXPECT_EQ(store.readImports().at(1).finished, "1970-01-01 00:00:00");
+}
+
 TEST(StudyFile, SynchronisesFullyAndLeavesNothingBesideItself) {
   StoreFolder folder;
   const std::string file = studyAfter(folder, 3);
@@ -89,7 +103,7 @@ TEST(StudyFile, TakesBackAWriteThatFailsHalfWay) {
 }
 
 RC_GTEST_PROP(FragmentBlob, GivesBackEveryNumberExactly,
-              (std::vector<std::pair<double, std::uint32_t>> peaks)) {
+              (const std::vector<std::pair<double, std::uint32_t>>& peaks)) {
   const int decimals = *rc::gen::inRange(0, 7);
   const bool isMeasured = *rc::gen::arbitrary<bool>();
   SampleFragments::Dye dye;
@@ -220,15 +234,17 @@ TEST(StudyFile, SaysWhenAValueIsNoneOfItsType) {
     const char* change;
     const char* message;
   };
-  for (const Case& one : {Case{"UPDATE study SET result_stamp = 'x'", "result_stamp is of another type"},
-                          {"UPDATE study SET name = x'41'", "name is of another type"},
-                          {"UPDATE study SET display_view_index = 70000", "out of its range (70000)"},
-                          {"UPDATE dye SET color = -1", "out of its range (-1)"},
-                          {"UPDATE result SET id = 5000000000 WHERE id = 3", "out of its range (5000000000)"},
-                          {"UPDATE analysis SET max_bin_width = 'wide'", "max_bin_width is of another type"},
-                          {"UPDATE analysis SET y_threshold = 4294967297", "out of its range (4294967297)"},
-                          {"UPDATE layout_column SET width = x'00'", "width is of another type"},
-                          {"UPDATE fragments SET peaks = 'x'", "peaks is of another type"}}) {
+  for (const Case& one :
+       {Case{"UPDATE study SET result_stamp = 'x'", "result_stamp is of another type"},
+        {"UPDATE study SET name = x'41'", "name is of another type"},
+        {"UPDATE study SET display_view_index = 70000", "out of its range (70000)"},
+        {"UPDATE dye SET color = -1", "out of its range (-1)"},
+        {"UPDATE result SET id = 5000000000 WHERE id = 3", "out of its range (5000000000)"},
+        {"UPDATE analysis SET max_bin_width = 'wide'", "max_bin_width is of another type"},
+        {"UPDATE analysis SET y_threshold = 4294967297", "out of its range (4294967297)"},
+        {"UPDATE layout_column SET width = x'00'", "width is of another type"},
+        {"UPDATE layout_column SET column_order = 2147483647", "stands at place 2147483647"},
+        {"UPDATE fragments SET peaks = 'x'", "peaks is of another type"}}) {
     SCOPED_TRACE(one.change);
     StoreFolder folder;
     const std::string file = studyAfter(folder, 5);
@@ -431,7 +447,6 @@ TEST(StudyFile, IsBroughtUpToDateInOneTransaction) {
   StoreFolder folder;
   const std::string file = studyAfter(folder, 5);
   const StudyState before = stateOf(*std::make_unique<SqliteStore>(file));
-  const std::string bytes = bytesOf(file);
   std::vector<const char*> steps(studySchema().begin(), studySchema().end());
   steps.push_back("ALTER TABLE result ADD COLUMN well TEXT NOT NULL DEFAULT ''");
   steps.push_back("UPDATE result SET well = 'A01'; UPDATE nothing SET x = 1");
