@@ -280,11 +280,12 @@ void RandomUser::page() {
 void RandomUser::check() {
   for (const auto& report : desk_.host.framework().reports())
     throw std::logic_error(report.procedure + " failed: " + report.error.description());
-  auto& grid = desk_.grid();
-  const bool locked = grid.LockUpdate(false);
-  grid.LockUpdate(locked);
+  grid_ = &desk_.grid();
+  isTransposed_ = desk_.page().Transpose();
+  const bool locked = grid_->LockUpdate(false);
+  grid_->LockUpdate(locked);
   require(!locked, "the grid stays locked");
-  require(grid.GridEnabledRedraw(), "the grid paints no more");
+  require(grid_->GridEnabledRedraw(), "the grid paints no more");
   require(desk_.host.platform().MousePointer() == ui::kPointerDefault, "the pointer stays an hourglass");
   checkPlaces();
   // Marks follow half a second after what changes them.
@@ -313,8 +314,8 @@ void RandomUser::checkPlaces() {
 
 bool RandomUser::isGrey(std::int32_t row, std::int32_t col) {
   GridStyle style;
-  if (desk_.page().Transpose()) std::swap(row, col);
-  desk_.grid().GridParam().GetData().GetStyleRowCol(row, col, style, StyleMode::Copy, 1);
+  if (isTransposed_) std::swap(row, col);
+  grid_->GridParam().GetData().GetStyleRowCol(row, col, style, StyleMode::Copy, 1);
   return style.GetInterior() && style.GetInterior()->bkColor == kGrey;
 }
 

@@ -50,6 +50,8 @@ class RandomUser {
   UpTo upTo_;
   std::string output_;
   std::string said_;
+  host::GridControl* grid_ = nullptr;  // that of the page in hand, while it is checked
+  bool isTransposed_ = false;
   bool refused_ = false;  // an analysis was, so the table may lag behind until the page opens again
 };
 
