@@ -35,7 +35,7 @@ std::string output() {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  constexpr int kMostActs = 10;
+  constexpr int kMostActs = 6;
   static const std::string file = output();
   banddesk::fuzz::Bytes bytes(data, size);
   desk().forget();

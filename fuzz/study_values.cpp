@@ -175,7 +175,7 @@ std::string changed(Bytes& bytes) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   Bytes bytes(data, size);
-  const bool withPages = bytes.upTo(5) == 0;
+  const bool withPages = bytes.upTo(15) == 0;
   banddesk::fuzz::writeStudy(changed(bytes));
   banddesk::fuzz::readStudy(withPages);
   return 0;
