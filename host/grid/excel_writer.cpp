@@ -7,6 +7,8 @@
 #include <fmt/format.h>
 #include <locale.h>
 #include <memory>
+#include <sys/mman.h>
+#include <sys/sendfile.h>
 #include <unistd.h>
 
 #include "host/grid/excel_formats.h"
@@ -37,30 +39,57 @@ constexpr std::uint32_t kWidestColumn = 1790;  // pixels
   fail(fileName, number, fmt::format("{}.", std::strerror(cause)));
 }
 
+// What the spreadsheet library writes into. It prints what it meets on a disk and does not tell it.
+class MemoryFile {
+ public:
+  explicit MemoryFile(const std::string& target) : file_(::memfd_create("table", MFD_CLOEXEC)) {
+    if (file_ < 0) failBySystem(target, errno);
+  }
+  MemoryFile(const MemoryFile&) = delete;
+  MemoryFile& operator=(const MemoryFile&) = delete;
+  ~MemoryFile() { ::close(file_); }
+
+  int descriptor() const { return file_; }
+  std::string name() const { return fmt::format("/proc/self/fd/{}", file_); }
+
+ private:
+  int file_;
+};
+
 // A file beside the target that takes its place when all is well, and vanishes otherwise.
 class PartFile {
  public:
   explicit PartFile(const std::string& target) : target_(target) {
-    int file = -1;
-    for (int attempt = 0; file < 0; ++attempt) {
+    for (int attempt = 0; file_ < 0; ++attempt) {
       name_ = fmt::format("{}.{}.part", target, attempt);
-      file = ::open(name_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-      if (file < 0 && (errno != EEXIST || attempt == kMostAttempts)) failBySystem(target_, errno);
+      file_ = ::open(name_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+      if (file_ < 0 && (errno != EEXIST || attempt == kMostAttempts)) failBySystem(target_, errno);
     }
-    ::close(file);
   }
   PartFile(const PartFile&) = delete;
   PartFile& operator=(const PartFile&) = delete;
-  ~PartFile() { ::unlink(name_.c_str()); }
+  ~PartFile() {
+    ::close(file_);
+    ::unlink(name_.c_str());
+  }
 
-  const std::string& name() const { return name_; }
-  void takePlace() {
+  void take(const MemoryFile& whole) const {
+    off_t place = 0;
+    ssize_t written = 0;
+    while ((written = ::sendfile(file_, whole.descriptor(), &place, kPiece)) > 0) {
+    }
+    if (written < 0) failBySystem(target_, errno);
+  }
+  void takePlace() const {
     if (std::rename(name_.c_str(), target_.c_str()) != 0) failBySystem(target_, errno);
   }
 
  private:
+  static constexpr std::size_t kPiece = std::size_t{64} * 1024 * 1024;
+
   const std::string& target_;
   std::string name_;
+  int file_ = -1;
 };
 
 // Numbers are printed with a decimal point while this lives, whatever the user's locale.
@@ -114,12 +143,12 @@ class Sheet {
     }
   }
 
-  void write(const std::string& partName) {
+  void write(const std::string& place) {
     const PointLocale locale;
     lxw_workbook_options options{};
     options.constant_memory = canStream() ? LXW_TRUE : LXW_FALSE;
     options.use_zip64 = LXW_FALSE;
-    Workbook workbook(workbook_new_opt(partName.c_str(), &options));
+    Workbook workbook(workbook_new_opt(place.c_str(), &options));
     if (!workbook) fail(fileName_, ErrorNumber::OutOfMemory, "there is not enough memory.");
     sheet_ = workbook_add_worksheet(workbook.get(), "Table");
     if (sheet_ == nullptr) fail(fileName_, ErrorNumber::DeviceIo, "no temporary file can be made.");
@@ -232,8 +261,10 @@ class Sheet {
 
 void writeExcelFile(const GridControl& grid, const std::string& fileName) {
   Sheet sheet(grid, fileName);
-  PartFile part(fileName);
-  sheet.write(part.name());
+  const PartFile part(fileName);
+  const MemoryFile whole(fileName);
+  sheet.write(whole.name());
+  part.take(whole);
   part.takePlace();
 }
 

@@ -62,6 +62,9 @@ void SqliteStore::create(const std::string& file, const std::string& studyName) 
   const fs::path folder = fs::path(file).parent_path();
   if (!folder.empty() && !fs::is_directory(folder, trouble))
     refuse(file, ErrorNumber::PathNotFound, "there is no such folder");
+  // SQLite tells of this as of a file that is not there.
+  if (::faccessat(AT_FDCWD, folder.empty() ? "." : folder.c_str(), W_OK | X_OK, AT_EACCESS) != 0)
+    refuse(file, ErrorNumber::PermissionDenied, "its folder may not be written");
   const fs::path part = folder / fmt::format(".{}.{}.new", fs::path(file).filename().string(), ::getpid());
   fs::remove(part, trouble);
   try {
