@@ -40,7 +40,8 @@ std::vector<host::Position> shownLines(const host::LineAxis& axis, const std::ve
     }
   }
   std::ranges::sort(lines);
-  lines.erase(std::ranges::unique(lines).begin(), lines.end());
+  const auto doubled = std::ranges::unique(lines);
+  lines.erase(doubled.begin(), doubled.end());
   return lines;
 }
 

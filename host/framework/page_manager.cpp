@@ -37,6 +37,14 @@ const PageDefinition& definitionOf(const std::string& name) {
   return *found;
 }
 
+// Whether the user took the draft over.
+template <class Draft>
+bool isAccepted(Draft draft, const std::function<bool(Draft&)>& user) {
+  if (!user || !user(draft)) return false;
+  draft.accept();
+  return true;
+}
+
 }  // namespace
 
 std::shared_ptr<banddesk::Page> HostPageManager::OpenPage(const std::string& name, const ObjectRef& bound,
@@ -81,13 +89,8 @@ void HostPageManager::start(HostPage& page, const char* className) {
 
 bool HostPageManager::runModal(const HostPage& page) const {
   const auto layout = cast<GridLayout>(page.bound(), "GridLayout");
-  const auto run = [&]<class Draft>(Draft draft, const std::function<bool(Draft&)>& user) {
-    if (!user || !user(draft)) return false;
-    draft.accept();
-    return true;
-  };
-  return page.DefinitionName() == "ColumnSelector" ? run(ColumnSelection(*layout), selectColumns)
-                                                   : run(ColumnSorting(*layout), sortColumns);
+  return page.DefinitionName() == "ColumnSelector" ? isAccepted(ColumnSelection(*layout), selectColumns)
+                                                   : isAccepted(ColumnSorting(*layout), sortColumns);
 }
 
 bool HostPageManager::validate(HostPage& page) const {

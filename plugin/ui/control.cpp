@@ -14,8 +14,8 @@ void Control::afterPut(const char* property, bool changed) {
 
 void Control::react(std::string_view, bool) {}
 
-TextBox::TextBox(std::string name, std::string text) : Control(std::move(name)) {
-  Text = std::move(text);
+TextBox::TextBox(std::string name, std::string text)
+    : Control(std::move(name)), Text(*this, "Text", std::move(text)) {
   BackColor = kWhite;
 }
 

@@ -56,14 +56,14 @@ class Control : public Object, public PropertyOwner {
 class Label final : public Control {
  public:
   Label(std::string name, std::string caption)
-      : Control(std::move(name)), Caption(*this, "Caption", caption) {}
+      : Control(std::move(name)), Caption(*this, "Caption", std::move(caption)) {}
   Property<std::string> Caption;
 };
 
 class Frame final : public Control {
  public:
   Frame(std::string name, std::string caption)
-      : Control(std::move(name)), Caption(*this, "Caption", caption) {}
+      : Control(std::move(name)), Caption(*this, "Caption", std::move(caption)) {}
   Property<std::string> Caption;
 };
 
@@ -76,14 +76,14 @@ class Image final : public Control {
  public:
   // `picture` names what the view shows: "warning" an icon of the platform, others a bitmap of the program.
   Image(std::string name, std::string picture)
-      : Control(std::move(name)), Picture(*this, "Picture", picture) {}
+      : Control(std::move(name)), Picture(*this, "Picture", std::move(picture)) {}
   Property<std::string> Picture;
 };
 
 class CommandButton final : public Control {
  public:
   CommandButton(std::string name, std::string caption)
-      : Control(std::move(name)), Caption(*this, "Caption", caption) {}
+      : Control(std::move(name)), Caption(*this, "Caption", std::move(caption)) {}
   Property<std::string> Caption;
   Event<> Click;
 };
@@ -91,7 +91,7 @@ class CommandButton final : public Control {
 class TextBox final : public Control {
  public:
   explicit TextBox(std::string name, std::string text = {});
-  Property<std::string> Text{*this, "Text"};
+  Property<std::string> Text;
   Property<bool> RightAligned{*this, "RightAligned", false};
   Event<> Change;
   Event<bool&> Validate;  // before the focus leaves; a cancel keeps it
@@ -112,7 +112,9 @@ inline constexpr std::int32_t kGreyed = 2;
 class CheckBox final : public Control {
  public:
   CheckBox(std::string name, std::string caption, std::int32_t value = kUnchecked)
-      : Control(std::move(name)), Caption(*this, "Caption", caption), Value(*this, "Value", value) {}
+      : Control(std::move(name)),
+        Caption(*this, "Caption", std::move(caption)),
+        Value(*this, "Value", value) {}
   Property<std::string> Caption;
   Property<std::int32_t> Value;
   Event<> Click;
@@ -128,7 +130,7 @@ class CheckBox final : public Control {
 class OptionButton final : public Control {
  public:
   OptionButton(std::string name, std::string caption)
-      : Control(std::move(name)), Caption(*this, "Caption", caption) {}
+      : Control(std::move(name)), Caption(*this, "Caption", std::move(caption)) {}
   Property<std::string> Caption;
   Property<bool> Value{*this, "Value", false};
   Event<> Click;

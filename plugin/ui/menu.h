@@ -12,7 +12,7 @@ namespace banddesk::ui {
 class MenuItem final : public Control {
  public:
   MenuItem(std::string name, std::string caption)
-      : Control(std::move(name)), Caption(*this, "Caption", caption) {}
+      : Control(std::move(name)), Caption(*this, "Caption", std::move(caption)) {}
   bool hasPlace() const override { return false; }
 
   Property<std::string> Caption;

@@ -146,7 +146,9 @@ void RandomUser::toggle() {
       "chkDye(0)",          "chkDye(1)",       "chkDye(2)",     "chkDye(3)",       "chkExcludeEmptySamples",
       "chkExcludeFullBins", "chkShowExcluded", "chkShowWellID", "chkShowTimestamp"};
   constexpr std::array kOptions{"optSampleBin(0)", "optSampleBin(1)", "optSampleBin(2)"};
-  switch (upTo_(3)) {
+  const int kind = upTo_(3);
+  said_ += " " + integerText(kind);
+  switch (kind) {
     case 0:
       desk_.control<ui::OptionButton>(one(kOptions, upTo_)).Value = true;
       break;
@@ -244,7 +246,9 @@ void RandomUser::select() {
 // What happens to the study while the page is open.
 void RandomUser::study() {
   auto& study = desk_.host.study();
-  switch (upTo_(4)) {
+  const int what = upTo_(4);
+  said_ += " " + integerText(what);
+  switch (what) {
     case 0:
       return study.setResultExcluded(upTo_(study.Study()->Results.Count() - 1) + 1, upTo_(1) == 0);
     case 1:
@@ -261,7 +265,9 @@ void RandomUser::study() {
 
 void RandomUser::page() {
   const auto analysis = desk_.host.study().Study()->AFLPs.Item(1);
-  switch (upTo_(3)) {
+  const int what = upTo_(3);
+  said_ += " " + integerText(what);
+  switch (what) {
     case 0:
       if (!desk_.host.pages().end(desk_.pageNamed("AFLP"), true)) return;
       break;
@@ -335,8 +341,10 @@ void RandomUser::checkRows() {
     const auto dye = desk_.control<ui::CheckBox>("chkDye(" + integerText(view.binDye[i]) + ")").Value.get();
     require(isGrey(row, 1) == suppressed, who + (suppressed ? ": not grey" : ": grey"));
     require(page.IsRowHidden(row) || ((!suppressed || showExcluded) && dye == ui::kChecked), who + ": seen");
-    // A sort hides also what was brought back by hand from the filter.
-    const bool mayHide = dye != ui::kChecked || (!showExcluded && (suppressed || view.autoExcluded[i] != 0));
+    // What was brought back by hand from the filter goes with a sort, and stays away when the excluded are
+    // shown.
+    const bool isBroughtBack = view.autoExcluded[i] != 0 && !suppressed;
+    const bool mayHide = dye != ui::kChecked || isBroughtBack || (suppressed && !showExcluded);
     require(!page.IsRowHidden(row) || mayHide, who + ": hidden");
   }
 }
