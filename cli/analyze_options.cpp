@@ -68,10 +68,14 @@ void addViewOptions(CLI::App& command, AnalysisRequest& request) {
       ->type_name("KEY");
   command
       .add_option("--exclude-bin", request.excludedBins,
-                  "Exclude bins, named by dye and mean size (D1-100.25)")
-      ->type_name("KEY");
-  command.add_option("--exclude-sample", request.excludedSamples, "Exclude samples by name")
-      ->type_name("NAME");
+                  "Exclude a bin, named by dye and mean size (D1-100.25); may be given several times")
+      ->type_name("KEY")
+      ->allow_extra_args(false);
+  command
+      .add_option("--exclude-sample", request.excludedSamples,
+                  "Exclude a sample by name; may be given several times")
+      ->type_name("NAME")
+      ->allow_extra_args(false);
 }
 
 }  // namespace

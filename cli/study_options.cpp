@@ -59,7 +59,7 @@ void addResultsCommand(CLI::App& app, Chosen& chosen) {
   CLI::App& command = *app.add_subcommand("results", "List, exclude, include or delete a study's results");
   const auto arguments = argumentsOf<ResultsArguments>(command, chosen, runResults);
   const auto add = [&](const char* option, std::vector<std::string>& names, const char* what) {
-    command.add_option(option, names, what)->type_name("NAME")->expected(1)->take_all();
+    command.add_option(option, names, what)->type_name("NAME")->allow_extra_args(false);
   };
   add("--exclude", arguments->exclude, "Leave this sample out of new analyses; may be given several times");
   add("--include", arguments->include, "Take an excluded sample in again");
@@ -72,10 +72,14 @@ void addExportCommand(CLI::App& app, Chosen& chosen) {
   const auto arguments = argumentsOf<ExportArguments>(command, chosen, runExport);
   addNameOption(command, arguments->name);
   addOutputOptions(command, arguments->outputs);
-  command.add_flag_function(
-      "--show-excluded,!--hide-excluded",
-      [arguments = arguments.get()](std::int64_t count) { arguments->showExcluded = count > 0; },
-      "With or without excluded bins and samples [as stored]");
+  CLI::Option* const show = command.add_flag_callback(
+      "--show-excluded", [arguments = arguments.get()] { arguments->showExcluded = true; },
+      "With excluded bins and samples [as stored]");
+  command
+      .add_flag_callback(
+          "--hide-excluded", [arguments = arguments.get()] { arguments->showExcluded = false; },
+          "Without them")
+      ->excludes(show);
   command.footer("Example:\n  banddesk export primula.study --name First --csv table.csv");
 }
 
