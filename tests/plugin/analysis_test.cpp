@@ -129,6 +129,17 @@ TEST(Filters, TakeTurnsUntilNothingChanges) {
   EXPECT_EQ(desk.visibleTable(), "1 2 3\n1 1 0\n1 0 0\n");
 }
 
+TEST(Filters, TakeNoNoticeOfBinsWhoseDyeIsHidden) {
+  Desk desk({{0, {{100, {1, 0, 0}}, {200, {0, 1, 0}}}}, {1, {{150, {0, 0, 1}}, {250, {1, 1, 1}}}}});
+  desk.newAnalysis();
+  desk.control<ui::CheckBox>("chkDye(1)").click();
+  desk.wait();
+  const AnalysisView view = desk.page().Analysis();
+  EXPECT_THAT(std::vector<int>(view.autoExcluded.begin() + 1, view.autoExcluded.end()),
+              ElementsAre(0, 0, 0, 0));
+  EXPECT_TRUE(desk.analysis().SampleGrid->Columns.Item("-3")->IsAutoExcluded);
+}
+
 TEST(Dyes, HideTheirRowsWithoutGreyAndFollowTheStudy) {
   Desk desk(kScript);
   IAFLPResultsPage& page = desk.newAnalysis();

@@ -73,10 +73,15 @@ TEST(Commands, SortAndLockWhereTheRightClickWas) {
   EXPECT_EQ(page.CellText("-3", 1), "0");
   desk.chooseAt(3, 1, "mnuSortBin");
   EXPECT_EQ(page.Key(10), "-3");
-  desk.chooseAt(0, 4, "mnuLockColumn");
-  EXPECT_EQ(page.LockedCol(), 4);
+  for (const std::int32_t col : {11, 4}) {
+    desk.chooseAt(0, col, "mnuLockColumn");
+    EXPECT_EQ(page.LockedCol(), col);
+    EXPECT_EQ(desk.grid().FrozenCols(), col);
+  }
+  EXPECT_EQ(desk.analysis().SampleGrid->LockedColumn.get(), nullptr);
   desk.chooseAt(0, 4, "mnuLockColumn");
   EXPECT_EQ(page.LockedCol(), 0);
+  EXPECT_EQ(desk.grid().FrozenCols(), 0);
   desk.grid().selectCols(3, 4);
   desk.grid().selectCols(4, 10, true);
   EXPECT_EQ(page.GetSelected(1, 1)->Count(), 8);

@@ -81,21 +81,6 @@ TEST(Csv, LetsTheUserRetryAFileThatIsHeldAndPutsTheGridBackOnCancel) {
   }
 }
 
-TEST(Csv, LeavesTheGridAsItStandsAfterAnyOtherFailure) {
-  Desk desk(kScript, kSamples);
-  desk.newAnalysis();
-  desk.host.faults().failAt("TextFiles", "Print", 3, Error(ErrorNumber::DiskFull, "file", "full"));
-  desk.host.platform().saveAnswers.push_back(host::SaveAnswer{scratch("t.csv"), 1});
-  EXPECT_THROW(desk.page().Export(), Error);
-  std::vector<std::string> chain;
-  for (const auto& report : desk.host.framework().reports()) chain.push_back(report.procedure);
-  EXPECT_THAT(chain, ::testing::ElementsAre("ExportCSV", "Export"));
-  EXPECT_EQ(desk.host.platform().MousePointer(), 11);
-  EXPECT_FALSE(desk.grid().GridEnabledRedraw());
-  EXPECT_TRUE(desk.grid().LockUpdate(true));
-  EXPECT_GT(desk.grid().RowCount(), 3);
-}
-
 TEST(Matrix, HoldsPresenceOfVisibleBinsAndSamplesWhateverThePicture) {
   const std::string expected =
       "\"Name: New AFLP 1\r\n\"Study: Plants\r\n\"Max Bin Width: 1.00\r\n\"Y Threshold: 0\r\n\"Dyes: D1, D2, "

@@ -218,19 +218,6 @@ TEST(Widths, ADragEndsWhereTheColumnsKindSaysAndTheNextIsRefused) {
   EXPECT_EQ(sample->Width, -1);
 }
 
-TEST(Locking, LeavesOneLockedColumnInBothLayouts) {
-  Desk desk(kScript);
-  IAFLPResultsPage& page = desk.newAnalysis();
-  page.SetLockedCol(11);
-  page.SetLockedCol(3);
-  EXPECT_EQ(page.LockedCol(), 3);
-  EXPECT_EQ(desk.analysis().SampleGrid->LockedColumn.get(), nullptr);
-  EXPECT_EQ(desk.grid().FrozenCols(), 3);
-  page.SetLockedCol(0);
-  EXPECT_EQ(page.LockedCol(), 0);
-  EXPECT_EQ(desk.grid().FrozenCols(), 0);
-}
-
 TEST(Menus, PopUpByPlaceWithTheirItemsPrepared) {
   Desk desk(kScript);
   desk.newAnalysis();
