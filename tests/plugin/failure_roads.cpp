@@ -67,7 +67,10 @@ void call(std::vector<Road>& all, const std::string& name, const Act& act,
 void addControls(std::vector<Road>& all) {
   for (const std::string box : {"chkDye(0)", "chkDye(3)", "chkExcludeEmptySamples", "chkExcludeFullBins",
                                 "chkShowExcluded", "chkShowWellID", "chkShowTimestamp"}) {
-    const auto click = [box](Desk& desk) { desk.control<ui::CheckBox>(box).click(), desk.wait(); };
+    const auto click = [box](Desk& desk) {
+      desk.control<ui::CheckBox>(box).click();
+      desk.wait();
+    };
     event(all, box, click);
     event(all, box + " transposed", click, openTransposed);
   }
