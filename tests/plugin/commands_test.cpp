@@ -69,19 +69,19 @@ TEST(Commands, SortByTheColumnsThatTheUserChooses) {
 TEST(Commands, SortAndLockWhereTheRightClickWas) {
   Desk desk(kScript);
   IAFLPResultsPage& page = desk.newAnalysis();
-  const auto choose = [&](std::int32_t row, std::int32_t col, const char* item) {
-    desk.host.platform().popupAnswers.push_back([](ui::MenuItem&, ui::MenuItem*) {});
-    desk.grid().rightClick(row, col);
-    desk.choose(item);
-  };
-  choose(0, 12, "mnuSortColumn");
+  desk.chooseAt(0, 12, "mnuSortColumn");
   EXPECT_EQ(page.CellText("-3", 1), "0");
-  choose(3, 1, "mnuSortBin");
+  desk.chooseAt(3, 1, "mnuSortBin");
   EXPECT_EQ(page.Key(10), "-3");
-  choose(0, 4, "mnuLockColumn");
-  EXPECT_EQ(page.LockedCol(), 4);
-  choose(0, 4, "mnuLockColumn");
+  for (const std::int32_t col : {11, 4}) {
+    desk.chooseAt(0, col, "mnuLockColumn");
+    EXPECT_EQ(page.LockedCol(), col);
+    EXPECT_EQ(desk.grid().FrozenCols(), col);
+  }
+  EXPECT_EQ(desk.analysis().SampleGrid->LockedColumn.get(), nullptr);
+  desk.chooseAt(0, 4, "mnuLockColumn");
   EXPECT_EQ(page.LockedCol(), 0);
+  EXPECT_EQ(desk.grid().FrozenCols(), 0);
   desk.grid().selectCols(3, 4);
   desk.grid().selectCols(4, 10, true);
   EXPECT_EQ(page.GetSelected(1, 1)->Count(), 8);
@@ -90,7 +90,7 @@ TEST(Commands, SortAndLockWhereTheRightClickWas) {
   EXPECT_EQ(page.GetSelected(1, 1)->Count(), 7);
 }
 
-TEST(Commands, LeavingABoxAnalysesAtOnceAndEnterDoesNotReachIt) {
+TEST(Commands, LeavingABoxAndEnterAnalyseAtOnceAndEnterIsTakenAway) {
   Desk desk(kScript);
   IAFLPResultsPage& page = desk.newAnalysis();
   for (const auto& [box, text] : {std::pair("txtMaxBinWidth", "2"), {"txtYThreshold", "7"}}) {
@@ -99,18 +99,20 @@ TEST(Commands, LeavingABoxAnalysesAtOnceAndEnterDoesNotReachIt) {
     EXPECT_TRUE(desk.control<ui::TextBox>(box).leave());
     EXPECT_EQ(desk.calculators->calculated.size(), 4U) << box;
   }
-  std::int32_t key = 13;
-  page.UserControl_KeyPress(key);
-  EXPECT_EQ(key, 0);
+  desk.control<ui::TextBox>("txtYThreshold").Text = "5";
+  std::int32_t down = 13, other = 65, press = 13;
+  page.UserControl_KeyDown(down);
+  page.UserControl_KeyDown(other);
+  page.UserControl_KeyPress(press);
+  EXPECT_EQ(desk.calculators->calculated.size(), 8U);
+  EXPECT_TRUE(down == 0 && other == 65 && press == 0);
 }
 
 TEST(Commands, HelpOpensForThePageAndForTheWarningUnlessAPressCameBefore) {
   Desk desk({{0, {{100, {1, 1, 1}}, {200, {1, 0, 1}}}}});
   desk.newAnalysis();
   desk.control<ui::CommandButton>("cmdHelp").Click.raise();
-  desk.host.platform().popupAnswers.push_back([](ui::MenuItem&, ui::MenuItem*) {});
-  desk.grid().rightClick(2, 1);
-  desk.choose("mnuExcludeBin");
+  desk.chooseAt(2, 1, "mnuExcludeBin");
   desk.host.platform().formAnswers.push_back([](ui::Form& form) {
     form.MouseDown();
     form.MouseUp();
@@ -121,18 +123,6 @@ TEST(Commands, HelpOpensForThePageAndForTheWarningUnlessAPressCameBefore) {
   ASSERT_EQ(help.size(), 2U);
   EXPECT_EQ(help.back().topic, "AFLPWarning");
   for (const auto& shown : help) EXPECT_TRUE(shown.command == 1 && shown.data == 0);
-}
-
-TEST(Commands, AReportIsMadeOfTheItemsAnalysis) {
-  Desk desk(kScript);
-  desk.newAnalysis();
-  std::vector<std::string> made;
-  desk.host.reports().onReport = [&](const host::ReportRequest& request, const std::string&) {
-    made.push_back(request.contextName + " " + std::to_string(request.contextType));
-  };
-  desk.host.runCommand(desk.host.tree().children().front().item, "NewReport");
-  EXPECT_THAT(made, ::testing::ElementsAre("New AFLP 1 1013"));
-  EXPECT_TRUE(desk.host.framework().reports().empty());
 }
 
 TEST(Table, TakesLogicalWritesInEitherOrientationAndRefusesWhatIsNoLayout) {

@@ -137,6 +137,11 @@ host::GridControl& Desk::grid() {
   return control<host::GridControl>("grdAFLP");
 }
 
+void Desk::chooseAt(std::int32_t row, std::int32_t col, const std::string& menuItem) {
+  page().Transpose() ? grid().rightClick(col, row) : grid().rightClick(row, col);
+  choose(menuItem);
+}
+
 void Desk::forget() {
   host.framework().clearReports();
   if (!calculators) return;
@@ -152,11 +157,8 @@ std::string Desk::visibleTable() {
     std::string line;
     for (std::int32_t col = 1; col <= grid.ColCount(); ++col) {
       if (grid.IsColHidden(col)) continue;
-      GridStyle style;
-      grid.GridParam().GetData().GetStyleRowCol(row, col, style, StyleMode::Copy, 1);
-      const auto interior = style.GetInterior();
       line += (line.empty() ? "" : " ") + grid.GetValue(row, col);
-      if (interior && interior->bkColor == 0xC0C0C0) line += "*";
+      if (grid.look(row, col).interior->bkColor == 0xC0C0C0) line += "*";
     }
     text += line + "\n";
   }

@@ -69,6 +69,8 @@ class Desk {
     return control<Wanted>(page(), name);
   }
   void choose(const std::string& menuItem) { control<ui::MenuItem>(menuItem).choose(); }
+  // The same after a right click on a cell of the logical table, whichever way it lies.
+  void chooseAt(std::int32_t row, std::int32_t col, const std::string& menuItem);
   // Half a second passes.
   bool wait() { return host.pages().fireTimers(); }
 

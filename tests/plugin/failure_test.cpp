@@ -167,6 +167,16 @@ TEST(Failures, ReportEachLevelOnceAndRestoreNothing) {
   EXPECT_THROW(desk.page().Analyze(true), Error);
   EXPECT_THAT(chain(desk), ::testing::ElementsAre("Analyze"));
   EXPECT_EQ(desk.host.platform().MousePointer(), 11);
+
+  Desk other(sweptScript());
+  other.newAnalysis();
+  other.host.faults().failAt("TextFiles", "Print", 3, Error(ErrorNumber::DiskFull, "file", "full"));
+  other.host.platform().saveAnswers.push_back(host::SaveAnswer{scratch("t.csv"), 1});
+  EXPECT_THROW(other.page().Export(), Error);
+  EXPECT_THAT(chain(other), ::testing::ElementsAre("ExportCSV", "Export"));
+  EXPECT_FALSE(other.grid().GridEnabledRedraw());
+  EXPECT_TRUE(other.grid().LockUpdate(true));
+  EXPECT_GT(other.grid().RowCount(), 4);
 }
 
 TEST(Failures, AskTheDeveloperInDebugModeAndGoOnTheirWay) {

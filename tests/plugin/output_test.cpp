@@ -37,21 +37,6 @@ TEST(Csv, IsTheScreenFieldByFieldWithNothingEscaped) {
   EXPECT_EQ(desk.page().CellText("-1", 0), "1");
 }
 
-TEST(Csv, FollowsTheTransposedPictureAndHiddenElements) {
-  Desk desk(kScript, {"a", "b", "c"});
-  desk.newAnalysis();
-  narrow(desk);
-  desk.page().HideRows(2, 2, true);
-  desk.control<ui::ComboBox>("cbxSampleAxis").ListIndex = 1;
-  const std::string path = scratch("t.csv");
-  desk.page().ExportCSV(path);
-  const std::string text = fileText(path);
-  EXPECT_EQ(text.substr(0, text.find("\"\",")),
-            "\"Bin\",\"100\",\"300\"\r\n\"Dye\",\"D1\",\"D4\"\r\n\"a\",\"1\",\"0\"\r\n\"b\",\"0\",\"5\"\r\n"
-            "\"c\",\"2\",\"1\"\r\n");
-  EXPECT_EQ(desk.page().CellText("-1", 0), "1-a");
-}
-
 TEST(Export, AsksForANameWithItsDialogAndTouchesNothingOnCancel) {
   Desk desk(kScript, kSamples);
   desk.newAnalysis();
@@ -94,21 +79,6 @@ TEST(Csv, LetsTheUserRetryAFileThatIsHeldAndPutsTheGridBackOnCancel) {
       EXPECT_TRUE(!retry || std::count(text.begin(), text.end(), '\n') == 13) << statement;
     }
   }
-}
-
-TEST(Csv, LeavesTheGridAsItStandsAfterAnyOtherFailure) {
-  Desk desk(kScript, kSamples);
-  desk.newAnalysis();
-  desk.host.faults().failAt("TextFiles", "Print", 3, Error(ErrorNumber::DiskFull, "file", "full"));
-  desk.host.platform().saveAnswers.push_back(host::SaveAnswer{scratch("t.csv"), 1});
-  EXPECT_THROW(desk.page().Export(), Error);
-  std::vector<std::string> chain;
-  for (const auto& report : desk.host.framework().reports()) chain.push_back(report.procedure);
-  EXPECT_THAT(chain, ::testing::ElementsAre("ExportCSV", "Export"));
-  EXPECT_EQ(desk.host.platform().MousePointer(), 11);
-  EXPECT_FALSE(desk.grid().GridEnabledRedraw());
-  EXPECT_TRUE(desk.grid().LockUpdate(true));
-  EXPECT_GT(desk.grid().RowCount(), 3);
 }
 
 TEST(Matrix, HoldsPresenceOfVisibleBinsAndSamplesWhateverThePicture) {
@@ -157,12 +127,7 @@ TEST(Output, ShowsTheSameTableAfterCopyingPrintingAndTheSpreadsheet) {
 TEST(Output, LosesDecisionsAfterAskingAndKeepsAnEmptyGridWhenThatIsCancelled) {
   Desk desk({{0, {{100, {1, 1, 1}}, {200, {1, 0, 1}}}}});
   IAFLPResultsPage& page = desk.newAnalysis();
-  const auto excludeSecondBin = [&] {
-    desk.host.platform().popupAnswers.push_back([](ui::MenuItem&, ui::MenuItem*) {});
-    desk.grid().rightClick(2, 1);
-    desk.choose("mnuExcludeBin");
-  };
-  excludeSecondBin();
+  desk.chooseAt(2, 1, "mnuExcludeBin");
   const auto answer = [&](const char* button) {
     desk.host.platform().formAnswers.push_back(
         [button](ui::Form& form) { form.Controls().find<ui::CommandButton>(button)->Click.raise(); });
@@ -171,7 +136,7 @@ TEST(Output, LosesDecisionsAfterAskingAndKeepsAnEmptyGridWhenThatIsCancelled) {
   page.CopyGrid();
   EXPECT_FALSE(page.AnyManualExclusions());
   EXPECT_EQ(page.NumRows(), 2);
-  excludeSecondBin();
+  desk.chooseAt(2, 1, "mnuExcludeBin");
   answer("btnCancel");
   page.CopyGrid();
   EXPECT_EQ(page.NumRows(), 0);

@@ -104,20 +104,17 @@ TEST(ParamsPage, ReadsStrictlyWhenItSaves) {
   Desk desk(kOneBin);
   const auto page = desk.parametersPage();
   Boxes boxes(page);
-  boxes.width.Text = "1.2a";  // valid to the check, no number as a whole
-  try {
-    desk.accept(page);
-    FAIL() << "was saved";
-  } catch (const Error& error) {
-    EXPECT_EQ(error.number(), ErrorNumber::TypeMismatch);
-  }
-  boxes.width.Text = "1.5";
-  boxes.threshold.Text = "3000000000";
-  try {
-    desk.accept(page);
-    FAIL() << "was saved";
-  } catch (const Error& error) {
-    EXPECT_EQ(error.number(), ErrorNumber::Overflow);
+  // Valid to the check, but no number as a whole, or too large.
+  for (const auto& [width, threshold, number] :
+       {std::tuple("1.2a", "0", ErrorNumber::TypeMismatch), {"1.5", "3000000000", ErrorNumber::Overflow}}) {
+    boxes.width.Text = width;
+    boxes.threshold.Text = threshold;
+    try {
+      desk.accept(page);
+      FAIL() << "was saved";
+    } catch (const Error& error) {
+      EXPECT_EQ(error.number(), number);
+    }
   }
   const auto& analysis = dynamic_cast<AFLP&>(*page->bound());
   EXPECT_EQ(analysis.MaxBinWidth, 1.5);  // what came before the failure is written

@@ -53,17 +53,14 @@ std::vector<host::NewResult> anyStudy(std::mt19937& random) {
 
 class PlainSteps {
  public:
-  explicit PlainSteps(unsigned seed) : random_(seed), study_(anyStudy(random_)), host_(settings()) {
-    host_.loadComponent(BANDDESK_PLUGIN);
-    host_.openStudy(std::make_shared<host::MemoryStore>("Plants", study_));
-    host_.runNewAnalysis();
-    host_.pages().end(host_.pages().openPages().back(), true);
+  explicit PlainSteps(unsigned seed) : random_(seed), study_(anyStudy(random_)), desk_(study_) {
+    desk_.newAnalysis();
   }
 
   // One thing that a user may do, whatever it is.
   std::string act() {
     const auto flip = [&](const std::string& box) {
-      control<ui::CheckBox>(box).click();
+      desk_.control<ui::CheckBox>(box).click();
       return box;
     };
     const auto any = [&](std::int32_t first, std::int32_t last) {
@@ -72,7 +69,7 @@ class PlainSteps {
     switch (random_() % 10) {
       case 0: {
         const std::string option = "optSampleBin(" + std::to_string(random_() % 3) + ")";
-        control<ui::OptionButton>(option).Value = true;
+        desk_.control<ui::OptionButton>(option).Value = true;
         return option;
       }
       case 1:
@@ -84,12 +81,10 @@ class PlainSteps {
       case 4:
         return flip("chkDye(" + std::to_string(random_() % 4) + ")");
       case 5:
-        rightClick(any(1, page().NumRows()), 1);
-        control<ui::MenuItem>("mnuExcludeBin").choose();
+        desk_.chooseAt(any(1, page().NumRows()), 1, "mnuExcludeBin");
         return "exclude a bin";
       case 6:
-        rightClick(0, any(10, page().NumCols()));
-        control<ui::MenuItem>("mnuExcludeColumn").choose();
+        desk_.chooseAt(0, any(10, page().NumCols()), "mnuExcludeColumn");
         return "exclude a sample";
       case 7:
         page().SortCol(any(1, page().NumCols()));
@@ -99,7 +94,7 @@ class PlainSteps {
         return "sort by a row";
       default:
         if (random_() % 2 == 0 && !page().AnyManualExclusions()) {
-          control<ui::TextBox>("txtYThreshold").Text = std::to_string(random_() % 4 * 1000);
+          desk_.control<ui::TextBox>("txtYThreshold").Text = std::to_string(random_() % 4 * 1000);
           page().Analyze(false);
           return "another threshold";
         }
@@ -108,7 +103,7 @@ class PlainSteps {
     }
   }
 
-  void wait() { host_.pages().fireTimers(); }
+  void wait() { desk_.wait(); }
 
   void compare() {
     const std::vector<PlainBin> bins = plainBins();
@@ -120,10 +115,9 @@ class PlainSteps {
       ASSERT_EQ(view.autoExcluded[bin] != 0, isBinMarked[bin - 1]) << "bin " << bin;
       const bool isGrey =
           view.manualExcluded[bin] != 0 || (isBinMarked[bin - 1] && view.manualIncluded[bin] == 0);
-      const bool isDyeShown =
-          control<ui::CheckBox>("chkDye(" + std::to_string(bins[bin - 1].dye) + ")").Value == 1;
+      const bool isHidden = (isGrey && !isChecked("chkShowExcluded")) || !isDyeChecked(bins[bin - 1].dye);
       if (view.manualIncluded[bin] == 0) {
-        ASSERT_EQ(page().IsRowHidden(row), (isGrey && !isChecked("chkShowExcluded")) || !isDyeShown);
+        ASSERT_EQ(page().IsRowHidden(row), isHidden);
       }
       compareRow(row, bins[bin - 1], isGrey);
     }
@@ -132,26 +126,11 @@ class PlainSteps {
   }
 
  private:
-  static host::HostSettings settings() {
-    host::HostSettings made;
-    made.makeGrid = [](const std::string& name) { return std::make_shared<host::GridControl>(name); };
-    made.codeSet = "UTF-8";
-    return made;
-  }
-  IAFLPResultsPage& page() {
-    return dynamic_cast<IAFLPResultsPage&>(*host_.pages().openPages().back()->control());
-  }
-  AFLP& analysis() { return dynamic_cast<AFLP&>(*host_.pages().openPages().back()->bound()); }
-  host::GridControl& grid() { return control<host::GridControl>("grdAFLP"); }
-  template <class Wanted>
-  Wanted& control(const std::string& name) {
-    return Desk::control<Wanted>(page(), name);
-  }
-  bool isChecked(const char* box) { return control<ui::CheckBox>(box).Value == 1; }
-  void rightClick(std::int32_t row, std::int32_t col) {
-    host_.platform().popupAnswers.push_back([](ui::MenuItem&, ui::MenuItem*) {});
-    page().Transpose() ? grid().rightClick(col, row) : grid().rightClick(row, col);
-  }
+  IAFLPResultsPage& page() { return desk_.page(); }
+  AFLP& analysis() { return desk_.analysis(); }
+  host::GridControl& grid() { return desk_.grid(); }
+  bool isChecked(const std::string& box) { return desk_.control<ui::CheckBox>(box).Value == 1; }
+  bool isDyeChecked(int dye) { return isChecked("chkDye(" + std::to_string(dye) + ")"); }
 
   // What fresh calculators say of the study's fragments.
   std::vector<PlainBin> plainBins() {
@@ -188,8 +167,7 @@ class PlainSteps {
     const bool filtersBins = isChecked("chkExcludeFullBins");
     const bool filtersSamples = isChecked("chkExcludeEmptySamples");
     const auto isValid = [&](std::size_t bin) {
-      const auto& dye = control<ui::CheckBox>("chkDye(" + std::to_string(bins[bin].dye) + ")");
-      return view.manualExcluded[bin + 1] == 0 && !isBinMarked[bin] && dye.Value != 0;
+      return view.manualExcluded[bin + 1] == 0 && !isBinMarked[bin] && isDyeChecked(bins[bin].dye);
     };
     const auto remains = [&](std::size_t sample) {
       return !column(sample).IsExcluded && !isSampleMarked[sample];
@@ -269,13 +247,13 @@ class PlainSteps {
   }
 
   std::vector<std::string> parameterLines() {
-    std::vector<std::string> lines{"Name: New AFLP 1", "Study: Plants",
-                                   "Max Bin Width: " + control<ui::TextBox>("txtMaxBinWidth").Text.get(),
-                                   "Y Threshold: " + control<ui::TextBox>("txtYThreshold").Text.get()};
+    std::vector<std::string> lines{
+        "Name: New AFLP 1", "Study: Plants",
+        "Max Bin Width: " + desk_.control<ui::TextBox>("txtMaxBinWidth").Text.get(),
+        "Y Threshold: " + desk_.control<ui::TextBox>("txtYThreshold").Text.get()};
     std::string dyes;
     for (int dye = 0; dye < 4; ++dye) {
-      if (isChecked(("chkDye(" + std::to_string(dye) + ")").c_str()))
-        dyes += (dyes.empty() ? "D" : ", D") + std::to_string(dye + 1);
+      if (isDyeChecked(dye)) dyes += (dyes.empty() ? "D" : ", D") + std::to_string(dye + 1);
     }
     lines.push_back("Dyes: " + dyes);
     const auto plain = [](std::string caption) {
@@ -283,9 +261,9 @@ class PlainSteps {
       return caption;
     };
     const std::string option = "optSampleBin(" + std::to_string(analysis().SampleBinOption) + ")";
-    lines.push_back(plain(control<ui::OptionButton>(option).Caption));
+    lines.push_back(plain(desk_.control<ui::OptionButton>(option).Caption));
     for (const char* box : {"chkExcludeFullBins", "chkExcludeEmptySamples", "chkShowExcluded"}) {
-      if (isChecked(box)) lines.push_back(plain(control<ui::CheckBox>(box).Caption));
+      if (isChecked(box)) lines.push_back(plain(desk_.control<ui::CheckBox>(box).Caption));
     }
     return lines;
   }
@@ -361,7 +339,7 @@ class PlainSteps {
 
   std::mt19937 random_;
   std::vector<host::NewResult> study_;
-  host::Host host_;
+  Desk desk_;
 };
 
 TEST(PlainSteps, ComeToTheSameCellsStylesMarksAndFiles) {

@@ -319,10 +319,8 @@ void RandomUser::checkPlaces() {
 }
 
 bool RandomUser::isGrey(std::int32_t row, std::int32_t col) {
-  GridStyle style;
   if (isTransposed_) std::swap(row, col);
-  grid_->GridParam().GetData().GetStyleRowCol(row, col, style, StyleMode::Copy, 1);
-  return style.GetInterior() && style.GetInterior()->bkColor == kGrey;
+  return grid_->look(row, col).interior->bkColor == kGrey;
 }
 
 void RandomUser::checkRows() {

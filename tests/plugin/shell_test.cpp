@@ -7,7 +7,6 @@ namespace banddesk::test {
 namespace {
 
 using ::testing::ElementsAre;
-using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
 const Script kOneBin{{0, {{100, {1, 1, 0}}}}};
@@ -20,7 +19,7 @@ std::vector<std::string> names(Desk& desk) {
   return all;
 }
 
-TEST(Service, EnablesItsCommandWithTheStudyAndUnloadsSamplesAfterIt) {
+TEST(Service, EnablesItsCommandByOpeningAStudyAndUnloadsSamplesAfterIt) {
   Desk desk(kOneBin);
   EXPECT_FALSE(commandIsEnabled(desk));
   desk.openStudy();
@@ -31,6 +30,9 @@ TEST(Service, EnablesItsCommandWithTheStudyAndUnloadsSamplesAfterIt) {
   desk.host.closeStudy();
   EXPECT_FALSE(commandIsEnabled(desk));
   EXPECT_FALSE(sample->isLoaded());
+  desk.openStudy();
+  desk.host.serviceBase().Initialize.raise();
+  EXPECT_FALSE(commandIsEnabled(desk)) << "a study that was open already enabled it";
 }
 
 // Hundreds of samples are loaded one after the other; only the latest stay.
@@ -55,22 +57,20 @@ TEST(Service, LetsTheStoreOfAClosedStudyGo) {
   EXPECT_TRUE(store.expired());
 }
 
-TEST(Service, StaysDisabledUntilTheNextStudyWhenItStartsBesideAnOpenOne) {
-  Desk desk(kOneBin);
-  desk.openStudy();
-  desk.host.serviceBase().Initialize.raise();
-  EXPECT_FALSE(commandIsEnabled(desk));
-}
-
-TEST(Service, TellsOnceThatAStudyIsMissingAndMakesNothing) {
-  Desk desk(kOneBin);
-  desk.host.service().NewAFLP();
-  ASSERT_EQ(desk.host.platform().messages().size(), 1U);
-  const auto& shown = desk.host.platform().messages().front();
-  EXPECT_EQ(shown.text, "Please create or open a study before performing an AFLP analysis.");
-  EXPECT_EQ(shown.style, 64);
-  EXPECT_EQ(shown.title, "AFLP Analysis");
-  EXPECT_THAT(desk.host.pages().openPages(), IsEmpty());
+TEST(Service, TellsOnceWhatANewAnalysisLacksAndMakesNothing) {
+  for (const auto& [isOpen, text] :
+       {std::pair(false, "Please create or open a study before performing an AFLP analysis."),
+        {true, "Please add results to the study before performing an AFLP analysis."}}) {
+    Desk desk({}, {});
+    if (isOpen) desk.openStudy();
+    desk.host.service().NewAFLP();
+    ASSERT_EQ(desk.host.platform().messages().size(), 1U);
+    const auto& shown = desk.host.platform().messages().front();
+    EXPECT_EQ(shown.text, text);
+    EXPECT_EQ(shown.style, 64);
+    EXPECT_EQ(shown.title, "AFLP Analysis");
+    EXPECT_THAT(desk.host.pages().openPages(), IsEmpty());
+  }
 }
 
 TEST(Folder, GivesTheFirstFreeNumberWhateverTheCaseOfNames) {
@@ -105,16 +105,6 @@ TEST(Folder, HoldsTheNameOfAnAnalysisWhoseParametersAreOpenAndFreesItOnCancel) {
   EXPECT_EQ(dynamic_cast<AFLP&>(*desk.pageNamed("AFLPParams")->bound()).Name.get(), "New AFLP 1");
 }
 
-TEST(Folder, AsksForResultsFirst) {
-  Desk desk({}, {});
-  desk.openStudy();
-  desk.host.runNewAnalysis();
-  ASSERT_EQ(desk.host.platform().messages().size(), 1U);
-  EXPECT_EQ(desk.host.platform().messages().front().text,
-            "Please add results to the study before performing an AFLP analysis.");
-  EXPECT_THAT(desk.host.pages().openPages(), IsEmpty());
-}
-
 TEST(Folder, OpensAsTheCheckOfTheAnalysisSays) {
   struct Case {
     std::int32_t answer;
@@ -137,7 +127,7 @@ TEST(Folder, OpensAsTheCheckOfTheAnalysisSays) {
   }
 }
 
-TEST(Folder, DeletesFromStudyAndTreeAndLeavesTheStoreToTheSave) {
+TEST(Folder, DeletesFromStudyAndTreeAndLeavesTheStoreToTheSaveThatItIsChosenFor) {
   Desk desk(kOneBin);
   desk.newAnalysis();
   desk.host.save();
@@ -146,6 +136,7 @@ TEST(Folder, DeletesFromStudyAndTreeAndLeavesTheStoreToTheSave) {
   EXPECT_THAT(desk.host.tree().children(), IsEmpty());
   EXPECT_EQ(desk.host.study().Study()->AFLPs.Count(), 0);
   EXPECT_EQ(desk.store->analysisIds().size(), 1U);
+  desk.host.save([](const std::vector<std::string>&) { return std::vector<std::string>(); });
   EXPECT_THAT(desk.host.unsaved(), ElementsAre("Delete AFLP: New AFLP 1"));
   desk.host.save();
   EXPECT_THAT(desk.store->analysisIds(), IsEmpty());
@@ -204,18 +195,15 @@ TEST(SaveFlow, DoesNotListAStoredAnalysisThatWasOnlyOpened) {
   EXPECT_THAT(desk.host.unsaved(), ElementsAre("Update AFLP: New AFLP 1"));
 }
 
-TEST(SaveFlow, KeepsADeletionThatWasNotChosenForTheNextSave) {
+TEST(Reports, AreMadeOfTheItemsAnalysisAndOfferedUnlessTheCommandIsHidden) {
   Desk desk(kOneBin);
   desk.newAnalysis();
-  desk.host.save();
-  desk.host.service().DeleteAFLP(desk.host.study().Study()->AFLPs.Item(1));
-  desk.host.save([](const std::vector<std::string>&) { return std::vector<std::string>(); });
-  EXPECT_THAT(desk.host.unsaved(), ElementsAre("Delete AFLP: New AFLP 1"));
-}
-
-TEST(Reports, OfferEveryAnalysisUnlessTheCommandIsHidden) {
-  Desk desk(kOneBin);
-  desk.newAnalysis();
+  std::vector<std::string> made;
+  desk.host.reports().onReport = [&](const host::ReportRequest& request, const std::string&) {
+    made.push_back(request.contextName);
+  };
+  desk.host.runCommand(desk.host.tree().children().front().item, "NewReport");
+  EXPECT_THAT(made, ElementsAre("New AFLP 1"));
   const auto offered = [&] {
     std::vector<std::pair<std::string, std::int32_t>> contexts;
     for (const auto& each : desk.host.reportContexts())
