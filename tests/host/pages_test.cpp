@@ -72,6 +72,19 @@ TEST(Pages, EndInOrderUnlessTheyAreNotValid) {
   }
 }
 
+// What they told others of themselves before they failed is taken back.
+TEST(Pages, ThatFailAtTheirStartAreTerminatedAndNotOpen) {
+  Desk desk;
+  desk.newAnalysis();
+  const auto analysis = desk.host.study().Study()->AFLPs.Item(1);
+  desk.host.pages().endAll();
+  desk.host.faults().failAt("Progress", "Start", 1, Error(ErrorNumber::Internal, "bar", "broken"));
+  bool show = true;
+  EXPECT_THROW(analysis->Open(show), Error);
+  EXPECT_EQ(analysis->ResultsPage.get(), nullptr);
+  EXPECT_THAT(desk.host.pages().openPages(), IsEmpty());
+}
+
 TEST(Pages, AllEndWithTheirStudyThoughTheyOrTheirOwnerFail) {
   for (const char* failing : {"exit cancelled", "terminate"}) {
     Desk desk;
