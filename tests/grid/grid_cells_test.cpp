@@ -128,32 +128,5 @@ TEST(GridCells, TheLockRefusesValuesAndStylesOfReadOnlyCellsAndNothingElse) {
   EXPECT_EQ(grid.GetValue(1, 1), "");
 }
 
-TEST(GridCells, VisitsGiveEveryCellOfALineInOrderOrOnlyTheVisibleOnes) {
-  GridControl grid("grid");
-  grid.SetColCount(4);
-  grid.SetValueRange(2, 1, "5", 4);
-  grid.SetValueRange(2, 3, "text", 4);
-  grid.SetUserAttribute(2, 3, "key");
-  grid.HideCols(1, 1, true);
-  for (const Axis axis : {Axis::Rows, Axis::Columns}) {
-    std::string all;
-    std::string visible;
-    std::string keys;
-    const auto into = [](std::string& line) {
-      return [&line](std::int32_t at, std::string_view text) {
-        line += std::to_string(at) + std::string(text) + ' ';
-      };
-    };
-    grid.VisitTexts(axis, 2, 0, 4, false, into(all));
-    grid.VisitTexts(axis, 2, 0, 4, true, into(visible));
-    grid.VisitUserAttributes(axis, 2, 2, 3, into(keys));
-    grid.VisitTexts(axis, 2, 3, 2, false, [](std::int32_t, std::string_view) { FAIL(); });
-    EXPECT_EQ(all, "0 15 2 3text 4 ");
-    EXPECT_EQ(visible, "0 2 3text 4 ");
-    EXPECT_EQ(keys, "2 3key ");
-    grid.ExchangeAxes();
-  }
-}
-
 }  // namespace
 }  // namespace banddesk::host
