@@ -103,10 +103,5 @@ RC_GTEST_PROP(PartitionSearch, FindsTheCheapestOfAllPartitions, ()) {
   RC_ASSERT(std::abs(row.costOf(found.binBegins()) - least) < 1e-9);
 }
 
-TEST(PartitionSearch, OfNothingHasNoBins) {
-  const PartitionSearch search({.bin = 1, .repeat = 1, .maxWidth = 1});
-  EXPECT_TRUE(search.binBegins().empty());
-}
-
 }  // namespace
 }  // namespace banddesk::host

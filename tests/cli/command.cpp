@@ -1,9 +1,10 @@
 #include "tests/cli/command.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 #include <sstream>
 #include <sys/wait.h>
 
@@ -17,10 +18,23 @@ Outcome shell(const std::string& command) {
   return {WIFEXITED(raw) ? WEXITSTATUS(raw) : -1, readFile(out), readFile(err)};
 }
 
-Outcome banddesk(const std::vector<std::string>& arguments, const std::string& environment) {
+Outcome banddesk(const Arguments& arguments, const std::string& environment) {
   std::string command = environment + " '" BANDDESK_BINARY "'";
   for (const std::string& argument : arguments) command += " '" + argument + "'";
   return shell(command);
+}
+
+Outcome ok(const Arguments& arguments, const std::string& environment) {
+  const Outcome outcome = banddesk(arguments, environment);
+  EXPECT_EQ(outcome.status, 0) << testing::PrintToString(arguments) << outcome.err;
+  return outcome;
+}
+
+void expectError(const Arguments& arguments, const std::string& message, const std::string& environment) {
+  const Outcome outcome = banddesk(arguments, environment);
+  EXPECT_EQ(outcome.status, 2) << testing::PrintToString(arguments);
+  EXPECT_THAT(outcome.err, testing::HasSubstr(message));
+  EXPECT_EQ(std::ranges::count(outcome.err, '\n'), 1) << outcome.err;
 }
 
 std::string readFile(const std::string& path) {
@@ -48,6 +62,8 @@ std::string folder() {
   }
   return made;
 }
+
+std::string in(const std::string& name) { return folder() + "/" + name; }
 
 std::string realTable(const std::string& name) {
   const char* named = std::getenv("BANDDESK_SHARED");

@@ -17,15 +17,6 @@ namespace fs = std::filesystem;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
-using Arguments = std::vector<std::string>;
-
-std::string in(const std::string& name) { return folder() + "/" + name; }
-
-Outcome ok(const Arguments& arguments) {
-  const Outcome outcome = banddesk(arguments);
-  EXPECT_EQ(outcome.status, 0) << testing::PrintToString(arguments) << outcome.err;
-  return outcome;
-}
 
 // A table of three samples; "c" has the only fragment of 300 nt.
 std::string smallTable(const std::string& name = "t.txt") {
@@ -64,28 +55,16 @@ void expectSameExports(const std::string& study, const std::string& name, Argume
 }
 
 TEST(StudyFiles, ExportTheSameInANewProcess) {
-  struct Case {
-    std::string table;
-    Arguments import;
-    std::string sample, bin;  // to exclude
-  };
-  const std::vector<Case> cases = {
-      {smallTable(), {}, "c", "D1-200.55"},
-      {realTable("peak-scanner/eaacmcat.txt"), {"--ladder", "R"}, "BF29-2", "D1-100"},
-      {realTable("genemapper/demo_samples_abi.txt"), {}, "", ""},
-      {realTable("genemapper/example_data.txt"), {}, "", ""},
-  };
-  for (const Case& one : cases) {
-    if (one.table.empty()) continue;
-    SCOPED_TRACE(one.table);
-    const std::string study = in(fs::path(one.table).stem().string() + ".study");
+  const std::string real = realTable("genemapper/demo_samples_abi.txt");
+  for (const std::string& table : {smallTable(), real}) {
+    if (table.empty()) continue;
+    SCOPED_TRACE(table);
+    const std::string study = in(fs::path(table).stem().string() + ".study");
     ok({"new", study});
-    Arguments import{"import", study, one.table};
-    import.insert(import.end(), one.import.begin(), one.import.end());
-    ok(import);
+    ok({"import", study, table});
     Arguments decisions{"--max-bin-width", "1.2", "--y-threshold", "60", "--sort", "83:desc"};
-    if (!one.sample.empty()) decisions.insert(decisions.end(), {"--exclude-sample", one.sample});
-    if (one.table == cases.front().table) decisions.insert(decisions.end(), {"--exclude-bin", one.bin});
+    if (table != real)
+      decisions.insert(decisions.end(), {"--exclude-sample", "c", "--exclude-bin", "D1-200.55"});
     expectSameExports(study, "Hidden", decisions);
     decisions.push_back("--show-excluded");
     expectSameExports(study, "Shown", decisions);
@@ -94,10 +73,9 @@ TEST(StudyFiles, ExportTheSameInANewProcess) {
     // And opened again and saved once more, it is still the same.
     ok({"analyze", study, "--name", "in rows", "--csv", in("again.csv")});
     EXPECT_TRUE(readFile(in("again.csv")) == readFile(in("before--csv")));
-    const std::string hidden = in("hidden.csv");
-    ok({"export", study, "--name", "Shown", "--hide-excluded", "--csv", hidden});
+    ok({"export", study, "--name", "Shown", "--hide-excluded", "--csv", in("hidden.csv")});
     ok({"export", study, "--name", "Hidden", "--csv", in("h.csv")});
-    std::string shown = readFile(hidden);
+    std::string shown = readFile(in("hidden.csv"));
     shown.replace(shown.find("Name: Shown"), 11, "Name: Hidden");
     EXPECT_TRUE(shown == readFile(in("h.csv")));
   }
@@ -138,41 +116,6 @@ TEST(StudyFiles, KeepWhatAUserDidToTheGrid) {
   }
 }
 
-TEST(StudyFiles, AreTheSameWhateverTheSpellingOfTheTable) {
-  const std::string study = smallStudy();
-  const std::string plain = ok({"results", study}).out;
-  EXPECT_THAT(plain, HasSubstr("a\tB 2, G 1\n"));
-  const auto spelled = [&](std::vector<std::pair<std::string, std::string>> changes) {
-    std::string text = readFile(in("t.txt"));
-    for (const auto& [what, with] : changes) {
-      for (std::size_t at = 0; (at = text.find(what, at)) != std::string::npos; at += with.size())
-        text.replace(at, what.size(), with);
-    }
-    return text;
-  };
-  std::string wide = "\xFF\xFE";
-  for (const char c : spelled({})) (wide += c) += '\0';
-  const std::vector<std::string> spellings = {spelled({{"\n", "\t\r\n"}}),
-                                              "\xEF\xBB\xBF" + spelled({}),
-                                              wide,
-                                              spelled({{"\t", ";"}, {".", ","}, {",fsa", ".fsa"}}),
-                                              spelled({{"\"", ""}}),
-                                              spelled({{"B,", "B, "}}),
-                                              "GeneMarker\t\t\t\nVersion\t\n\n" + spelled({})};
-  const host::StudyRecord wanted = host::SqliteStore(study).readStudy();
-  for (std::size_t i = 0; i < spellings.size(); ++i) {
-    SCOPED_TRACE(i);
-    const std::string other = in(fmt::format("{}.study", i));
-    writeFile(in("other.txt"), spellings[i]);
-    ok({"new", other});
-    ok({"import", other, in("other.txt")});
-    host::SqliteStore store(other), first(study);
-    EXPECT_EQ(store.readStudy().results, wanted.results);
-    for (const auto& result : wanted.results)
-      EXPECT_TRUE(*store.readFragments(result.id) == *first.readFragments(result.id));
-  }
-}
-
 TEST(StudyFiles, AreListedAndTheirResultsExcludedAndDeleted) {
   const std::string study = smallStudy();
   ok({"analyze", study, "--name", "All"});
@@ -195,14 +138,14 @@ TEST(StudyFiles, SayInOneLineWhatIsWrongAndStayAsTheyWere) {
   const std::string study = smallStudy();
   ok({"analyze", study, "--name", "One", "--exclude-bin", "D1-300"});
   ok({"analyze", study, "--name", "Two"});
-  writeFile(in("text.study"), "no study");
+  writeFile(in("cut.study"), readFile(study).substr(0, 20'000));
   ok({"new", in("empty.study")});
   const std::string before = readFile(study);
   const std::vector<std::pair<Arguments, std::string>> cases = {
       {{"new", study}, "such a file already"},
       {{"new", in("no/x.study")}, "no such folder"},
       {{"import", in("none.study"), in("t.txt")}, "no such file"},
-      {{"import", in("text.study"), in("t.txt")}, "it is no study"},
+      {{"import", in("cut.study"), in("t.txt")}, "damaged"},
       {{"import", study, in("none.txt")}, "no such file"},
       {{"import", study, in("t.txt"), "--ladder", "X"}, "none of the dyes"},
       {{"list", in("t.txt")}, "it is no study"},
@@ -218,23 +161,8 @@ TEST(StudyFiles, SayInOneLineWhatIsWrongAndStayAsTheyWere) {
       {{"analyze", study, "--name", "One", "--max-bin-width", "2"}, "decided by hand"},
   };
   for (const auto& [arguments, message] : cases) {
-    SCOPED_TRACE(testing::PrintToString(arguments));
-    const Outcome outcome = banddesk(arguments);
-    EXPECT_EQ(outcome.status, 2);
-    EXPECT_THAT(outcome.err, HasSubstr(message));
-    EXPECT_EQ(std::count(outcome.err.begin(), outcome.err.end(), '\n'), 1) << outcome.err;
+    expectError(arguments, message);
     EXPECT_TRUE(readFile(study) == before);
-  }
-}
-
-TEST(StudyFiles, AreNotWorkedOnByTwoPrograms) {
-  const std::string study = smallStudy();
-  const host::SqliteStore open(study);
-  for (const Arguments& arguments :
-       {Arguments{"import", study, in("t.txt")}, Arguments{"list", study}, Arguments{"analyze", study}}) {
-    const Outcome outcome = banddesk(arguments);
-    EXPECT_EQ(outcome.status, 2);
-    EXPECT_EQ(outcome.err, "banddesk: " + study + ": it is open in another program\n");
   }
 }
 
@@ -250,7 +178,6 @@ TEST(StudyFiles, AreImportedIntoAndAnalysedOnlyWhereTheyMayBeWritten) {
   EXPECT_THAT(asNobody("import '" + study + "' '" + in("t.txt") + "'").err,
               HasSubstr("the file may not be written"));
   EXPECT_THAT(asNobody("analyze '" + study + "'").err, HasSubstr("the file may not be written"));
-  EXPECT_THAT(asNobody("results '" + study + "' --exclude a").err, HasSubstr("the file may not be written"));
   fs::create_directory(in("open"));
   fs::permissions(in("open"), fs::perms::all);
   EXPECT_THAT(asNobody("export '" + study + "' --csv '" + in("open/x.csv") + "'").err, IsEmpty());
@@ -271,9 +198,7 @@ TEST(Quality, TellsTheFiguresOfAStoredTableAndEveryPairItCannotMake) {
   EXPECT_THAT(readFile(in("q.json")), HasSubstr("\"mismatchError\": 0.75"));
   EXPECT_THAT(ok({"quality", study, "--replicates", "zz"}).out, HasSubstr("no replicates"));
   writeFile(in("pairs.tsv"), "a\tc\na c\n");
-  const Outcome bad = banddesk({"quality", study, "--replicates", in("pairs.tsv")});
-  EXPECT_EQ(bad.status, 2);
-  EXPECT_THAT(bad.err, HasSubstr("pairs.tsv, line 2"));
+  expectError({"quality", study, "--replicates", in("pairs.tsv")}, "pairs.tsv, line 2");
 }
 
 TEST(Report, TellsAnAnalysisAsOneEscapedPage) {
@@ -286,10 +211,6 @@ TEST(Report, TellsAnAnalysisAsOneEscapedPage) {
   EXPECT_THAT(page, Not(HasSubstr("<i>")));
   EXPECT_THAT(page, HasSubstr("<dt>Maximum bin width</dt><dd>1 nt</dd>"));
   EXPECT_THAT(page, HasSubstr("<td class=\"text\">D1 (B)</td><td>6</td><td>3</td>"));
-  for (const char* part :
-       {"Parameters", "Counts", "Quality of the table", "Excluded elements", "Head of the table", "Bins"})
-    EXPECT_THAT(page, HasSubstr(fmt::format("<h2>{}</h2>", part)));
-  EXPECT_THAT(page, HasSubstr("@media print"));
   ok({"report", study, in("again.html")});
   EXPECT_EQ(readFile(in("again.html")).size(), page.size()) << "a report changes nothing";
 }

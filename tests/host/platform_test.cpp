@@ -5,25 +5,29 @@
 #include <fstream>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <iterator>
 #include <sys/resource.h>
 
-#include "tests/host/fake_component.h"
+#include "tests/plugin/desk.h"
 
 namespace banddesk::host {
 namespace {
 
 namespace fs = std::filesystem;
 
+ErrorNumber numberOf(const std::function<void()>& action) {
+  try {
+    action();
+  } catch (const Error& error) {
+    return error.number();
+  }
+  return ErrorNumber::None;
+}
+
 class TextFile : public testing::Test {
  protected:
   TextFile() { fs::create_directories(folder_); }
   ~TextFile() override { fs::remove_all(folder_); }
   std::string path(const std::string& name) const { return (folder_ / name).string(); }
-  static std::string bytesOf(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-  }
   FaultInjector faults_;
 
  private:
@@ -52,7 +56,7 @@ TEST_F(TextFile, IsWrittenInTheCodeSetOfTheSystem) {
     EXPECT_EQ(files.FreeFile(), 2);
     files.Close(1);
     EXPECT_EQ(files.FreeFile(), 1);
-    EXPECT_EQ(bytesOf(path("a.csv")), one.bytes);
+    EXPECT_EQ(test::fileText(path("a.csv")), one.bytes);
   }
 }
 
@@ -93,7 +97,7 @@ TEST_F(TextFile, LosesAndDoublesNothingWhenAWriteIsRepeated) {
   setrlimit(RLIMIT_FSIZE, &before);
   (void)std::signal(SIGXFSZ, oldHandler);
   EXPECT_EQ(failures, 1);
-  EXPECT_EQ(bytesOf(name), expected);
+  EXPECT_EQ(test::fileText(name), expected);
 }
 
 TEST(Platform, JoinsPathsOfEitherSlash) {
@@ -103,29 +107,24 @@ TEST(Platform, JoinsPathsOfEitherSlash) {
   EXPECT_EQ(platform.JoinPath("/opt/banddesk/", "a/./b.csv"), "/opt/banddesk/a/b.csv");
 }
 
-TEST(Platform, TakesAnswersFromTheQueueThenTheHookThenTheCarefulOne) {
+TEST(Platform, AnswersABoxThatNobodySeesWithTheCarefulButton) {
   FaultInjector faults;
   HostPlatform platform(faults, "UTF-8", '.');
-  const auto ask = [&] { return platform.MsgBox("Again?", ui::kExclamationRetryCancel, ""); };
-  EXPECT_EQ(ask(), ui::BoxAnswer::Cancel);
-  EXPECT_EQ(platform.MsgBox("Done.", ui::kInformation, "AFLP Analysis"), ui::BoxAnswer::Ok);
-  platform.onMsgBox = [](const MessageShown&) { return ui::BoxAnswer::Ok; };
-  platform.boxAnswers = {ui::BoxAnswer::Retry};
-  EXPECT_EQ(ask(), ui::BoxAnswer::Retry);
-  EXPECT_EQ(ask(), ui::BoxAnswer::Ok);
-
+  EXPECT_EQ(platform.MsgBox("Again?", ui::kExclamationRetryCancel, ""), ui::BoxAnswer::Cancel);
+  EXPECT_EQ(platform.MsgBox("Done.", ui::kInformation, ""), ui::BoxAnswer::Ok);
   ui::SaveDialog dialog("ctlDialog");
   dialog.CancelError = true;
-  platform.saveAnswers = {SaveAnswer{"/tmp/a.nts", 2}, std::nullopt};
-  dialog.ShowSave(platform);
-  EXPECT_EQ(dialog.FileName.get(), "/tmp/a.nts");
-  EXPECT_EQ(dialog.FilterIndex, 2);
   EXPECT_EQ(numberOf([&] { dialog.ShowSave(platform); }), ErrorNumber::DialogCancelled);
 }
 
 TEST(Component, IsRefusedWithItsFileAndTheCause) {
   const std::string noLibrary = fs::path(testing::TempDir()) / "no_library.so";
   std::ofstream(noLibrary) << "text";
+  ComponentEntries stranger;
+  stranger.registerServer = stranger.unregisterServer = [](Registrar&) { return kEntryOk; };
+  stranger.getClassObject = [](const char*, std::uint32_t, HostServices&, std::unique_ptr<ClassObject>&) {
+    return kEntryContractDiffers;
+  };
   const auto refusal = [](const std::function<void(Host&)>& use) -> std::pair<ErrorNumber, std::string> {
     Host host({});
     try {
@@ -141,46 +140,43 @@ TEST(Component, IsRefusedWithItsFileAndTheCause) {
               Pair(ErrorNumber::PathNotFound, HasSubstr("/nowhere/plugin.so")));
   EXPECT_THAT(refusal([&](Host& host) { host.loadComponent(noLibrary); }),
               Pair(ErrorNumber::NotFoundInRegistry, HasSubstr(noLibrary)));
-  EXPECT_THAT(refusal([](Host& host) { host.useComponent(strangerEntries()); }),
+  EXPECT_THAT(refusal([&](Host& host) { host.useComponent(stranger); }),
               Pair(ErrorNumber::NotFoundInRegistry, HasSubstr("another version")));
-  TestHost test;
-  EXPECT_THAT(test.script.log, testing::ElementsAre("service initialize"));
-  EXPECT_EQ(numberOf([&] { test.host.component().create("AFLPPoster"); }), ErrorNumber::NotFoundInRegistry);
-  EXPECT_EQ(numberOf([&] { test.open("Poster", nullptr); }), ErrorNumber::NotFoundInRegistry);
+  test::Desk desk;
+  EXPECT_EQ(numberOf([&] { desk.host.component().create("AFLPPoster"); }), ErrorNumber::NotFoundInRegistry);
 }
 
-TEST(Framework, SortsColumnsAndCountsProgress) {
-  TestHost test;
-  test.openStudy();
-  auto& framework = test.host.framework();
-  const auto& columns = test.addAnalysis("First")->BinGrid->Columns;
+TEST(Framework, SortsColumnsWithTiesInTheirOrder) {
+  test::Desk desk;
+  desk.newAnalysis();
+  auto& framework = desk.host.framework();
+  const auto& columns = desk.analysis().BinGrid->Columns;
   columns.Item("85")->ColumnOrder = 1;  // beside the first one
   const auto sorted = framework.SortedBy(columns, 0, 0, "ColumnOrder", 0);
   EXPECT_EQ(sorted[0]->Key.get() + sorted[1]->Key.get() + sorted[2]->Key.get(), "6857");
   EXPECT_EQ(numberOf([&] { framework.SortedBy(columns, 0, 0, "Weight", 0); }), ErrorNumber::InvalidArgument);
+}
 
-  auto& progress = test.host.progress();
+TEST(Progress, StepsByPercentOfItsMaximumUnlessItHasNoSteps) {
+  FaultInjector faults;
+  HostProgress progress(faults);
   progress.Start(50, 0);
   progress.Step();
   EXPECT_DOUBLE_EQ(progress.Position(), 0.5);
   progress.SetSteps(0);
   progress.Step();
   EXPECT_DOUBLE_EQ(progress.Position(), 0.5);
-  progress.SetPosition(70);
-  EXPECT_DOUBLE_EQ(progress.Position(), 70);
   progress.Finish();
   EXPECT_DOUBLE_EQ(progress.Position(), 0);
 }
 
 TEST(GridUtilities, GiveTextThatStandsOutAgainstItsGround) {
-  TestHost test;
-  struct Case {
-    Colour ground, text;
-  };
-  for (const Case& one :
-       {Case{ui::kWhite, 0}, Case{0, ui::kWhite}, Case{0xFF0000, ui::kWhite}, Case{ui::kYellow, 0},
-        Case{0x00FF00, 0}, Case{0x0000FF, ui::kWhite}, Case{ui::kButtonFace, ui::kWindowText}}) {
-    EXPECT_EQ(test.host.GridUtilities().ContrastColor(one.ground), one.text) << std::hex << one.ground;
+  Host host({});
+  for (const auto& [ground, text] : {std::pair(0xFF0000U, ui::kWhite),
+                                     {0x00FF00U, 0U},
+                                     {0x0000FFU, ui::kWhite},
+                                     {ui::kButtonFace, ui::kWindowText}}) {
+    EXPECT_EQ(host.GridUtilities().ContrastColor(ground), text) << std::hex << ground;
   }
 }
 

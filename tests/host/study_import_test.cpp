@@ -122,18 +122,5 @@ TEST(StudyImport, IsOneChangeOfTheStudyOrNone) {
   EXPECT_THROW(desk.import({good}), Error);
 }
 
-TEST(StudyOptions, AreKeptWithTheStudy) {
-  ImportDesk desk;
-  desk.host.study().options().SetShowInclusionWarning(false);
-  desk.host.study().setDisplayViewIndex(2);
-  desk.host.study().setDyeColor(1, 0x123456);
-  desk.host.openStudy(std::make_shared<MemoryStore>("Other"));
-  EXPECT_TRUE(desk.host.study().options().ShowInclusionWarning());
-  EXPECT_EQ(desk.host.study().DisplayViewIndex(), 0);
-  desk.host.openStudy(desk.store);
-  EXPECT_FALSE(desk.host.study().options().ShowInclusionWarning());
-  EXPECT_EQ(desk.host.study().DisplayViewIndex(), 2);
-}
-
 }  // namespace
 }  // namespace banddesk::host

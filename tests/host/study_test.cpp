@@ -1,14 +1,24 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "plugin/base/numbers.h"
-#include "tests/host/fake_component.h"
+#include "tests/plugin/desk.h"
 
 namespace banddesk::host {
 namespace {
 
+using test::Desk;
 using testing::ElementsAre;
 using testing::IsEmpty;
+
+std::shared_ptr<AFLP> addAnalysis(Desk& desk, const std::string& name) {
+  if (!desk.host.study().isOpen()) desk.openStudy();
+  const auto study = desk.host.study().Study();
+  auto analysis = std::dynamic_pointer_cast<AFLP>(desk.host.objects().Create("AFLP"));
+  analysis->Study = study;
+  analysis->Name = name;
+  study->AFLPs.Add(analysis);
+  return analysis;
+}
 
 // Puts something of every kind into an analysis, as its pages would.
 void fill(Host& host, AFLP& analysis) {
@@ -35,17 +45,16 @@ void fill(Host& host, AFLP& analysis) {
 }
 
 TEST(Study, ComesBackFromItsStoreAsItWasSaved) {
-  TestHost test;
-  const auto store = test.openStudy();
-  const auto saved = test.addAnalysis("First");
-  fill(test.host, *saved);
+  Desk desk;
+  const auto saved = addAnalysis(desk, "First");
+  fill(desk.host, *saved);
   saved->SampleGrid->Columns.Item("-2")->Header = "S101";  // a label of the moment
-  test.addAnalysis("Not chosen");
-  test.host.save([](const auto&) { return std::vector<std::string>{"First"}; });
-  AnalysisSnapshot before = snapshotOf(*saved);
-  test.host.openStudy(store);
+  addAnalysis(desk, "Not chosen");
+  desk.host.save([](const auto&) { return std::vector<std::string>{"Add AFLP: First"}; });
+  const AnalysisSnapshot before = snapshotOf(*saved);
+  desk.openStudy();
 
-  const auto study = test.host.study().Study();
+  const auto study = desk.host.study().Study();
   ASSERT_EQ(study->AFLPs.Count(), 1);
   const auto loaded = study->AFLPs.Item(1);
   EXPECT_NE(loaded, saved);
@@ -55,20 +64,16 @@ TEST(Study, ComesBackFromItsStoreAsItWasSaved) {
   EXPECT_TRUE(loaded->BinGrid->Columns.Item("83")->Definition->HasOwnStyle);
   EXPECT_FALSE(loaded->BinGrid->Columns.Item("7")->Definition->HasOwnStyle);
   EXPECT_EQ(loaded->Results.Item(2), study->Results.Item(2));
-  EXPECT_THAT(test.host.unsaved(), IsEmpty());
-  EXPECT_NE(test.addAnalysis("Later")->ID(), loaded->ID());
-  EXPECT_EQ(test.host.objects().Query("AFLPs", "", "", "", false, true).at(0), loaded);
+  EXPECT_THAT(desk.host.unsaved(), IsEmpty());
+  EXPECT_NE(addAnalysis(desk, "Later")->ID(), loaded->ID());
+  EXPECT_EQ(desk.host.objects().Query("AFLPs", "", "", "", false, true).at(0), loaded);
 }
 
-TEST(Study, LeavesNoAnalysisHoldingItWhenItCloses) {
-  TestHost test;
-  test.openStudy();
-  const auto kept = test.addAnalysis("Kept by somebody");
-  const std::weak_ptr<Study> study = test.host.study().Study();
-  test.script.log.clear();
-  test.host.closeStudy();
-  EXPECT_THAT(test.script.log, ElementsAre("closed"));
-  EXPECT_EQ(test.host.study().Study(), nullptr);
+TEST(Study, IsHeldByNoAnalysisWhenItIsClosed) {
+  Desk desk;
+  const auto kept = addAnalysis(desk, "Kept by somebody");
+  const std::weak_ptr<Study> study = desk.host.study().Study();
+  desk.host.closeStudy();
   EXPECT_TRUE(study.expired());
 }
 
@@ -97,39 +102,26 @@ TEST(Study, CountsAnAnalysisAsChangedForWhatIsStoredAndOnlyForThat) {
   };
   for (const Case& one : cases) {
     SCOPED_TRACE(one.what);
-    TestHost test;
-    test.openStudy();
-    const auto analysis = test.addAnalysis("First");
-    fill(test.host, *analysis);
-    test.host.save();
-    ASSERT_THAT(test.host.unsaved(), IsEmpty());
-    one.change(test.host, *analysis);
-    EXPECT_EQ(test.host.unsaved().empty(), !one.isDirty);
-    test.host.save();
+    Desk desk;
+    const auto analysis = addAnalysis(desk, "First");
+    fill(desk.host, *analysis);
+    desk.host.save();
+    ASSERT_THAT(desk.host.unsaved(), IsEmpty());
+    one.change(desk.host, *analysis);
+    EXPECT_EQ(desk.host.unsaved().empty(), !one.isDirty);
+    desk.host.save();
     EXPECT_FALSE(column(*analysis)->Persistent().IsDirty);
-    EXPECT_THAT(test.host.unsaved(), IsEmpty());
+    EXPECT_THAT(desk.host.unsaved(), IsEmpty());
   }
-}
-
-TEST(Study, LoadsFragmentsWhenAskedAndAgainAfterTheyWereLetGo) {
-  TestHost test;
-  test.openStudy();
-  const auto sample =
-      std::dynamic_pointer_cast<HostSample>(test.host.study().Study()->Results.Item(3)->Sample);
-  EXPECT_FALSE(sample->isLoaded());
-  for (int round = 0; round < 2; ++round) {
-    EXPECT_THAT(sample->Data().Fragments().OfDye(0).sizes, ElementsAre(140.25, 160.25));
-    EXPECT_THAT(sample->Data().Fragments().OfDye(3).sizes, IsEmpty());
-    sample->Unload();
-    EXPECT_FALSE(sample->isLoaded());
-  }
-  EXPECT_EQ(numberOf([&] { sample->Data().Fragments().OfDye(4); }), ErrorNumber::SubscriptOutOfRange);
 }
 
 TEST(Study, TellsOfItsChangesAndKeepsThem) {
-  TestHost test;
-  const auto store = test.openStudy();
-  auto study = test.host.study().Study();
+  std::vector<NewResult> blue(3);
+  for (NewResult& result : blue) result.fragments.dyes[0] = {{100.5}, {150}};
+  Desk desk(blue);
+  desk.openStudy();
+  HostStudyService& service = desk.host.study();
+  auto study = service.Study();
   int resultChanges = 0;
   std::vector<std::int32_t> dyes;
   Connections connections;
@@ -137,18 +129,25 @@ TEST(Study, TellsOfItsChangesAndKeepsThem) {
   connections.push_back(study->DyeVisibibilityChanged.connect([&](Dye& dye) { dyes.push_back(dye.Index); }));
   const std::int32_t stamp = study->ResultStamp;
 
-  test.host.study().setResultExcluded(2, true);
-  test.host.study().deleteResult(3);
+  service.setResultExcluded(2, true);
+  service.deleteResult(3);
   SampleFragments yellow;
   yellow.dyes[2] = {{99}, {500}};
-  test.host.study().addResults({{"Late", yellow}});
-  test.host.study().setDyeColor(1, 0x123456);
-  EXPECT_EQ(numberOf([&] { test.host.study().deleteResult(77); }), ErrorNumber::InvalidArgument);
+  service.addResults({{"Late", yellow}});
+  service.setDyeColor(1, 0x123456);
+  service.options().SetShowInclusionWarning(false);
+  service.setDisplayViewIndex(2);
+  EXPECT_THROW(service.deleteResult(77), Error);
 
   EXPECT_EQ(resultChanges, 3);
   EXPECT_THAT(dyes, ElementsAre(2, 1));
-  test.host.openStudy(store);
-  study = test.host.study().Study();
+  desk.host.openStudy(std::make_shared<MemoryStore>("Other"));
+  EXPECT_TRUE(service.options().ShowInclusionWarning());
+  EXPECT_EQ(service.DisplayViewIndex(), 0);
+  desk.openStudy();
+  EXPECT_FALSE(service.options().ShowInclusionWarning());
+  EXPECT_EQ(service.DisplayViewIndex(), 2);
+  study = service.Study();
   EXPECT_EQ(study->ResultStamp, stamp + 3);
   EXPECT_EQ(study->Results.Item("2")->IsExcluded.get(), true);
   EXPECT_EQ(study->Results.Item("3")->IsDeleted.get(), true);
@@ -159,64 +158,41 @@ TEST(Study, TellsOfItsChangesAndKeepsThem) {
 }
 
 TEST(Study, AsksAboutAnAnalysisWhoseResultsHaveChanged) {
-  TestHost test;
-  test.openStudy();
-  auto analysis = test.addAnalysis("First");
-  analysis->ResultStamp = test.host.study().Study()->ResultStamp.get();
+  Desk desk;
+  auto analysis = addAnalysis(desk, "First");
+  HostStudyService& service = desk.host.study();
+  analysis->ResultStamp = service.Study()->ResultStamp.get();
   StaleAnalysis answer = StaleAnalysis::DoNotOpen;
   int asked = 0;
-  test.host.study().decideStale = [&](const AFLP&) { return ++asked, answer; };
-  EXPECT_EQ(test.host.study().CheckAnalysis(analysis), 1);
+  service.decideStale = [&](const AFLP&) { return ++asked, answer; };
+  EXPECT_EQ(service.CheckAnalysis(analysis), 1);
   EXPECT_EQ(asked, 0);
-  test.host.study().setResultExcluded(1, true);
-  EXPECT_EQ(test.host.study().CheckAnalysis(analysis), StudyService::kDoNotOpen);
+  service.setResultExcluded(1, true);
+  EXPECT_EQ(service.CheckAnalysis(analysis), StudyService::kDoNotOpen);
   answer = StaleAnalysis::OpenAsStored;
-  EXPECT_EQ(test.host.study().CheckAnalysis(analysis), 1);
+  EXPECT_EQ(service.CheckAnalysis(analysis), 1);
   answer = StaleAnalysis::Redo;
-  EXPECT_EQ(test.host.study().CheckAnalysis(analysis), StudyService::kRedo);
+  EXPECT_EQ(service.CheckAnalysis(analysis), StudyService::kRedo);
   EXPECT_EQ(asked, 3);
-  EXPECT_EQ(test.host.study().CheckAnalysis(analysis), 1) << "redone, it is of the present results";
+  EXPECT_EQ(service.CheckAnalysis(analysis), 1) << "redone, it is of the present results";
   EXPECT_EQ(asked, 3);
 }
 
+// The sweep over all calls of the host counts on this.
 TEST(Faults, StrikeOnceAtTheCallTheyWaitForAndLeaveThePutUndone) {
-  TestHost test;
-  test.openStudy();
-  const auto analysis = test.addAnalysis("First");
-  auto& faults = test.host.faults();
-  const Error full(ErrorNumber::DiskFull, "Store", "The disk is full.");
+  Desk desk;
+  const auto analysis = addAnalysis(desk, "First");
   const auto column = analysis->BinGrid->Columns.Item("6");
-  struct Case {
-    const char* type;
-    const char* member;
-    std::function<void()> use;
-  };
-  const std::vector<Case> cases = {
-      {"GridColumn", "Width", [&] { column->Width = column->Width + 1; }},
-      {"AFLP.Results", "Add",
-       [&] {
-         analysis->Results.Add(test.host.study().Study()->Results.Item(analysis->Results.Count() + 1));
-       }},
-      {"ObjectManager", "Save", [&] { test.host.objects().Save(analysis, true); }},
-      {"Command", "Enabled", [&] { test.host.serviceBase().Commands.Item(1)->Enabled = false; }},
-      {"BinCalculator", "Calculate", [&] { test.host.NewBinCalculator()->Calculate(); }},
-      {"ServiceRegistry.Instances", "Item", [&] { test.host.registry().Instances.Item(1); }},
-  };
-  for (const Case& one : cases) {
-    SCOPED_TRACE(std::string(one.type) + "." + one.member);
-    faults.startRecording();
-    faults.failAt(one.type, one.member, 2, full);
-    EXPECT_EQ(numberOf(one.use), ErrorNumber::None);
-    const std::int32_t width = column->Width;
-    const std::int32_t results = analysis->Results.Count();
-    EXPECT_EQ(numberOf(one.use), ErrorNumber::DiskFull);
-    EXPECT_EQ(column->Width, width);
-    EXPECT_EQ(analysis->Results.Count(), results);
-    EXPECT_EQ(numberOf(one.use), ErrorNumber::None);
-    EXPECT_TRUE(faults.hasFailed());
-    EXPECT_TRUE(faults.recorded().contains({one.type, one.member}));
-    faults.disarm();
-  }
+  const std::int32_t width = column->Width;
+  const Error full(ErrorNumber::DiskFull, "Store", "The disk is full.");
+  desk.host.faults().failAt("GridColumn", "Width", 2, full);
+  column->Width = width + 1;
+  EXPECT_THROW(column->Width = width + 2, Error);
+  EXPECT_EQ(column->Width, width + 1);
+  column->Width = width + 2;
+  desk.host.faults().failAt("AFLP.Results", "Add", 1, full);
+  EXPECT_THROW(analysis->Results.Add(desk.host.study().Study()->Results.Item(1)), Error);
+  EXPECT_EQ(analysis->Results.Count(), 0);
 }
 
 }  // namespace
