@@ -1,11 +1,9 @@
 // The guide: which page answers for what, that its links lead somewhere, and the window that shows it.
-#include <QDesktopServices>
 #include <QDialog>
 #include <QDir>
 #include <QLineEdit>
 #include <QRegularExpression>
 #include <QScrollBar>
-#include <QTemporaryDir>
 #include <QTest>
 #include <QTextBlock>
 
@@ -19,41 +17,33 @@ namespace {
 
 const QString kFolder = QStringLiteral(BANDDESK_SOURCE_DIR "/docs/guide");
 
-TEST(GuideTest, EveryTopicOpensItsPageAndAnUnknownOneTheStart) {
+TEST(GuideTest, ATopicOpensItsPageAndAnUnknownOneTheStart) {
   const std::pair<const char*, const char*> cases[] = {{"", "index.md"},
-                                                       {"AFLPParams", "new-analysis.md"},
-                                                       {"AFLP", "results.md"},
                                                        {"AFLPWarning", "results.md"},
                                                        {"ColumnSort", "columns.md"},
-                                                       {"OverlayGraphView", "views.md"},
                                                        {"export", "export.md"},
-                                                       {"nothing", "index.md"},
                                                        {"../notes", "index.md"}};
   for (const auto& [topic, file] : cases)
     EXPECT_EQ(placeOf(topic, kFolder).file, QLatin1String(file)) << topic;
 }
 
-TEST(GuideTest, ThePagesAreListedInTheOrderOfTheStartPageAndTheirLinksExist) {
-  const QList<GuidePage> pages = guidePages(kFolder);
-  ASSERT_GE(pages.size(), 6);
-  EXPECT_EQ(pages[0].title, QStringLiteral("Banddesk"));
-  EXPECT_EQ(pages[1].file, QStringLiteral("files.md"));
+TEST(GuideTest, EachLinkLeadsToAPageOrPictureAndEachPageIsLinkedFromTheStart) {
   static const QRegularExpression kLink(QStringLiteral("\\]\\(([^):]+)\\)"));
-  QFile start(QDir(kFolder).filePath(QStringLiteral("index.md")));
-  ASSERT_TRUE(start.open(QIODevice::ReadOnly));
-  const QByteArray startText = start.readAll();
-  for (const GuidePage& page : pages) {
-    EXPECT_TRUE(page.file == QStringLiteral("index.md") ||
-                startText.contains("](" + page.file.toUtf8() + ")"))
-        << toText(page.file) << " is not linked from the start";
+  QStringList linked{QStringLiteral("index.md")};
+  QStringList pages;
+  for (const GuidePage& page : guidePages(kFolder)) {
+    pages << page.file;
     QFile file(QDir(kFolder).filePath(page.file));
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     for (auto links = kLink.globalMatch(QString::fromUtf8(file.readAll())); links.hasNext();) {
       const QString target = links.next().captured(1);
+      if (pages.size() == 1 && target.endsWith(QStringLiteral(".md"))) linked << target;
       EXPECT_TRUE(QFile::exists(QDir(kFolder).filePath(target)))
           << toText(page.file) << " links to " << toText(target);
     }
   }
+  linked.removeDuplicates();
+  EXPECT_EQ(pages, linked);
 }
 
 TEST(GuideTest, LiesBesideTheProgramsOfAnInstalledCopy) {
@@ -99,9 +89,8 @@ TEST(HelpWindowTest, PicturesFitThePageAtEveryWidth) {
       EXPECT_NEAR(narrow[i].height() / narrow[i].width(), wide[i].height() / wide[i].width(), 0.02);
     }
   }
-  const auto files = QDir(kFolder + QStringLiteral("/pictures")).entryInfoList(QDir::Files);
-  EXPECT_EQ(count, files.size()) << "a picture that no page shows, or one that two show";
-  for (const QFileInfo& file : files) EXPECT_LT(file.size(), 60000) << toText(file.fileName());
+  EXPECT_EQ(count, QDir(kFolder + QStringLiteral("/pictures")).entryList(QDir::Files).size())
+      << "a picture that no page shows, or one that two show";
 }
 
 TEST(HelpWindowTest, ShowsTheTopicsHeadingGoesBackAndFindsText) {
@@ -122,34 +111,9 @@ TEST(HelpWindowTest, ShowsTheTopicsHeadingGoesBackAndFindsText) {
   EXPECT_EQ(window.browser().textCursor().selectedText(), QStringLiteral("scatter"));
 }
 
-TEST(HelpWindowTest, ALinkIntoTheNetworkOpensOutside) {
-  QTextBrowser outside;  // stands for the user's browser; it cannot fetch anything either
-  QDesktopServices::setUrlHandler(QStringLiteral("https"), &outside, "setSource");
-  HelpWindow window(kFolder, nullptr);
-  window.showTopic("");
-  auto* browser = window.findChild<QTextBrowser*>();
-  const QUrl before = browser->source();
-  browser->setHtml(QStringLiteral("<a href='https://example.org/'>outside</a>"));
-  browser->setFocus();
-  QTest::keyClick(browser, Qt::Key_Tab);
-  QTest::keyClick(browser, Qt::Key_Return);
-  QDesktopServices::unsetUrlHandler(QStringLiteral("https"));
-  EXPECT_EQ(outside.source(), QUrl(QStringLiteral("https://example.org/")));
-  EXPECT_EQ(browser->source(), before);
-}
-
-TEST(HelpDeskTest, HelpOverAModalWindowBelongsToItSoThatItCanBeUsed) {
+TEST(HelpDeskTest, OpensOneWindowButInADialogItsOwnByTheTopicAroundTheFocus) {
   HelpDesk desk(kFolder);
-  HelpWindow& plain = desk.show("");
-  EXPECT_EQ(&desk.show("AFLP"), &plain);
-  QDialog dialog;
-  onNextDialog<QDialog>([&](QDialog& modal) { EXPECT_EQ(desk.show("ColumnSort").parentWidget(), &modal); });
-  dialog.exec();
-  EXPECT_EQ(&desk.show(""), &plain);
-}
-
-TEST(HelpDeskTest, AnswersF1InADialogByTheTopicAroundTheFocus) {
-  HelpDesk desk(kFolder);
+  const HelpWindow& plain = desk.show("");
   QDialog dialog;
   QLineEdit inside(&dialog);
   const auto help = [&] { return dialog.findChild<HelpWindow*>(); };
@@ -162,6 +126,7 @@ TEST(HelpDeskTest, AnswersF1InADialogByTheTopicAroundTheFocus) {
     EXPECT_EQ(help()->browser().source().fileName(), QStringLiteral("files.md"));
   });
   dialog.exec();
+  EXPECT_EQ(&desk.show("AFLP"), &plain);
 }
 
 }  // namespace

@@ -1,9 +1,15 @@
-// Lets a test answer the dialog that the next call opens.
+// Lets a test answer the dialogs that the next calls open, and gives it a folder of its own for what they
+// write and remember.
 #pragma once
 
+#include <QAbstractButton>
 #include <QApplication>
+#include <QSettings>
+#include <QTemporaryDir>
 #include <QTimer>
 #include <gtest/gtest.h>
+#include <stdexcept>
+#include <string>
 
 namespace banddesk::desktop {
 
@@ -18,5 +24,25 @@ void onNextDialog(Act act) {
     if (modal != nullptr && modal->isVisible()) modal->close();
   });
 }
+
+inline QAbstractButton& buttonCalled(const QWidget& dialog, const char* text) {
+  for (auto* button : dialog.findChildren<QAbstractButton*>()) {
+    if (button->text().remove(QLatin1Char('&')) == QLatin1String(text)) return *button;
+  }
+  throw std::logic_error(std::string("no button ") + text);
+}
+
+class OwnFolder : public testing::Test {
+ protected:
+  OwnFolder() {
+    QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
+    QCoreApplication::setOrganizationName(QStringLiteral("banddesk-tests"));
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, folder.path());
+  }
+
+  QString path(const char* name) const { return folder.filePath(QLatin1String(name)); }
+
+  QTemporaryDir folder;
+};
 
 }  // namespace banddesk::desktop

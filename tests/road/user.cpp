@@ -2,8 +2,6 @@
 
 #include <QAbstractButton>
 #include <QApplication>
-#include <QDir>
-#include <QFileInfo>
 #include <QProcess>
 #include <QScreen>
 #include <QThread>
@@ -61,13 +59,12 @@ void User::clickAt(QPoint where, int button, int times, const QString& held) {
   send(arguments);
 }
 
-void User::click(const std::function<QWidget*()>& widget, int button) {
+void User::click(const std::function<QWidget*()>& widget) {
   until("a widget to click", [&] { return widget() != nullptr; });
   clickAt(see<QPoint>([&] {
-            QWidget* found = widget();
-            return found->mapToGlobal(found->rect().center());
-          }),
-          button);
+    const QWidget* found = widget();
+    return found->mapToGlobal(found->rect().center());
+  }));
 }
 
 void User::pause() {
@@ -89,12 +86,6 @@ void User::picture(const QString& name) {
   const QString file =
       QStringLiteral("%1/%2-%3.png").arg(pictures_).arg(++taken_, 2, 10, QLatin1Char('0')).arg(name);
   look([&] { QApplication::primaryScreen()->grabWindow().save(file); });
-}
-
-void User::keep(const QString& file) const {
-  const QString kept = pictures_ + QLatin1Char('/') + QFileInfo(file).fileName();
-  QFile::remove(kept);
-  QFile::copy(file, kept);
 }
 
 void User::untilDialog(const QString& title) {

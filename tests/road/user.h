@@ -30,15 +30,12 @@ class User {
   void key(const QString& keys);  // "ctrl+s"
   void type(const QString& text);
   void clickAt(QPoint where, int button = 1, int times = 1, const QString& held = {});
-  void click(const std::function<QWidget*()>& widget, int button = 1);
+  void click(const std::function<QWidget*()>& widget);
   void drag(QPoint from, QPoint to);
   // So long that the next press is no double click.
   static void pause();
   void picture(const QString& name);
-  // Puts a file beside the pictures, to be compared with those of other runs.
-  void keep(const QString& file) const;
 
-  // Waits for a dialog with that title and answers whether it came.
   void untilDialog(const QString& title);
   void untilNoDialog();
 
