@@ -9,7 +9,7 @@
 //   StoreStyles     a registered style for every cell through StoreStyleRowCol
 //   HideRows        every second row, one by one, and the middle visible row each time
 //   SortRows, SortColumns, Exchange, MoveColumns
-//   VisitRows, VisitColumns     the texts of all cells
+//   TextsOfRows, TextsOfColumns the texts of all cells
 //   ResizeToFit     all columns
 //   Excel           the whole table as a spreadsheet file
 //   Discard         counts back to 0 after a fill
@@ -184,16 +184,16 @@ void MoveColumns(benchmark::State& state) {
 }
 
 template <Axis lines>
-void Visit(benchmark::State& state) {
+void Texts(benchmark::State& state) {
   onFilledGrid(state, [](GridControl& grid, std::int32_t) {
-    std::size_t length = 0;
+    std::string texts;
     const std::int32_t count = lines == Axis::Rows ? kRows : kCols;
     const std::int32_t along = lines == Axis::Rows ? kCols : kRows;
     for (std::int32_t line = 1; line <= count; ++line) {
-      grid.VisitTexts(lines, line, 1, along, true,
-                      [&](std::int32_t, std::string_view text) { length += text.size(); });
+      texts.clear();
+      grid.AppendTexts(lines, line, 1, along, true, "", ",", texts);
+      benchmark::DoNotOptimize(texts);
     }
-    benchmark::DoNotOptimize(length);
   });
 }
 
@@ -230,8 +230,8 @@ BENCHMARK(Sort<true>)->Name("SortRows")->Unit(benchmark::kMicrosecond);
 BENCHMARK(Sort<false>)->Name("SortColumns")->Unit(benchmark::kMicrosecond);
 BENCHMARK(Exchange)->Unit(benchmark::kMicrosecond);
 BENCHMARK(MoveColumns)->Unit(benchmark::kMicrosecond);
-BENCHMARK(Visit<Axis::Rows>)->Name("VisitRows")->Unit(benchmark::kMillisecond);
-BENCHMARK(Visit<Axis::Columns>)->Name("VisitColumns")->Unit(benchmark::kMillisecond);
+BENCHMARK(Texts<Axis::Rows>)->Name("TextsOfRows")->Unit(benchmark::kMillisecond);
+BENCHMARK(Texts<Axis::Columns>)->Name("TextsOfColumns")->Unit(benchmark::kMillisecond);
 BENCHMARK(ResizeToFit)->Unit(benchmark::kMillisecond);
 void Excel(benchmark::State& state) {
   GridControl grid("grid");

@@ -287,15 +287,6 @@ std::int32_t GridControl::typedIn(Axis which, std::int32_t index) const {
   return edit_->col == index ? edit_->row : -1;
 }
 
-void GridControl::VisitTexts(Axis which, std::int32_t index, std::int32_t from, std::int32_t to,
-                             bool visibleOnly, const TextVisitor& visitor) const {
-  const std::int32_t typed = typedIn(which, index);
-  NumberText buffer;
-  visitLine(which, index, from, to, visibleOnly, [&](std::int32_t position, const Cell* found) {
-    visitor(position, position == typed ? std::string_view(edit_->text) : store_.text(found, buffer));
-  });
-}
-
 std::int32_t GridControl::AppendTexts(Axis which, std::int32_t index, std::int32_t from, std::int32_t to,
                                       bool visibleOnly, std::string_view before, std::string_view after,
                                       std::string& out) const {

@@ -53,8 +53,6 @@ class GridControl final : public Grid, private GridData, private GridParameters,
 
   // ---- whole lines at once (grid_cells.cpp)
   void StoreLine(Axis axis, std::int32_t index, std::span<const LineCell> cells) override;
-  void VisitTexts(Axis axis, std::int32_t index, std::int32_t from, std::int32_t to, bool visibleOnly,
-                  const TextVisitor& visitor) const override;
   std::int32_t AppendTexts(Axis axis, std::int32_t index, std::int32_t from, std::int32_t to,
                            bool visibleOnly, std::string_view before, std::string_view after,
                            std::string& out) const override;

@@ -199,7 +199,7 @@ struct LineCell {
   std::int32_t baseStyle;
 };
 
-// Called with the index along the line and the text there; the text lives for the call only.
+// Called with the index along the line and the attribute there; the text lives for the call only.
 using TextVisitor = std::function<void(std::int32_t position, std::string_view text)>;
 
 class Grid : public ui::Control {
@@ -240,11 +240,8 @@ class Grid : public ui::Control {
 
   // ---- whole lines at once. A line is a row (Axis::Rows) or a column (Axis::Columns).
   virtual void StoreLine(Axis axis, std::int32_t index, std::span<const LineCell> cells) = 0;
-  // The live texts, or the user attributes, of a line's cells from..to, all of them or the visible ones.
-  virtual void VisitTexts(Axis axis, std::int32_t index, std::int32_t from, std::int32_t to, bool visibleOnly,
-                          const TextVisitor& visitor) const = 0;
-  // Appends the same texts to `out`, each between `before` and `after`. Gives the position of the last, -1
-  // without any.
+  // Appends the live texts of a line's cells from..to, all of them or the visible ones, to `out`, each
+  // between `before` and `after`. Gives the position of the last, -1 without any.
   virtual std::int32_t AppendTexts(Axis axis, std::int32_t index, std::int32_t from, std::int32_t to,
                                    bool visibleOnly, std::string_view before, std::string_view after,
                                    std::string& out) const = 0;

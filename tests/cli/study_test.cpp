@@ -54,6 +54,41 @@ void expectSameExports(const std::string& study, const std::string& name, Argume
   }
 }
 
+TEST(StudyFiles, AreTheSameWhateverTheSpellingOfTheTable) {
+  const std::string study = smallStudy();
+  const std::string plain = ok({"results", study}).out;
+  EXPECT_THAT(plain, HasSubstr("a\tB 2, G 1\n"));
+  const auto spelled = [&](std::vector<std::pair<std::string, std::string>> changes) {
+    std::string text = readFile(in("t.txt"));
+    for (const auto& [what, with] : changes) {
+      for (std::size_t at = 0; (at = text.find(what, at)) != std::string::npos; at += with.size())
+        text.replace(at, what.size(), with);
+    }
+    return text;
+  };
+  std::string wide = "\xFF\xFE";
+  for (const char c : spelled({})) (wide += c) += '\0';
+  const std::vector<std::string> spellings = {spelled({{"\n", "\t\r\n"}}),
+                                              "\xEF\xBB\xBF" + spelled({}),
+                                              wide,
+                                              spelled({{"\t", ";"}, {".", ","}, {",fsa", ".fsa"}}),
+                                              spelled({{"\"", ""}}),
+                                              spelled({{"B,", "B, "}}),
+                                              "GeneMarker\t\t\t\nVersion\t\n\n" + spelled({})};
+  const host::StudyRecord wanted = host::SqliteStore(study).readStudy();
+  for (std::size_t i = 0; i < spellings.size(); ++i) {
+    SCOPED_TRACE(i);
+    const std::string other = in(fmt::format("{}.study", i));
+    writeFile(in("other.txt"), spellings[i]);
+    ok({"new", other});
+    ok({"import", other, in("other.txt")});
+    host::SqliteStore store(other), first(study);
+    EXPECT_EQ(store.readStudy().results, wanted.results);
+    for (const auto& result : wanted.results)
+      EXPECT_TRUE(*store.readFragments(result.id) == *first.readFragments(result.id));
+  }
+}
+
 TEST(StudyFiles, ExportTheSameInANewProcess) {
   const std::string real = realTable("genemapper/demo_samples_abi.txt");
   for (const std::string& table : {smallTable(), real}) {

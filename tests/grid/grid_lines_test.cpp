@@ -13,8 +13,7 @@ GridRange block(int left, int top, int right, int bottom) {
 
 std::string column(const GridControl& grid, int col) {
   std::string texts;
-  grid.VisitTexts(Axis::Columns, col, 0, grid.RowCount(), false,
-                  [&](std::int32_t, std::string_view text) { texts += std::string(text) + '|'; });
+  grid.AppendTexts(Axis::Columns, col, 0, grid.RowCount(), false, "", "|", texts);
   return texts;
 }
 

@@ -57,7 +57,6 @@ class GridProgram {
   void changeLines();
   void sort();
   void drag();
-  void exchange();
 
   UpTo upTo_;
   host::GridControl grid_{"grid"};

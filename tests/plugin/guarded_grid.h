@@ -61,10 +61,6 @@ class GuardedGrid final : public Grid, private GridParameters, private GridData,
   void StoreLine(Axis axis, std::int32_t i, std::span<const LineCell> cells) override {
     at("StoreLine").StoreLine(axis, i, cells);
   }
-  void VisitTexts(Axis axis, std::int32_t i, std::int32_t from, std::int32_t to, bool visibleOnly,
-                  const TextVisitor& visitor) const override {
-    at("VisitTexts").VisitTexts(axis, i, from, to, visibleOnly, visitor);
-  }
   std::int32_t AppendTexts(Axis axis, std::int32_t i, std::int32_t from, std::int32_t to, bool visibleOnly,
                            std::string_view before, std::string_view after, std::string& out) const override {
     return at("AppendTexts").AppendTexts(axis, i, from, to, visibleOnly, before, after, out);
