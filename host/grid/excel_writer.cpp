@@ -1,11 +1,11 @@
 #include "host/grid/excel_writer.h"
 
 #include <cerrno>
+#include <clocale>
 #include <cstdio>
 #include <cstring>
 #include <fcntl.h>
 #include <fmt/format.h>
-#include <locale.h>
 #include <memory>
 #include <sys/mman.h>
 #include <sys/sendfile.h>

@@ -246,6 +246,7 @@ void GridControl::StoreLine(Axis which, std::int32_t index, std::span<const Line
     }
     StyleChange* const restyle = given.baseStyle < 0 ? nullptr : rebase;
     if (isRow != store_.isFlipped()) {
+      // NOLINTNEXTLINE(readability-suspicious-call-argument): the store is flipped, and so are its axes
       store_.putNumber(line, other, given.value, restyle);
     } else {
       store_.putNumber(other, line, given.value, restyle);

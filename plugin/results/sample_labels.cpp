@@ -37,7 +37,7 @@ void SampleLabels::SetSampleAbbreviations(bool withName, bool numbered) {
 
 std::string SampleLabels::ParseText(std::string_view text) const {
   return page_.frame.procedure("ParseText (Get)", [&]() -> std::string {
-    const std::string whole(trim(text));
+    std::string whole(trim(text));
     const std::int32_t timestamp = controls_.chkShowTimestamp.Value;
     const std::int32_t well = controls_.chkShowWellID.Value;
     if ((timestamp & well) != 0) return whole;

@@ -58,7 +58,7 @@ TEST(StudyFiles, AreTheSameWhateverTheSpellingOfTheTable) {
   const std::string study = smallStudy();
   const std::string plain = ok({"results", study}).out;
   EXPECT_THAT(plain, HasSubstr("a\tB 2, G 1\n"));
-  const auto spelled = [&](std::vector<std::pair<std::string, std::string>> changes) {
+  const auto spelled = [&](const std::vector<std::pair<std::string, std::string>>& changes) {
     std::string text = readFile(in("t.txt"));
     for (const auto& [what, with] : changes) {
       for (std::size_t at = 0; (at = text.find(what, at)) != std::string::npos; at += with.size())
@@ -101,7 +101,7 @@ TEST(StudyFiles, ExportTheSameInANewProcess) {
     if (table != real)
       decisions.insert(decisions.end(), {"--exclude-sample", "c", "--exclude-bin", "D1-200.55"});
     expectSameExports(study, "Hidden", decisions);
-    decisions.push_back("--show-excluded");
+    decisions.emplace_back("--show-excluded");
     expectSameExports(study, "Shown", decisions);
     decisions.insert(decisions.end(), {"--transpose", "--cells", "height"});
     expectSameExports(study, "In rows", decisions);

@@ -62,7 +62,7 @@ class Shown {
     QTest::keyClicks(&of(box), QString::fromLatin1(text));
   }
   std::size_t analyses() const { return desk.calculators->calculated.size() / 4; }
-  bool isChanged() { return !desk.host.unsaved().empty(); }
+  bool isChanged() const { return !desk.host.unsaved().empty(); }
 
   test::Desk desk;
   WidgetRegistry registry;
@@ -214,7 +214,7 @@ class WarningForm : public ::testing::Test {
   WarningForm() : shown("AFLP") {
     shown.desk.host.study().Options().SetShowInclusionWarning(true);
     shown.desk.host.platform().onRunModal = [this](ui::Form& form) { runForm(form, shown.widget.get()); };
-    shown.desk.host.platform().popupAnswers.push_back([](ui::MenuItem&, ui::MenuItem*) {});
+    shown.desk.host.platform().popupAnswers.emplace_back([](ui::MenuItem&, ui::MenuItem*) {});
     shown.desk.grid().rightClick(1, 1);
     shown.desk.choose("mnuExcludeBin");
   }
