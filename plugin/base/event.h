@@ -56,7 +56,7 @@ class Event {
   // this event meanwhile: those disconnected are no longer called, those added wait for the next time.
   void raise(Args... args) {
     const auto slots = slots_;
-    const auto listening = *slots;
+    const auto listening = *slots;  // NOLINT(performance-unnecessary-copy-initialization): it may change
     for (const auto& slot : listening) {
       if (*slot->alive) slot->listener(args...);
     }

@@ -26,7 +26,7 @@ class Property {
       : owner_(owner), name_(name), value_(std::move(initial)) {}
   Property(const Property&) = delete;
 
-  // Putting one property into another puts its value.
+  // NOLINTNEXTLINE(bugprone-unhandled-self-assignment): putting one into another, or itself, puts its value
   Property& operator=(const Property& other) { return *this = other.value_; }
   Property& operator=(T value) {
     owner_.beforePut(name_);
