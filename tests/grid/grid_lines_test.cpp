@@ -63,7 +63,7 @@ TEST(GridLines, CoveringsFollowTheirLines) {
   grid.SetColCount(4);
   grid.SetCoveredCells(5, 1, 5, 4);
   grid.SetCoveredCells(7, 2, 8, 3);
-  const auto is = [&](std::vector<Block> wanted) { return grid.coverings().all() == wanted; };
+  const auto is = [&](const std::vector<Block>& wanted) { return grid.coverings().all() == wanted; };
   grid.InsertRows(8, 2);
   EXPECT_TRUE(is({{5, 1, 5, 4}, {7, 2, 10, 3}}));
   grid.RemoveRows(1, 3);

@@ -106,6 +106,7 @@ TEST(ReadFiles, RowsWithoutAPeakAreCountedByReasonWithTheirFirstLines) {
 
 std::vector<std::string> namesOf(const PeakTable& table) {
   std::vector<std::string> names;
+  names.reserve(table.samples.size());
   for (const Sample& sample : table.samples) names.push_back(sample.name);
   return names;
 }

@@ -207,7 +207,7 @@ TEST(Warning, GuardsDecisionsAndPutsTheParametersBack) {
   IAFLPResultsPage& page = desk.newAnalysis();
   excludeBin(desk, 2);
   const auto runWith = [&](const char* button, const char* threshold, bool dontShow) {
-    desk.host.platform().formAnswers.push_back([=](ui::Form& form) {
+    desk.host.platform().formAnswers.emplace_back([=](ui::Form& form) {
       EXPECT_EQ(form.Caption(), "Inclusion/Exclusion Warning");
       if (dontShow) form.Controls().find<ui::CheckBox>("chkDontShow")->click();
       if (button != nullptr) form.Controls().find<ui::CommandButton>(button)->Click.raise();

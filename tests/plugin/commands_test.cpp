@@ -29,7 +29,7 @@ TEST(Commands, OfTheThreeMenusDoTheSame) {
   }
   for (const char* item : {"mnuExport1", "mnuExport2", "mnuExport3"}) {
     const std::string path = scratch(item);
-    desk.host.platform().saveAnswers.push_back(host::SaveAnswer{path, 1});
+    desk.host.platform().saveAnswers.emplace_back(host::SaveAnswer{path, 1});
     desk.choose(item);
     EXPECT_TRUE(std::filesystem::exists(path)) << item;
   }
@@ -113,7 +113,7 @@ TEST(Commands, HelpOpensForThePageAndForTheWarningUnlessAPressCameBefore) {
   desk.newAnalysis();
   desk.control<ui::CommandButton>("cmdHelp").Click.raise();
   desk.chooseAt(2, 1, "mnuExcludeBin");
-  desk.host.platform().formAnswers.push_back([](ui::Form& form) {
+  desk.host.platform().formAnswers.emplace_back([](ui::Form& form) {
     form.MouseDown();
     form.MouseUp();
     form.MouseUp();

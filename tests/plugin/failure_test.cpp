@@ -171,7 +171,7 @@ TEST(Failures, ReportEachLevelOnceAndRestoreNothing) {
   Desk other(sweptScript());
   other.newAnalysis();
   other.host.faults().failAt("TextFiles", "Print", 3, Error(ErrorNumber::DiskFull, "file", "full"));
-  other.host.platform().saveAnswers.push_back(host::SaveAnswer{scratch("t.csv"), 1});
+  other.host.platform().saveAnswers.emplace_back(host::SaveAnswer{scratch("t.csv"), 1});
   EXPECT_THROW(other.page().Export(), Error);
   EXPECT_THAT(chain(other), ::testing::ElementsAre("ExportCSV", "Export"));
   EXPECT_FALSE(other.grid().GridEnabledRedraw());

@@ -20,7 +20,7 @@ TEST(Csv, IsTheScreenFieldByFieldWithNothingEscaped) {
   desk.newAnalysis();
   narrow(desk);
   const std::string path = scratch("t.csv");
-  desk.host.platform().saveAnswers.push_back(host::SaveAnswer{path, 1});
+  desk.host.platform().saveAnswers.emplace_back(host::SaveAnswer{path, 1});
   desk.page().Export();
   const std::string rest = ",\"\",\"\",\"\",\"\",\"\",\"\",\"\",\"\",\"\",\"\",\"\"\r\n";
   EXPECT_EQ(fileText(path),
@@ -97,7 +97,7 @@ TEST(Matrix, HoldsPresenceOfVisibleBinsAndSamplesWhateverThePicture) {
     desk.page().HideRows(2, 2, true);
     desk.page().HideCols(11, 11, true);
     const std::string path = scratch("t.nts");
-    desk.host.platform().saveAnswers.push_back(host::SaveAnswer{path, 2});
+    desk.host.platform().saveAnswers.emplace_back(host::SaveAnswer{path, 2});
     desk.page().Export();
     EXPECT_EQ(fileText(path), expected);
   }
@@ -129,7 +129,7 @@ TEST(Output, LosesDecisionsAfterAskingAndKeepsAnEmptyGridWhenThatIsCancelled) {
   IAFLPResultsPage& page = desk.newAnalysis();
   desk.chooseAt(2, 1, "mnuExcludeBin");
   const auto answer = [&](const char* button) {
-    desk.host.platform().formAnswers.push_back(
+    desk.host.platform().formAnswers.emplace_back(
         [button](ui::Form& form) { form.Controls().find<ui::CommandButton>(button)->Click.raise(); });
   };
   answer("btnOK");

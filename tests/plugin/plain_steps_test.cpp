@@ -289,6 +289,7 @@ class PlainSteps {
       std::string line;
       for (std::int32_t col = isTransposed ? 0 : 1; col <= lastCol; ++col) {
         if (grid().IsColHidden(col)) continue;
+        // NOLINTNEXTLINE(readability-suspicious-call-argument): rows and columns have changed places
         line += "\"" + (isTransposed ? cellOf(bins, col, row) : cellOf(bins, row, col)) + "\",";
       }
       addLine(line);

@@ -38,6 +38,7 @@ TEST(Service, EnablesItsCommandByOpeningAStudyAndUnloadsSamplesAfterIt) {
 // Hundreds of samples are loaded one after the other; only the latest stay.
 TEST(Service, NeverHoldsTheFragmentsOfAllSamplesOfALargeStudy) {
   std::vector<std::string> samples;
+  samples.reserve(200);
   for (int i = 0; i < 200; ++i) samples.push_back("s" + std::to_string(i));
   Desk desk(kOneBin, samples);
   desk.newAnalysis();
