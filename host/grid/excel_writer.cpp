@@ -10,6 +10,7 @@
 #include <sys/mman.h>
 #include <sys/sendfile.h>
 #include <unistd.h>
+#include <utility>
 
 #include "host/grid/excel_formats.h"
 #include "host/grid/grid_control.h"
@@ -69,7 +70,7 @@ class PartFile {
   PartFile(const PartFile&) = delete;
   PartFile& operator=(const PartFile&) = delete;
   ~PartFile() {
-    ::close(file_);
+    if (file_ >= 0) ::close(file_);
     ::unlink(name_.c_str());
   }
 
@@ -80,7 +81,9 @@ class PartFile {
     }
     if (written < 0) failBySystem(target_, errno);
   }
-  void takePlace() const {
+  // Some file systems tell only at the close that the disk was full.
+  void takePlace() {
+    if (::close(std::exchange(file_, -1)) != 0) failBySystem(target_, errno);
     if (std::rename(name_.c_str(), target_.c_str()) != 0) failBySystem(target_, errno);
   }
 
@@ -261,7 +264,7 @@ class Sheet {
 
 void writeExcelFile(const GridControl& grid, const std::string& fileName) {
   Sheet sheet(grid, fileName);
-  const PartFile part(fileName);
+  PartFile part(fileName);
   const MemoryFile whole(fileName);
   sheet.write(whole.name());
   part.take(whole);

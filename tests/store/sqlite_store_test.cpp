@@ -334,6 +334,16 @@ TEST(StudyFile, OpensForReadingWhereItMayNotBeWrittenAndSavingSaysWhy) {
   }
 }
 
+TEST(StudyFile, IsNotMadeWhereItsFolderMayNotBeWritten) {
+  if (::geteuid() != 0) GTEST_SKIP() << "needs root, who can hand a folder to somebody without rights";
+  StoreFolder folder;
+  fs::permissions(folder.path(), fs::perms{0755});
+  const std::string file = folder.file("b.study");
+  EXPECT_EQ(messageInProcess(becomeNobody, [&] { SqliteStore::create(file, "b"); }),
+            file + ": its folder may not be written");
+  EXPECT_THAT(folder.names(), IsEmpty());
+}
+
 // No file may grow beyond what it has: the system refuses as a quota does.
 bool limitFiles(std::uintmax_t bytes) {
   std::signal(SIGXFSZ, SIG_IGN);
