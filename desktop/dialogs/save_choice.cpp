@@ -6,9 +6,9 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "desktop/base/help_topic.h"
 #include "desktop/base/qt_text.h"
 #include "desktop/dialogs/dialog_parts.h"
-#include "desktop/help/help_topic.h"
 
 namespace banddesk::desktop {
 namespace {

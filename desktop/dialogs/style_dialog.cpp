@@ -3,10 +3,10 @@
 #include <QListWidget>
 #include <QVBoxLayout>
 
+#include "desktop/base/help_topic.h"
 #include "desktop/base/qt_text.h"
 #include "desktop/dialogs/dialog_parts.h"
 #include "desktop/dialogs/style_editor.h"
-#include "desktop/help/help_topic.h"
 #include "host/grid/looks.h"
 
 namespace banddesk::desktop {

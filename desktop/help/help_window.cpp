@@ -12,8 +12,8 @@
 #include <QVBoxLayout>
 #include <algorithm>
 
+#include "desktop/base/help_topic.h"
 #include "desktop/dialogs/dialog_parts.h"
-#include "desktop/help/help_topic.h"
 
 namespace banddesk::desktop {
 namespace {

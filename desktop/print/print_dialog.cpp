@@ -9,11 +9,11 @@
 #include <algorithm>
 #include <array>
 
+#include "desktop/base/help_topic.h"
 #include "desktop/base/qt_text.h"
 #include "desktop/dialogs/dialog_parts.h"
 #include "desktop/dialogs/message_box.h"
 #include "desktop/dialogs/save_dialog.h"
-#include "desktop/help/help_topic.h"
 
 namespace banddesk::desktop {
 namespace {

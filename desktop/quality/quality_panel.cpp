@@ -10,8 +10,8 @@
 #include <QVBoxLayout>
 #include <array>
 
+#include "desktop/base/help_topic.h"
 #include "desktop/base/qt_text.h"
-#include "desktop/help/help_topic.h"
 #include "host/grid/grid_control.h"
 #include "host/quality/line_figures.h"
 

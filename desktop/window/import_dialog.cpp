@@ -13,8 +13,8 @@
 #include <QPushButton>
 #include <QSettings>
 
+#include "desktop/base/help_topic.h"
 #include "desktop/base/qt_text.h"
-#include "desktop/help/help_topic.h"
 #include "host/import/read_files.h"
 #include "host/import/report_text.h"
 

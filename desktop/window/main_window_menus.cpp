@@ -12,9 +12,9 @@
 #include <QToolBar>
 
 #include "desktop/base/appearance.h"
+#include "desktop/base/help_topic.h"
 #include "desktop/base/qt_text.h"
 #include "desktop/controls/text_box_widget.h"
-#include "desktop/help/help_topic.h"
 #include "desktop/window/main_window.h"
 
 namespace banddesk::desktop {

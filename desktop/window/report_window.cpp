@@ -9,7 +9,7 @@
 #include <QSaveFile>
 #include <QTextBrowser>
 
-#include "desktop/help/help_topic.h"
+#include "desktop/base/help_topic.h"
 
 namespace banddesk::desktop {
 

@@ -7,8 +7,8 @@
 #include <QTest>
 #include <QTextBlock>
 
+#include "desktop/base/help_topic.h"
 #include "desktop/base/qt_text.h"
-#include "desktop/help/help_topic.h"
 #include "desktop/help/help_window.h"
 #include "tests/desktop/modal.h"
 

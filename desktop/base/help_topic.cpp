@@ -1,4 +1,4 @@
-#include "desktop/help/help_topic.h"
+#include "desktop/base/help_topic.h"
 
 #include <QVariant>
 
