@@ -11,6 +11,7 @@
 #include <string_view>
 #include <vector>
 
+#include "plugin/analysis/bin_records.h"
 #include "plugin/base/collection.h"
 #include "plugin/base/object.h"
 #include "plugin/results/grid_addressing.h"
@@ -18,35 +19,6 @@
 #include "plugin/ui/control.h"
 
 namespace banddesk {
-
-// ---- Records of a finished table
-// ------------------------------------------------------------------------------------
-
-class AFLPResult {
- public:
-  std::int32_t FragmentCount = 0;
-  std::int32_t BinaryPresence = 0;  // 1 when FragmentCount is not 0
-  double MaxYHeight = 0;            // RFU
-};
-
-class Bin {
- public:
-  std::int32_t BinNumber = 0;  // the rounded mean size, not a running number and not unique
-  std::string Dye;             // "D1" to "D4"
-  std::int32_t SampleCount = 0;
-  std::int32_t FragmentCount = 0;
-  float XMin = 0;  // nt
-  float XMax = 0;
-  float XMean = 0;
-  float XVariance = 0;
-  float YMean = 0;  // RFU
-  Collection<AFLPResult> AFLPResults;
-};
-
-class AFLPStudyResult {
- public:
-  std::string Name;
-};
 
 // The arrays of the last analysis, for reading. Bins count from 1 (index 0 of each array is not used),
 // results from 0; the two tables hold one line of `resultCount` entries per bin. Valid until the page

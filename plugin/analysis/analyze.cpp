@@ -2,8 +2,8 @@
 
 #include "plugin/analysis/aflp_warning.h"
 #include "plugin/base/numbers.h"
-#include "plugin/results/column_keys.h"
-#include "plugin/results/page_guards.h"
+#include "plugin/table/column_keys.h"
+#include "plugin/table/page_guards.h"
 
 namespace banddesk {
 namespace {

@@ -9,12 +9,12 @@
 #include <optional>
 
 #include "plugin/analysis/bin_persistence.h"
-#include "plugin/analysis/bin_records.h"
 #include "plugin/analysis/bin_statistics.h"
 #include "plugin/analysis/exclusion.h"
 #include "plugin/analysis/manual_exclusion.h"
-#include "plugin/results/sort_and_move.h"
-#include "plugin/results/styles.h"
+#include "plugin/analysis/sort_and_move.h"
+#include "plugin/table/bin_table.h"
+#include "plugin/table/styles.h"
 
 namespace banddesk {
 

@@ -1,6 +1,6 @@
 #include "plugin/analysis/bin_persistence.h"
 
-#include "plugin/results/column_keys.h"
+#include "plugin/table/column_keys.h"
 
 namespace banddesk {
 

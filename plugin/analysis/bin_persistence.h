@@ -5,8 +5,8 @@
 
 #include <string>
 
-#include "plugin/analysis/bin_records.h"
-#include "plugin/results/logical_table.h"
+#include "plugin/table/bin_table.h"
+#include "plugin/table/logical_table.h"
 
 namespace banddesk {
 

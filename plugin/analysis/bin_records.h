@@ -1,92 +1,40 @@
-// The chief header of the analysis: the arrays of one analysis and what a suppressed bin is. A bin is one row
-// of the table, a group of fragments of one dye; a result is one sample column. Bin indexes run from 1 to
-// m_lBinCount, dye after dye; index 0 of every array exists and is never used. A result's index is its
-// 0-based position in AFLP.Results.
-//
-// A bin's index is the row on which it was laid. Rows are sorted later, so every pass over rows asks the
-// table for the row's bin first; only m_alDyeFirstRow speaks of rows as they were laid.
+// The chief header of the analysis: the records of a finished table, one Bin per visible row and one
+// AFLPStudyResult per visible sample column. They are made fresh by each call of the page and belong to the
+// caller; nothing that happens to the table later changes them.
 #pragma once
 
-#include <array>
-#include <cstddef>
 #include <cstdint>
-#include <span>
-#include <vector>
+#include <string>
 
-#include "plugin/base/error.h"
-#include "plugin/base/numbers.h"
+#include "plugin/base/collection.h"
 
 namespace banddesk {
 
-class BinTable {
- private:
-  template <class Table>
-  auto line(Table& table, std::int32_t bin) const {
-    const auto length = static_cast<std::size_t>(results_);
-    return std::span(table).subspan(at(bin) * length, length);
-  }
-
+// What one result has in a bin.
+class AFLPResult {
  public:
-  double m_dMaxBinWidth = 0;  // nt, of the last analysis
-  double m_dYThreshold = 0;   // RFU, of the last analysis
-  std::int32_t m_lBinCount = 0;
-  std::array<std::int32_t, 4> m_alDyeFirstRow{};
+  std::int32_t FragmentCount = 0;
+  std::int32_t BinaryPresence = 0;  // 1 when FragmentCount is not 0
+  double MaxYHeight = 0;            // RFU
+};
 
-  // One entry per bin, flags as 0 and 1: excluded by the user, brought back by the user, marked by the
-  // filter.
-  std::vector<std::int16_t> m_aiBinDye = std::vector<std::int16_t>(1);
-  std::vector<std::uint8_t> m_abManualExcluded = std::vector<std::uint8_t>(1);
-  std::vector<std::uint8_t> m_abManualIncluded = std::vector<std::uint8_t>(1);
-  std::vector<std::uint8_t> m_abAutoExcluded = std::vector<std::uint8_t>(1);
-  // One line of resultCount() entries per bin: fragments and largest height (RFU) of each result.
-  std::vector<std::int32_t> m_alFragmentCounts = {};
-  std::vector<double> m_adMaxYHeights = {};
+class Bin {
+ public:
+  std::int32_t BinNumber = 0;  // the rounded mean size, not a running number and not unique
+  std::string Dye;             // "D1" to "D4"
+  std::int32_t SampleCount = 0;
+  std::int32_t FragmentCount = 0;
+  float XMin = 0;  // nt
+  float XMax = 0;
+  float XMean = 0;
+  float XVariance = 0;
+  float YMean = 0;  // RFU
+  Collection<AFLPResult> AFLPResults;
+};
 
-  std::int32_t resultCount() const { return results_; }
-
-  // Clears everything and makes room for the bins counted in m_lBinCount.
-  void allocate(std::int32_t results) {
-    results_ = results;
-    const auto bins = static_cast<std::size_t>(m_lBinCount) + 1;
-    const std::size_t cells = bins * static_cast<std::size_t>(results);
-    for (auto* flags : {&m_abManualExcluded, &m_abManualIncluded, &m_abAutoExcluded}) flags->assign(bins, 0);
-    m_aiBinDye.assign(bins, 0);
-    m_alFragmentCounts.assign(cells, 0);
-    m_adMaxYHeights.assign(cells, 0);
-  }
-
-  // The place of a bin in the arrays of one entry per bin. Error 9 outside them.
-  std::size_t at(std::int32_t bin) const {
-    if (bin < 0 || static_cast<std::size_t>(bin) >= m_aiBinDye.size()) {
-      raise(ErrorNumber::SubscriptOutOfRange, "BinTable", "There is no bin " + integerText(bin) + ".");
-    }
-    return static_cast<std::size_t>(bin);
-  }
-
-  // A bin's line. Error 9 outside the arrays.
-  std::span<std::int32_t> fragmentCounts(std::int32_t bin) { return line(m_alFragmentCounts, bin); }
-  std::span<const std::int32_t> fragmentCounts(std::int32_t bin) const {
-    return line(m_alFragmentCounts, bin);
-  }
-  std::span<double> maxYHeights(std::int32_t bin) { return line(m_adMaxYHeights, bin); }
-  std::span<const double> maxYHeights(std::int32_t bin) const { return line(m_adMaxYHeights, bin); }
-
-  // Whether a bin's exclusion is in force after the hand's overrides.
-  bool isSuppressed(std::int32_t bin) const {
-    const std::size_t i = at(bin);
-    return m_abManualExcluded[i] != 0 || (m_abAutoExcluded[i] != 0 && m_abManualIncluded[i] == 0);
-  }
-
-  // A position of a result within a bin's line. Error 9 outside it.
-  std::size_t resultAt(std::int32_t result) const {
-    if (result < 0 || result >= results_) {
-      raise(ErrorNumber::SubscriptOutOfRange, "BinTable", "There is no result " + integerText(result) + ".");
-    }
-    return static_cast<std::size_t>(result);
-  }
-
- private:
-  std::int32_t results_ = 0;
+class AFLPStudyResult {
+ public:
+  std::string Name;
 };
 
 }  // namespace banddesk

@@ -4,7 +4,7 @@
 
 #include "plugin/base/numbers.h"
 #include "plugin/base/text.h"
-#include "plugin/results/column_keys.h"
+#include "plugin/table/column_keys.h"
 
 namespace banddesk {
 namespace {

@@ -8,11 +8,11 @@
 #include <span>
 #include <vector>
 
-#include "plugin/analysis/bin_records.h"
-#include "plugin/results/column_sizing.h"
-#include "plugin/results/logical_table.h"
-#include "plugin/results/pending_commands.h"
-#include "plugin/results/styles.h"
+#include "plugin/table/bin_table.h"
+#include "plugin/table/column_sizing.h"
+#include "plugin/table/logical_table.h"
+#include "plugin/table/pending_commands.h"
+#include "plugin/table/styles.h"
 
 namespace banddesk {
 

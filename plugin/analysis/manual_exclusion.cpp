@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "plugin/base/numbers.h"
-#include "plugin/results/page_guards.h"
+#include "plugin/table/page_guards.h"
 
 namespace banddesk {
 

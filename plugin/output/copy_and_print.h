@@ -6,7 +6,7 @@
 #include <string>
 
 #include "plugin/analysis/analyze.h"
-#include "plugin/results/grid_fill.h"
+#include "plugin/table/grid_fill.h"
 
 namespace banddesk {
 

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "plugin/output/file_export.h"
-#include "plugin/results/grid_fill.h"
+#include "plugin/table/grid_fill.h"
 
 namespace banddesk {
 

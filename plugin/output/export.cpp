@@ -1,6 +1,6 @@
 #include "plugin/output/export.h"
 
-#include "plugin/results/page_guards.h"
+#include "plugin/table/page_guards.h"
 
 namespace banddesk {
 namespace {

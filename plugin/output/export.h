@@ -6,7 +6,7 @@
 
 #include "plugin/output/csv_export.h"
 #include "plugin/output/ntsys_export.h"
-#include "plugin/results/page_controls.h"
+#include "plugin/table/page_controls.h"
 
 namespace banddesk {
 

@@ -6,8 +6,8 @@
 #include <string>
 #include <string_view>
 
-#include "plugin/results/logical_table.h"
-#include "plugin/results/sample_labels.h"
+#include "plugin/table/logical_table.h"
+#include "plugin/table/sample_labels.h"
 
 namespace banddesk {
 

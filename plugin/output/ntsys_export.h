@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "plugin/analysis/bin_records.h"
 #include "plugin/output/file_export.h"
-#include "plugin/results/grid_fill.h"
+#include "plugin/table/bin_table.h"
+#include "plugin/table/grid_fill.h"
 
 namespace banddesk {
 

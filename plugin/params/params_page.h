@@ -8,9 +8,9 @@
 
 #include "plugin/banddesk.h"
 #include "plugin/base/failure.h"
-#include "plugin/params/number_boxes.h"
 #include "plugin/shell/live_object.h"
 #include "plugin/shell/mglobals.h"
+#include "plugin/table/number_boxes.h"
 
 namespace banddesk {
 

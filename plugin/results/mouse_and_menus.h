@@ -2,11 +2,11 @@
 // on a header, which sorts.
 #pragma once
 
-#include "plugin/analysis/bin_records.h"
-#include "plugin/results/column_sizing.h"
-#include "plugin/results/logical_table.h"
-#include "plugin/results/page_controls.h"
-#include "plugin/results/sort_and_move.h"
+#include "plugin/analysis/sort_and_move.h"
+#include "plugin/table/bin_table.h"
+#include "plugin/table/column_sizing.h"
+#include "plugin/table/logical_table.h"
+#include "plugin/table/page_controls.h"
 
 namespace banddesk {
 

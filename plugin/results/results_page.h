@@ -12,11 +12,11 @@
 #include "plugin/banddesk.h"
 #include "plugin/output/copy_and_print.h"
 #include "plugin/output/export.h"
-#include "plugin/results/grid_fill.h"
 #include "plugin/results/mouse_and_menus.h"
-#include "plugin/results/transposition.h"
 #include "plugin/shell/live_object.h"
 #include "plugin/shell/mglobals.h"
+#include "plugin/table/grid_fill.h"
+#include "plugin/table/transposition.h"
 #include "plugin/views/result_views.h"
 
 namespace banddesk {

@@ -1,7 +1,7 @@
 // What the page does when the user acts: the wiring of controls, menus and grid, and their handlers.
 #include "plugin/base/numbers.h"
-#include "plugin/results/page_guards.h"
 #include "plugin/results/results_page.h"
+#include "plugin/table/page_guards.h"
 
 namespace banddesk {
 namespace {

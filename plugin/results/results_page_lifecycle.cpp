@@ -5,8 +5,8 @@
 
 #include "plugin/base/numbers.h"
 #include "plugin/base/text.h"
-#include "plugin/results/page_guards.h"
 #include "plugin/results/results_page.h"
+#include "plugin/table/page_guards.h"
 
 namespace banddesk {
 namespace {

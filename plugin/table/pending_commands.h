@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-#include "plugin/results/page_context.h"
+#include "plugin/table/page_context.h"
 #include "plugin/ui/control.h"
 
 namespace banddesk {

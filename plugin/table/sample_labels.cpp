@@ -1,4 +1,4 @@
-#include "plugin/results/sample_labels.h"
+#include "plugin/table/sample_labels.h"
 
 #include <vector>
 

@@ -5,9 +5,9 @@
 #include <array>
 #include <cstdint>
 
-#include "plugin/params/number_boxes.h"
-#include "plugin/results/page_context.h"
-#include "plugin/results/page_menus.h"
+#include "plugin/table/number_boxes.h"
+#include "plugin/table/page_context.h"
+#include "plugin/table/page_menus.h"
 #include "plugin/ui/control.h"
 #include "plugin/ui/dialogs.h"
 

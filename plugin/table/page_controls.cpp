@@ -1,4 +1,4 @@
-#include "plugin/results/page_controls.h"
+#include "plugin/table/page_controls.h"
 
 #include "plugin/base/numbers.h"
 

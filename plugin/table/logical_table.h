@@ -10,7 +10,7 @@
 #include <string_view>
 #include <vector>
 
-#include "plugin/results/page_context.h"
+#include "plugin/table/page_context.h"
 
 namespace banddesk {
 

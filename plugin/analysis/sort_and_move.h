@@ -5,9 +5,9 @@
 #include <cstdint>
 
 #include "plugin/analysis/exclusion.h"
-#include "plugin/results/column_sizing.h"
-#include "plugin/results/logical_table.h"
-#include "plugin/results/page_controls.h"
+#include "plugin/table/column_sizing.h"
+#include "plugin/table/logical_table.h"
+#include "plugin/table/page_controls.h"
 
 namespace banddesk {
 

@@ -1,9 +1,9 @@
-#include "plugin/results/sort_and_move.h"
+#include "plugin/analysis/sort_and_move.h"
 
 #include <vector>
 
 #include "plugin/base/numbers.h"
-#include "plugin/results/page_guards.h"
+#include "plugin/table/page_guards.h"
 
 namespace banddesk {
 namespace {

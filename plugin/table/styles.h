@@ -8,8 +8,8 @@
 #include <memory>
 #include <vector>
 
-#include "plugin/results/logical_table.h"
-#include "plugin/results/page_controls.h"
+#include "plugin/table/logical_table.h"
+#include "plugin/table/page_controls.h"
 
 namespace banddesk {
 

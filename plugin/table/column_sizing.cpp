@@ -1,10 +1,10 @@
-#include "plugin/results/column_sizing.h"
+#include "plugin/table/column_sizing.h"
 
 #include <algorithm>
 #include <vector>
 
 #include "plugin/base/numbers.h"
-#include "plugin/results/page_guards.h"
+#include "plugin/table/page_guards.h"
 
 namespace banddesk {
 namespace {

@@ -1,4 +1,4 @@
-#include "plugin/params/number_boxes.h"
+#include "plugin/table/number_boxes.h"
 
 #include "plugin/base/numbers.h"
 

@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-#include "plugin/results/logical_table.h"
+#include "plugin/table/logical_table.h"
 
 namespace banddesk {
 

@@ -1,7 +1,7 @@
-#include "plugin/results/styles.h"
+#include "plugin/table/styles.h"
 
 #include "plugin/base/numbers.h"
-#include "plugin/results/page_guards.h"
+#include "plugin/table/page_guards.h"
 
 namespace banddesk {
 namespace {

@@ -1,8 +1,8 @@
-#include "plugin/results/grid_fill.h"
+#include "plugin/table/grid_fill.h"
 
 #include "plugin/base/numbers.h"
 #include "plugin/base/text.h"
-#include "plugin/results/page_guards.h"
+#include "plugin/table/page_guards.h"
 
 namespace banddesk {
 namespace {

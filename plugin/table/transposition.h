@@ -2,10 +2,10 @@
 // table translates every access.
 #pragma once
 
-#include "plugin/results/column_sizing.h"
-#include "plugin/results/logical_table.h"
-#include "plugin/results/page_controls.h"
-#include "plugin/results/sample_labels.h"
+#include "plugin/table/column_sizing.h"
+#include "plugin/table/logical_table.h"
+#include "plugin/table/page_controls.h"
+#include "plugin/table/sample_labels.h"
 
 namespace banddesk {
 

@@ -6,10 +6,10 @@
 #include <string>
 #include <string_view>
 
-#include "plugin/results/column_sizing.h"
-#include "plugin/results/logical_table.h"
-#include "plugin/results/page_controls.h"
-#include "plugin/results/pending_commands.h"
+#include "plugin/table/column_sizing.h"
+#include "plugin/table/logical_table.h"
+#include "plugin/table/page_controls.h"
+#include "plugin/table/pending_commands.h"
 
 namespace banddesk {
 

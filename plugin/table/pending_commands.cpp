@@ -1,4 +1,4 @@
-#include "plugin/results/pending_commands.h"
+#include "plugin/table/pending_commands.h"
 
 namespace banddesk {
 

@@ -7,9 +7,9 @@
 #include <string>
 #include <vector>
 
-#include "plugin/results/logical_table.h"
-#include "plugin/results/page_controls.h"
-#include "plugin/results/sample_labels.h"
+#include "plugin/table/logical_table.h"
+#include "plugin/table/page_controls.h"
+#include "plugin/table/sample_labels.h"
 
 namespace banddesk {
 

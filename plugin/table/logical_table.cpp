@@ -1,9 +1,9 @@
-#include "plugin/results/logical_table.h"
+#include "plugin/table/logical_table.h"
 
 #include <utility>
 
 #include "plugin/base/numbers.h"
-#include "plugin/results/page_guards.h"
+#include "plugin/table/page_guards.h"
 
 namespace banddesk {
 namespace {

@@ -1,4 +1,4 @@
-#include "plugin/results/page_menus.h"
+#include "plugin/table/page_menus.h"
 
 namespace banddesk {
 namespace {

@@ -1,7 +1,7 @@
 // The logical table's selection, hiding of rows and columns, and the locked column.
 #include "plugin/base/numbers.h"
-#include "plugin/results/logical_table.h"
-#include "plugin/results/page_guards.h"
+#include "plugin/table/logical_table.h"
+#include "plugin/table/page_guards.h"
 
 namespace banddesk {
 namespace {
