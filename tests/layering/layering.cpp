@@ -14,39 +14,59 @@ namespace {
 
 using Names = std::vector<std::string_view>;
 
-// What the plug-in knows of the world. The final point takes in a .cpp beside the header.
-const Names contracts = {"plugin/shell/host_contract.", "plugin/shell/persistent.",
-                         "plugin/analysis/bin_calculator.", "plugin/results/grid_addressing."};
-
-struct Room {
+struct Module {
   std::string_view name;
-  Names paths;  // how the paths of its files begin
-  Names below;  // it may include these rooms and all that they may include
+  Names paths;  // how the paths of its files begin; a final point takes in the .cpp beside a header
+  Names below;  // it may include these modules and all that they may include
 };
 
-// A file belongs to the first room that one of its paths fits. Rooms of one rank do not know each other.
-const std::vector<Room> rooms = {
+// A file belongs to the first module that one of its paths fits. Modules that are not below each other do not
+// know each other.
+const std::vector<Module> modules = {
     {"base", {"plugin/base/"}, {}},
     {"ui", {"plugin/ui/"}, {"base"}},
-    {"contracts", contracts, {"ui"}},
-    {"face", {"plugin/banddesk.h"}, {"contracts"}},
-    {"plugin", {"plugin/"}, {"face"}},
+    {"contracts",
+     {"plugin/shell/host_contract.", "plugin/shell/persistent.", "plugin/analysis/bin_calculator.",
+      "plugin/analysis/bin_records.", "plugin/results/grid_addressing.", "plugin/results/grid_style.",
+      "plugin/banddesk.h"},
+     {"ui"}},
+    {"globals", {"plugin/shell/mglobals.", "plugin/shell/live_object."}, {"contracts"}},
+    {"table", {"plugin/table/"}, {"contracts"}},
+    {"params", {"plugin/params/"}, {"table", "globals"}},
+    {"analysis", {"plugin/analysis/"}, {"table"}},
+    {"output", {"plugin/output/"}, {"analysis"}},
+    {"result views", {"plugin/views/"}, {"table"}},
+    {"page", {"plugin/results/"}, {"output", "result views", "globals"}},
+    {"shell", {"plugin/shell/"}, {"page", "params"}},
 
-    {"grid", {"host/grid/"}, {"face"}},
-    {"binning", {"host/binning/"}, {"face"}},
-    {"quality", {"host/quality/"}, {"binning"}},
-    {"simulation", {"host/simulation/"}, {"face"}},
-    {"import", {"host/import/"}, {"face"}},
-    {"study", {"host/study/"}, {"grid", "quality", "simulation", "import"}},
+    {"grid", {"host/grid/"}, {"contracts"}},
+    {"binning", {"host/binning/"}, {"contracts"}},
+    {"quality", {"host/quality/"}, {"contracts"}},
+    {"simulation", {"host/simulation/"}, {"contracts"}},
+    {"import", {"host/import/"}, {"contracts"}},
+    {"study", {"host/study/"}, {"contracts"}},
     {"store", {"host/store/"}, {"study"}},
-    {"framework", {"host/framework/"}, {"store"}},
+    {"framework", {"host/framework/"}, {"store", "grid", "binning", "quality", "simulation", "import"}},
 
     {"cli", {"cli/"}, {"framework"}},
-    {"desktop", {"desktop/"}, {"framework"}},
+
+    {"desktop base", {"desktop/base/"}, {"framework"}},
+    {"controls", {"desktop/controls/"}, {"desktop base"}},
+    {"dialogs", {"desktop/dialogs/"}, {"controls"}},
+    {"help", {"desktop/help/"}, {"dialogs"}},
+    {"pages", {"desktop/pages/"}, {"controls"}},
+    {"grid view", {"desktop/grid/"}, {"desktop base"}},
+    {"print", {"desktop/print/"}, {"dialogs"}},
+    {"views", {"desktop/views/"}, {"desktop base"}},
+    {"quality panel", {"desktop/quality/"}, {"desktop base"}},
+    {"app", {"desktop/app/"}, {"framework"}},
+    {"window",
+     {"desktop/window/", "desktop/main.cpp"},
+     {"help", "pages", "grid view", "print", "views", "quality panel", "app"}},
 };
 
-// Tests, benchmarks and tools look into every room; of them only the includes of Qt are judged.
-const Names watchers = {"tests/", "bench/", "fuzz/", "examples/", "tools/"};
+// Tests, benchmarks and tools look into every module; of them only the includes of Qt are judged.
+const Names developerCode = {"tests/", "bench/", "fuzz/", "examples/", "tools/"};
 const Names seesQt = {"desktop/", "tests/desktop/", "tests/road/", "packaging/",
                       "tools/",   "bench/desktop_", "bench/views_"};
 
@@ -60,16 +80,16 @@ bool startsWithAny(std::string_view path, const Names& beginnings) {
   return std::ranges::any_of(beginnings, [&](std::string_view start) { return path.starts_with(start); });
 }
 
-const Room* roomOf(std::string_view path) {
+const Module* moduleOf(std::string_view path) {
   const auto found =
-      std::ranges::find_if(rooms, [&](const Room& room) { return startsWithAny(path, room.paths); });
-  return found == rooms.end() ? nullptr : &*found;
+      std::ranges::find_if(modules, [&](const Module& module) { return startsWithAny(path, module.paths); });
+  return found == modules.end() ? nullptr : &*found;
 }
 
-bool mayInclude(const Room& room, std::string_view other) {
-  if (room.name == other) return true;
-  return std::ranges::any_of(rooms, [&](const Room& next) {
-    return std::ranges::count(room.below, next.name) > 0 && mayInclude(next, other);
+bool mayInclude(const Module& module, std::string_view other) {
+  if (module.name == other) return true;
+  return std::ranges::any_of(modules, [&](const Module& next) {
+    return std::ranges::count(module.below, next.name) > 0 && mayInclude(next, other);
   });
 }
 
@@ -95,19 +115,19 @@ bool isStandard(std::string_view header) {
 }
 
 // The reason why `file` must not include `include`, or nothing.
-std::string fault(const std::string& file, const Room* room, const Include& include) {
+std::string fault(const std::string& file, const Module* module, const Include& include) {
   const std::string& target = include.target;
   if (!include.quoted && isQt(target) && !startsWithAny(file, seesQt)) return "only desktop/ sees Qt";
-  if (startsWithAny(file, watchers)) return {};
-  if (room == nullptr) return "this folder has no place in the list of rooms";
+  if (startsWithAny(file, developerCode)) return {};
+  if (module == nullptr) return "this folder has no place in the list of modules";
 
-  const Room* other = roomOf(target);
+  const Module* other = moduleOf(target);
   if (other != nullptr) {
-    if (mayInclude(*room, other->name)) return {};
-    return std::string(room->name) + " may not include " + std::string(other->name);
+    if (mayInclude(*module, other->name)) return {};
+    return std::string(module->name) + " may not include " + std::string(other->name);
   }
-  if (include.quoted) return "not a path from the repository root into a room";
-  if (startsWithAny(target, watchers)) return "nothing includes tests or benchmarks";
+  if (include.quoted) return "not a path from the repository root into a module";
+  if (startsWithAny(target, developerCode)) return "nothing includes tests or benchmarks";
   if (file.starts_with("plugin/") && !isStandard(target)) return "not a standard header";
   return {};
 }
@@ -159,9 +179,9 @@ Tree readTree(const std::string& root) {
 std::vector<std::string> violations(const Tree& tree) {
   std::vector<std::string> report;
   for (const auto& [file, text] : tree) {
-    const Room* room = roomOf(file);
+    const Module* module = moduleOf(file);
     for (const Include& include : includesOf(text)) {
-      const std::string why = fault(file, room, include);
+      const std::string why = fault(file, module, include);
       if (!why.empty())
         report.push_back(file + ":" + std::to_string(include.line) + ": " + include.target + ": " + why);
     }
@@ -169,6 +189,38 @@ std::vector<std::string> violations(const Tree& tree) {
   CircleSearch circles(tree, report);
   for (const auto& [file, text] : tree) circles.visit(file);
   return report;
+}
+
+Arrows moduleArrows(const Tree& tree) {
+  Arrows arrows;
+  for (const auto& [file, text] : tree) {
+    const Module* from = moduleOf(file);
+    if (from == nullptr) continue;
+    for (const Include& include : includesOf(text)) {
+      const Module* to = moduleOf(include.target);
+      if (to != nullptr && to != from) arrows[std::string(from->name)].insert(std::string(to->name));
+    }
+  }
+  return arrows;
+}
+
+// Arrows to modules without arrows of their own are taken away until none is left; what then still has arrows
+// stands in a circle or above one.
+std::set<std::string> modulesInCircles(Arrows arrows) {
+  for (bool removed = true; removed;) {
+    removed = false;
+    for (auto& [from, targets] : arrows) {
+      removed |= std::erase_if(targets, [&](const std::string& to) {
+                   const auto next = arrows.find(to);
+                   return next == arrows.end() || next->second.empty();
+                 }) > 0;
+    }
+  }
+  std::set<std::string> left;
+  for (const auto& [from, targets] : arrows) {
+    if (!targets.empty()) left.insert(from);
+  }
+  return left;
 }
 
 }  // namespace banddesk::layering

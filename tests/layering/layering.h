@@ -3,6 +3,7 @@
 #pragma once
 
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -15,5 +16,13 @@ Tree readTree(const std::string& root);
 
 /// One line for each include that breaks a rule ("file:line: why") and for each circle of includes.
 std::vector<std::string> violations(const Tree& tree);
+
+/// Which modules each module includes.
+using Arrows = std::map<std::string, std::set<std::string>>;
+
+Arrows moduleArrows(const Tree& tree);
+
+/// The modules that stand in a circle of arrows or above one; normally none.
+std::set<std::string> modulesInCircles(Arrows arrows);
 
 }  // namespace banddesk::layering
