@@ -20,6 +20,7 @@
 #include <vector>
 
 #include "host/grid/grid_control.h"
+#include "tests/support/temp_folder.h"
 
 namespace banddesk::host {
 namespace {
@@ -236,10 +237,10 @@ BENCHMARK(ResizeToFit)->Unit(benchmark::kMillisecond);
 void Excel(benchmark::State& state) {
   GridControl grid("grid");
   fill(grid);
-  const std::string path = (std::filesystem::temp_directory_path() / "banddesk-grid-bench.xlsx").string();
+  const test::TempFolder folder;
+  const std::string path = folder.file("table.xlsx");
   for (auto _ : state) grid.SaveExcelFile(path);
   state.counters["MB"] = static_cast<double>(std::filesystem::file_size(path)) / 1e6;
-  std::filesystem::remove(path);
   countCells(state);
 }
 

@@ -18,6 +18,7 @@
 #include "desktop/views/result_views.h"
 #include "host/simulation/simulator.h"
 #include "host/store/memory_store.h"
+#include "tests/support/temp_folder.h"
 
 namespace {
 
@@ -160,10 +161,10 @@ void bins(benchmark::State& state) {
 
 void svg(benchmark::State& state) {
   const auto view = Scene::get().open();
-  const QString file = QDir::tempPath() + QStringLiteral("/banddesk-views-bench.svg");
+  const test::TempFolder folder;
+  const QString file = QString::fromStdString(folder.file("figure.svg"));
   for (auto _ : state) view->exportTo(file);
   state.counters["bytes"] = static_cast<double>(QFileInfo(file).size());
-  QFile::remove(file);
 }
 
 BENCHMARK(open)->Unit(benchmark::kMillisecond);

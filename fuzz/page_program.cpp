@@ -7,6 +7,7 @@
 
 #include "fuzz/bytes.h"
 #include "tests/plugin/random_user.h"
+#include "tests/support/temp_folder.h"
 
 namespace {
 
@@ -28,15 +29,12 @@ std::vector<banddesk::host::NewResult> population() {
   return results;
 }
 
-std::string output() {
-  return (std::filesystem::temp_directory_path() / ("banddesk-fuzz-" + std::to_string(::getpid()))).string();
-}
-
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   constexpr int kMostActs = 6;
-  static const std::string file = output();
+  static const banddesk::test::TempFolder folder;
+  static const std::string file = folder.file("table");
   banddesk::fuzz::Bytes bytes(data, size);
   desk().forget();
   desk().host.openStudy(std::make_shared<banddesk::host::MemoryStore>("Plants", population()));

@@ -8,6 +8,8 @@
 #include <sstream>
 #include <sys/wait.h>
 
+#include "tests/support/test_folder.h"
+
 namespace banddesk::test {
 namespace fs = std::filesystem;
 
@@ -49,19 +51,7 @@ void writeFile(const std::string& path, const std::string& text) {
   out << text;
 }
 
-std::string folder() {
-  static std::string made;
-  static std::string test;
-  const auto* info = ::testing::UnitTest::GetInstance()->current_test_info();
-  const std::string name = std::string(info->test_suite_name()) + "-" + info->name();
-  if (name != test) {
-    test = name;
-    made = (fs::temp_directory_path() / ("banddesk-cli-" + name)).string();
-    fs::remove_all(made);
-    fs::create_directories(made);
-  }
-  return made;
-}
+std::string folder() { return testFolder().string(); }
 
 std::string in(const std::string& name) { return folder() + "/" + name; }
 

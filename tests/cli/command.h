@@ -25,7 +25,7 @@ Outcome shell(const std::string& command);
 
 std::string readFile(const std::string& path);
 void writeFile(const std::string& path, const std::string& text);
-// A fresh folder of this test.
+// The folder of this test.
 std::string folder();
 std::string in(const std::string& name);
 // A file of the real tables; empty where they are not at hand.

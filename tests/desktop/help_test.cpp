@@ -11,6 +11,7 @@
 #include "desktop/base/qt_text.h"
 #include "desktop/help/help_window.h"
 #include "tests/desktop/modal.h"
+#include "tests/support/test_folder.h"
 
 namespace banddesk::desktop {
 namespace {
@@ -47,7 +48,7 @@ TEST(GuideTest, EachLinkLeadsToAPageOrPictureAndEachPageIsLinkedFromTheStart) {
 }
 
 TEST(GuideTest, LiesBesideTheProgramsOfAnInstalledCopy) {
-  QTemporaryDir prefix;
+  const QDir prefix(QString::fromStdString(test::testFolder().string()));
   const QString guide = prefix.filePath(QStringLiteral("share/banddesk/guide"));
   ASSERT_TRUE(QDir().mkpath(guide) && QDir().mkpath(prefix.filePath(QStringLiteral("libexec/banddesk"))));
   const std::string programs = toText(prefix.filePath(QStringLiteral("libexec/banddesk/")));

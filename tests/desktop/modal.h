@@ -1,15 +1,17 @@
-// Lets a test answer the dialogs that the next calls open, and gives it a folder of its own for what they
-// write and remember.
+// Lets a test answer the dialogs that the next calls open, and gives what they write and remember its place
+// in the folder of the test.
 #pragma once
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QDir>
 #include <QSettings>
-#include <QTemporaryDir>
 #include <QTimer>
 #include <gtest/gtest.h>
 #include <stdexcept>
 #include <string>
+
+#include "tests/support/test_folder.h"
 
 namespace banddesk::desktop {
 
@@ -42,7 +44,7 @@ class OwnFolder : public testing::Test {
 
   QString path(const char* name) const { return folder.filePath(QLatin1String(name)); }
 
-  QTemporaryDir folder;
+  const QDir folder{QString::fromStdString(test::testFolder().string())};
 };
 
 }  // namespace banddesk::desktop

@@ -2,7 +2,6 @@
 // bins, which must change that table as a user of its menu would.
 #include <QLabel>
 #include <QMouseEvent>
-#include <QTemporaryDir>
 #include <QTest>
 #include <QWheelEvent>
 #include <cmath>
@@ -13,6 +12,7 @@
 #include "desktop/views/envelope.h"
 #include "desktop/views/result_views.h"
 #include "tests/plugin/desk.h"
+#include "tests/support/test_folder.h"
 
 namespace banddesk::desktop {
 namespace {
@@ -466,7 +466,7 @@ TEST_F(Table, APageWithoutSamplesSaysSoAndOneOfSomethingElseTellsTheError) {
 }
 
 TEST_F(Table, FiguresAreWrittenWholeOrNotAtAll) {
-  const QTemporaryDir folder;
+  const QDir folder(QString::fromStdString(test::testFolder().string()));
   const auto path = [&](const char* name) { return folder.filePath(QString::fromLatin1(name)); };
   auto* view = dynamic_cast<ResultViewPage*>(open("mnuEgramCell", 4));
   const std::vector<std::pair<const char*, QByteArray>> files = {

@@ -10,6 +10,7 @@
 #include "host/grid/excel_formats.h"
 #include "host/grid/grid_control.h"
 #include "plugin/base/error.h"
+#include "tests/support/test_folder.h"
 
 namespace banddesk::host {
 namespace {
@@ -140,12 +141,6 @@ TEST(GridOutput, OnlyTextsThatASpreadsheetShowsAlikeBecomeNumbers) {
 
 class ExcelFile : public testing::Test {
  protected:
-  void SetUp() override {
-    folder_ = std::filesystem::temp_directory_path() / ("banddesk_grid_" + std::to_string(::getpid()));
-    std::filesystem::create_directory(folder_);
-  }
-  void TearDown() override { std::filesystem::remove_all(folder_); }
-
   std::string path(const char* name) const { return (folder_ / name).string(); }
 
   // One line a sheet row as an independent reader sees it, then what holds for the sheet.
@@ -175,7 +170,7 @@ print(sheet.freeze_panes, [str(r.coord) for r in sheet.merged_cells.ranges], she
     return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator(folder_), {}));
   }
 
-  std::filesystem::path folder_;
+  const std::filesystem::path& folder_ = test::testFolder();
 };
 
 TEST_F(ExcelFile, HoldsTheShownTableWithTypesColoursBlocksAndHiddenLines) {

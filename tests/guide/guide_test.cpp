@@ -10,6 +10,8 @@
 #include <sstream>
 #include <sys/wait.h>
 
+#include "tests/support/temp_folder.h"
+
 namespace banddesk::test {
 namespace {
 
@@ -33,26 +35,19 @@ std::vector<std::string> linesOf(const std::string& text) {
 
 class Shell {
  public:
-  Shell() {
-    std::string pattern = (fs::temp_directory_path() / "banddesk-guide-XXXXXX").string();
-    folder_ = ::mkdtemp(pattern.data());
-  }
-  ~Shell() { fs::remove_all(folder_); }
-  Shell(const Shell&) = delete;
-  Shell& operator=(const Shell&) = delete;
-
-  // In the folder, with the programs on the path; both streams.
+  // In a folder of its own, which is the user's home, with the programs on the path; both streams.
   std::pair<int, std::string> run(const std::string& command) const {
-    const fs::path out = folder_ / ".output";
-    const std::string line = "cd '" + folder_.string() + "' && PATH='" + kPrograms.string() +
-                             "':\"$PATH\" QT_QPA_PLATFORM=offscreen && export PATH QT_QPA_PLATFORM && { " +
-                             command + "\n} >'" + out.string() + "' 2>&1 </dev/null";
+    const fs::path out = folder_.path() / ".output";
+    const std::string line =
+        "cd '" + folder_.path().string() + "' && export PATH='" + kPrograms.string() +
+        "':\"$PATH\" HOME=\"$PWD\" XDG_CONFIG_HOME=\"$PWD/.config\" XDG_RUNTIME_DIR=\"$PWD\"" +
+        " QT_QPA_PLATFORM=offscreen && { " + command + "\n} >'" + out.string() + "' 2>&1 </dev/null";
     const int raw = std::system(line.c_str());
     return {WIFEXITED(raw) ? WEXITSTATUS(raw) : -1, readFile(out)};
   }
 
  private:
-  fs::path folder_;
+  TempFolder folder_;
 };
 
 struct Told {

@@ -8,6 +8,7 @@
 #include <sys/resource.h>
 
 #include "tests/plugin/desk.h"
+#include "tests/support/test_folder.h"
 
 namespace banddesk::host {
 namespace {
@@ -25,14 +26,8 @@ ErrorNumber numberOf(const std::function<void()>& action) {
 
 class TextFile : public testing::Test {
  protected:
-  TextFile() { fs::create_directories(folder_); }
-  ~TextFile() override { fs::remove_all(folder_); }
-  std::string path(const std::string& name) const { return (folder_ / name).string(); }
+  static std::string path(const std::string& name) { return test::testFolder() / name; }
   FaultInjector faults_;
-
- private:
-  fs::path folder_ =
-      fs::path(testing::TempDir()) / testing::UnitTest::GetInstance()->current_test_info()->name();
 };
 
 TEST_F(TextFile, IsWrittenInTheCodeSetOfTheSystem) {
@@ -118,7 +113,7 @@ TEST(Platform, AnswersABoxThatNobodySeesWithTheCarefulButton) {
 }
 
 TEST(Component, IsRefusedWithItsFileAndTheCause) {
-  const std::string noLibrary = fs::path(testing::TempDir()) / "no_library.so";
+  const std::string noLibrary = test::testFolder() / "no_library.so";
   std::ofstream(noLibrary) << "text";
   ComponentEntries stranger;
   stranger.registerServer = stranger.unregisterServer = [](Registrar&) { return kEntryOk; };

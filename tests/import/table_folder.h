@@ -1,4 +1,4 @@
-// A folder for the tables of one test, removed at its end.
+// A folder for peak tables that a test writes and reads.
 #pragma once
 
 #include <filesystem>
@@ -6,28 +6,18 @@
 #include <initializer_list>
 #include <string>
 #include <string_view>
-#include <unistd.h>
 #include <vector>
 
 #include "host/import/read_files.h"
+#include "tests/support/temp_folder.h"
 
 namespace banddesk::host::import {
 
-class TableFolder {
+class TableFolder : public test::TempFolder {
  public:
-  TableFolder() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "banddesk-import-XXXXXX").string();
-    folder_ = ::mkdtemp(pattern.data());
-  }
-  TableFolder(const TableFolder&) = delete;
-  TableFolder& operator=(const TableFolder&) = delete;
-  ~TableFolder() { std::filesystem::remove_all(folder_); }
-
-  const std::filesystem::path& path() const { return folder_; }
-
   std::filesystem::path write(const std::string& name, std::string_view bytes) const {
-    std::ofstream(folder_ / name, std::ios::binary) << bytes;
-    return folder_ / name;
+    std::ofstream(path() / name, std::ios::binary) << bytes;
+    return path() / name;
   }
 
   PeakTable readOne(std::string_view bytes, const Options& options = {},
@@ -38,9 +28,6 @@ class TableFolder {
   static PeakTable read(std::initializer_list<std::filesystem::path> files, const Options& options = {}) {
     return readFiles(std::vector<std::filesystem::path>(files), options);
   }
-
- private:
-  std::filesystem::path folder_;
 };
 
 }  // namespace banddesk::host::import

@@ -7,6 +7,7 @@
 #include <sstream>
 
 #include "tests/plugin/guarded_grid.h"
+#include "tests/support/test_folder.h"
 
 namespace banddesk::test {
 namespace {
@@ -174,11 +175,7 @@ std::string fileText(const std::string& path) {
 }
 
 std::string scratch(const std::string& name) {
-  const auto* test = ::testing::UnitTest::GetInstance()->current_test_info();
-  const auto folder = std::filesystem::temp_directory_path() /
-                      (std::string("banddesk-") + test->test_suite_name() + "-" + test->name());
-  std::filesystem::create_directories(folder);
-  const auto path = folder / name;
+  const auto path = testFolder() / name;
   std::filesystem::remove(path);
   return path.string();
 }

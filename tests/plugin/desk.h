@@ -94,7 +94,7 @@ class Desk {
 
 // The whole of a text file.
 std::string fileText(const std::string& path);
-// A path in a folder of this test's own, which is empty at first.
+// A path in the folder of this test; no file is there.
 std::string scratch(const std::string& name);
 
 }  // namespace banddesk::test

@@ -146,7 +146,7 @@ TEST(Properties, ASortChangesTheOrderOfExportedLinesOnly) {
     // A sort hides a bin that was brought back, so there is none.
     RC_PRE(std::ranges::all_of(view.manualIncluded, [](auto flag) { return flag == 0; }));
     const auto exported = [&] {
-      const std::string path = ::testing::TempDir() + "banddesk-property.csv";
+      const std::string path = scratch("sorted.csv");
       table.page().ExportCSV(path);
       std::multiset<std::string> lines;
       std::istringstream in(fileText(path));

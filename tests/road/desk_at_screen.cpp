@@ -2,7 +2,6 @@
 
 #include <QApplication>
 #include <QDir>
-#include <QTemporaryDir>
 #include <gtest/gtest.h>
 
 #include "desktop/base/qt_text.h"
@@ -13,26 +12,20 @@ namespace {
 
 QString pictureFolder() {
   const QString folder =
-      qEnvironmentVariable("BANDDESK_PICTURES", QDir::tempPath() + QStringLiteral("/banddesk-road"));
+      qEnvironmentVariable("BANDDESK_PICTURES", QString::fromStdString(test::testFolder().string()));
   QDir().mkpath(folder);
   return folder;
 }
 
 }  // namespace
 
-DeskAtScreen::DeskAtScreen() : user(pictureFolder()) {
-  QTemporaryDir made;
-  made.setAutoRemove(false);
-  folder = made.path();
-  start();
-}
+DeskAtScreen::DeskAtScreen() : user(pictureFolder()) { start(); }
 
 DeskAtScreen::~DeskAtScreen() {
   User::look([this] {
     window_.reset();
     workbench_.reset();
   });
-  QDir(folder).removeRecursively();
 }
 
 void DeskAtScreen::start() {

@@ -7,6 +7,7 @@
 #include "desktop/grid/grid_view.h"
 #include "desktop/window/main_window.h"
 #include "tests/road/user.h"
+#include "tests/support/test_folder.h"
 
 namespace banddesk::road {
 
@@ -17,7 +18,7 @@ class DeskAtScreen {
 
   // All answers are looked up in the thread of the widgets.
   User user;
-  QString folder;  // for what the test writes
+  const QString folder = QString::fromStdString(test::testFolder().string());  // for what the test writes
 
   void start();
   // A new study with the peak table, and then an analysis with the defaults.

@@ -67,20 +67,9 @@ std::vector<NewResult> someResults(int step) {
 
 }  // namespace
 
-StoreFolder::StoreFolder() {
-  std::string pattern = (fs::temp_directory_path() / "banddesk-store-XXXXXX").string();
-  folder_ = ::mkdtemp(pattern.data());
-  fs::permissions(folder_, fs::perms::all);
-}
-
-StoreFolder::~StoreFolder() {
-  std::error_code trouble;
-  fs::remove_all(folder_, trouble);
-}
-
 std::vector<std::string> StoreFolder::names() const {
   std::vector<std::string> names;
-  for (const auto& entry : fs::directory_iterator(folder_)) names.push_back(entry.path().filename());
+  for (const auto& entry : fs::directory_iterator(path())) names.push_back(entry.path().filename());
   std::ranges::sort(names);
   return names;
 }

@@ -1,4 +1,4 @@
-// A folder for the study files of one test, removed at its end, and what the tests of stores put into and
+// A folder for the study files of a test, and what the tests of stores put into and
 // read out of a study.
 #pragma once
 
@@ -8,23 +8,16 @@
 #include <vector>
 
 #include "host/store/store.h"
+#include "tests/support/temp_folder.h"
 
 namespace banddesk::host {
 
-class StoreFolder {
+// Open to a process that has dropped its rights.
+class StoreFolder : public test::TempFolder {
  public:
-  StoreFolder();
-  StoreFolder(const StoreFolder&) = delete;
-  StoreFolder& operator=(const StoreFolder&) = delete;
-  ~StoreFolder();
-
-  const std::filesystem::path& path() const { return folder_; }
-  std::string file(const std::string& name) const { return (folder_ / name).string(); }
+  StoreFolder() { std::filesystem::permissions(path(), std::filesystem::perms::all); }
   // The names of all files in it, in order.
   std::vector<std::string> names() const;
-
- private:
-  std::filesystem::path folder_;
 };
 
 std::string bytesOf(const std::string& file);
