@@ -57,7 +57,7 @@ TEST(TheProgram, LeavesAStudyAsItWasOrAsItIsToBeWheneverItIsKilled) {
   ok({"new", study});
   const auto start = steady_clock::now();
   ok({"import", study, table});
-  const std::chrono::duration<double> whole = steady_clock::now() - start;
+  std::chrono::duration<double> whole = steady_clock::now() - start;
   const std::string sound = readFile(study);
   std::mt19937 random(20240531);
   int killed = 0, before = 0, after = 0;
@@ -69,7 +69,10 @@ TEST(TheProgram, LeavesAStudyAsItWasOrAsItIsToBeWheneverItIsKilled) {
     const std::size_t work = static_cast<std::size_t>(kill) % works.size();
     const double seconds = whole.count() * static_cast<double>(random() % 1000) / 1000;
     const std::string timer = "timeout --foreground -s KILL " + std::to_string(seconds + 0.0001);
-    killed += banddesk(works[work], timer).status == 0 ? 0 : 1;
+    // However busy the machine, the next one is likely to be hit in the midst of its work.
+    const bool isSurvivor = banddesk(works[work], timer).status == 0;
+    whole *= isSurvivor ? 0.7 : 1.1;
+    killed += isSurvivor ? 0 : 1;
     const Contents found = contentsOf(study);
     const bool isDone = work == 0   ? found.results == 80
                         : work == 1 ? found.analyses == 1
