@@ -1,6 +1,6 @@
 #include "bench/report.h"
 
-#include <cmath>
+#include <algorithm>
 #include <cstdio>
 #include <fmt/format.h>
 #include <fstream>
@@ -8,9 +8,6 @@
 
 namespace banddesk::bench {
 namespace {
-
-constexpr double kWorse = 1.5;
-constexpr double kChance = 1e-4;  // seconds; half of a few microseconds means nothing
 
 std::string secondsText(double seconds) {
   if (seconds >= 1) return fmt::format("{:.2f} s", seconds);
@@ -40,15 +37,6 @@ const char* verdictText(const Line& line) {
   return line.isMet() ? "(met)" : "(above)";
 }
 
-double rounded(double ratio) { return std::round(ratio * 1000) / 1000; }
-
-void writeText(const std::filesystem::path& file, const nlohmann::ordered_json& json) {
-  std::ofstream out(file);
-  out.exceptions(std::ios::badbit | std::ios::failbit);
-  out << json.dump(2) << '\n';
-  out.close();
-}
-
 }  // namespace
 
 double Line::figure() const {
@@ -61,27 +49,6 @@ double Line::figure() const {
       break;
   }
   return referenceValue > 0 ? value / referenceValue : 0;
-}
-
-Recorded readRecorded(const std::filesystem::path& file) {
-  std::ifstream in(file);
-  if (!in) return {};
-  return nlohmann::json::parse(in).get<Recorded>();
-}
-
-void writeRecorded(const std::filesystem::path& file, const std::vector<Line>& lines) {
-  nlohmann::ordered_json json = nlohmann::ordered_json::object();
-  for (const Line& line : lines) {
-    if (line.isRecorded()) json[line.key()] = rounded(line.bestRatio());
-  }
-  writeText(file, json);
-}
-
-bool isWorse(const Line& line, const Recorded& recorded) {
-  const auto known = recorded.find(line.key());
-  if (known == recorded.end() || !line.isRecorded()) return false;
-  const double allowed = kWorse * known->second * line.leastReference;
-  return line.least > allowed + (line.unit == Unit::Seconds ? kChance : 0);
 }
 
 void printHead() {
@@ -112,7 +79,10 @@ void writeJson(const std::filesystem::path& file, const std::vector<Line>& lines
                     {"judged", line.isJudged},
                     {"met", line.isMet()}});
   }
-  writeText(file, json);
+  std::ofstream out(file);
+  out.exceptions(std::ios::badbit | std::ios::failbit);
+  out << json.dump(2) << '\n';
+  out.close();
 }
 
 }  // namespace banddesk::bench

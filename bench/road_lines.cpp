@@ -4,12 +4,12 @@
 #include <memory>
 
 #include "bench/heap.h"
+#include "bench/instructions.h"
 #include "plugin/ui/control.h"
 
 namespace banddesk::bench {
 namespace {
 
-constexpr int kMostRepeats = 4;
 constexpr double kBytesOfACell = 20;  // counts and heights 12, the grid 8
 constexpr double kBytesOfAFragment = 24;
 
@@ -17,6 +17,7 @@ constexpr double kBytesOfAFragment = 24;
 Timed openingAnalysis(Road& road) {
   return [&road] {
     road.closeAnalysis();
+    const InstructionsCounted counted;
     road.openAnalysis();
     return processorSeconds() - road.watch().started;
   };
@@ -141,28 +142,20 @@ void measureDecisions(Bench& bench, Road& road) {
 
 void Bench::measure(const Road& road, const Measure& what, const Timed& work, const Timed& reference) {
   if ((road.size().name + " / " + what.work).find(only_) == std::string::npos) return;
-  const auto line = [&] {
-    const TurnTimes times = takeTurns(work, reference, effort_);
-    return Line{road.size().name,
-                what.work,
-                what.reference,
-                times.work.median(),
-                times.reference.median(),
-                times.work.least(),
-                times.reference.least(),
-                what.limit,
-                what.unit,
-                road.size().isJudged || what.isAlwaysJudged};
-  };
-  Line best = line();
-  for (int repeat = 0; repeat < kMostRepeats && isWorse(best, recorded_); ++repeat) {
-    if (const Line other = line(); other.bestRatio() < best.bestRatio()) best = other;
+  if (!effort_) {
+    work();
+    forgetInstructions();
+    work();
+    reportInstructions(road.size().name + " / " + what.work);
+    return;
   }
-  add(best);
+  const TurnTimes times = takeTurns(work, reference, *effort_);
+  add({road.size().name, what.work, what.reference, times.work.median(), times.reference.median(),
+       times.work.least(), times.reference.least(), what.limit, what.unit,
+       road.size().isJudged || what.isAlwaysJudged});
 }
 
 void Bench::add(Line line) {
-  if (isWorse(line, recorded_)) worse_.push_back(line.key());
   printLine(line);
   lines_.push_back(std::move(line));
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -20,24 +21,21 @@ struct Measure {
   bool isAlwaysJudged = false;
 };
 
-/// Measures line after line, prints each, and keeps them. A line that is worse than recorded is measured
-/// again before it is believed. Lines whose study and work do not contain `only` are passed over.
+/// Measures line after line, prints each, and keeps them. Lines whose study and work do not contain `only`
+/// are passed over.
 class Bench {
  public:
-  Bench(Effort effort, Recorded recorded, std::string only)
-      : effort_(effort), recorded_(std::move(recorded)), only_(std::move(only)) {}
+  /// Without an effort each work is done twice, and callgrind hears of the second time; nothing is timed.
+  Bench(std::optional<Effort> effort, std::string only) : effort_(effort), only_(std::move(only)) {}
 
   void measure(const Road& road, const Measure& what, const Timed& work, const Timed& reference);
   void add(Line line);
   const std::vector<Line>& lines() const { return lines_; }
-  const std::vector<std::string>& worse() const { return worse_; }
 
  private:
-  Effort effort_;
-  Recorded recorded_;
+  std::optional<Effort> effort_;
   std::string only_;
   std::vector<Line> lines_;
-  std::vector<std::string> worse_;
 };
 
 /// From the peak table to the analysis in its file; leaves the analysis open.

@@ -4,6 +4,8 @@
 #include <chrono>
 #include <ctime>
 
+#include "bench/instructions.h"
+
 namespace banddesk::bench {
 
 double processorSeconds() {
@@ -24,7 +26,10 @@ Timed timed(std::function<void()> prepare, std::function<void()> work) {
   return [prepare = std::move(prepare), work = std::move(work)] {
     prepare();
     const double start = processorSeconds();
-    work();
+    {
+      const InstructionsCounted counted;
+      work();
+    }
     return processorSeconds() - start;
   };
 }
@@ -33,7 +38,10 @@ Timed timedByClock(std::function<void()> prepare, std::function<void()> work) {
   return [prepare = std::move(prepare), work = std::move(work)] {
     prepare();
     const double start = clockSeconds();
-    work();
+    {
+      const InstructionsCounted counted;
+      work();
+    }
     return clockSeconds() - start;
   };
 }

@@ -6,7 +6,8 @@
 
 namespace banddesk::bench {
 
-/// Does something once and tells the seconds that count; what it has to prepare does not.
+/// Does something once and tells the seconds that count; what it has to prepare does not. Its instructions
+/// can be counted too.
 using Timed = std::function<double()>;
 
 /// The processor's seconds of this process, with those that the system spends for it. On a quiet machine they
