@@ -206,6 +206,7 @@ TEST(StudyFiles, AreImportedIntoAndAnalysedOnlyWhereTheyMayBeWritten) {
   const std::string study = smallStudy();
   ok({"analyze", study, "--name", "One"});
   ok({"export", study, "--csv", in("wanted.csv")});
+  fs::permissions(in("."), fs::perms::others_exec, fs::perm_options::add);
   fs::permissions(study, fs::perms::owner_all | fs::perms::others_read);
   const auto asNobody = [&](const std::string& arguments) {
     return shell("setpriv --reuid=65534 --regid=65534 --clear-groups '" BANDDESK_BINARY "' " + arguments);
