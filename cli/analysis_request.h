@@ -29,6 +29,7 @@ struct Outputs {
   std::optional<std::filesystem::path> csv;
   std::optional<std::filesystem::path> nts;
   std::optional<std::filesystem::path> matrix;
+  Cells matrixCells = Cells::Presence;
   std::optional<std::filesystem::path> json;
   std::optional<std::filesystem::path> xlsx;
 };

@@ -30,19 +30,19 @@ std::string dyeLetters(const host::TableImport& imported) {
 
 // A dye that nobody has was not meant: most likely the size standard's is another.
 void requireLadder(const AnalyzeArguments& arguments, const host::import::Report& report) {
-  if (!arguments.ladder) return;
+  if (!arguments.reading.ladder) return;
   for (const auto& file : report.files) {
     for (const auto& left : file.leftOut) {
       if (left.reason == "size standard") return;
     }
   }
   raise(ErrorNumber::InvalidArgument, "Analyze",
-        fmt::format("--ladder: no row has the dye {}", host::import::letterOf(*arguments.ladder)));
+        fmt::format("--ladder: no row has the dye {}", host::import::letterOf(*arguments.reading.ladder)));
 }
 
 host::TableImport readTables(const AnalyzeArguments& arguments, ProgressLine& bar) {
   bar.begin("Reading");
-  auto table = host::import::readFiles(arguments.files, {arguments.ladder}, [&](auto done, auto total) {
+  auto table = host::import::readFiles(arguments.files, arguments.reading, [&](auto done, auto total) {
     bar.show(total == 0 ? 0 : static_cast<double>(done) / static_cast<double>(total));
   });
   bar.clear();
@@ -67,7 +67,9 @@ void writeOutputs(const Outputs& outputs, Session& session, const std::string& d
   OutputFiles files;
   if (outputs.csv) files.write(*outputs.csv, [&](const path& target) { session.exportCsv(target); });
   if (outputs.nts) files.write(*outputs.nts, [&](const path& target) { session.exportNts(target); });
-  if (outputs.matrix) files.writeText(*outputs.matrix, [&](std::ostream& out) { writeMatrix(out, session); });
+  if (outputs.matrix)
+    files.writeText(*outputs.matrix,
+                    [&](std::ostream& out) { writeMatrix(out, session, outputs.matrixCells); });
   if (outputs.json) {
     files.writeText(*outputs.json,
                     [&](std::ostream& out) { writeJson(out, session, session.study().Name, dyes); });

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "cli/analysis_request.h"
-#include "host/import/dye.h"
+#include "host/import/read_files.h"
 
 namespace CLI {
 class App;
@@ -18,7 +18,7 @@ namespace banddesk::cli {
 
 struct AnalyzeArguments {
   std::vector<std::filesystem::path> files;
-  std::optional<host::import::Dye> ladder;
+  host::import::Options reading;
   std::optional<std::string> name;  // of the analysis in a study file
   AnalysisRequest request;
   std::set<std::string> given;  // the options that stand on the command line
@@ -31,6 +31,8 @@ class Session;
 // The options that name outputs, and the writing of those that were given; `dyes` are the letters of the four
 // slots. What is unsaved must be saved before.
 void addOutputOptions(CLI::App& command, Outputs& outputs);
+// "count", "presence" or "height"; any other text is an error of the option --cells.
+Cells readCells(const std::string& text);
 std::vector<std::filesystem::path> pathsOf(const Outputs& outputs);
 void writeOutputs(const Outputs& outputs, Session& session, const std::string& dyes);
 // The first lines of the table, for --head.

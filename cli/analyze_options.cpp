@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include "cli/analyze_command.h"
+#include "cli/reading_options.h"
 
 namespace banddesk::cli {
 namespace {
@@ -18,11 +19,6 @@ std::array<bool, 4> readDyes(const std::string& digits) {
   return dyes;
 }
 
-host::import::Dye readDye(const std::string& text) {
-  if (const auto dye = host::import::dyeOf(text)) return *dye;
-  throw CLI::ValidationError("--ladder", fmt::format("\"{}\" is none of the dyes B, G, Y, R, O", text));
-}
-
 void addParameterOptions(CLI::App& command, AnalyzeArguments& arguments) {
   AnalysisRequest& request = arguments.request;
   command.add_option("--max-bin-width", request.maxBinWidth, "Largest width of a bin in nt, 0.05 to 10")
@@ -36,25 +32,18 @@ void addParameterOptions(CLI::App& command, AnalyzeArguments& arguments) {
           "--dyes", [&request](const std::string& digits) { request.dyes = readDyes(digits); },
           "The dyes to look at, such as 123 [those with fragments]")
       ->type_name("DIGITS");
-  command
-      .add_option_function<std::string>(
-          "--ladder", [&arguments](const std::string& text) { arguments.ladder = readDye(text); },
-          "The size standard's dye, which is left out: B, G, Y, R or O")
-      ->type_name("DYE");
+  addReadingOptions(command, arguments.reading);
 }
 
-Cells readCells(const std::string& text) {
-  if (text == "count") return Cells::Count;
-  if (text == "presence") return Cells::Presence;
-  if (text == "height") return Cells::Height;
-  throw CLI::ValidationError("--cells", fmt::format("\"{}\" is none of count, presence and height", text));
-}
-
-void addViewOptions(CLI::App& command, AnalysisRequest& request) {
+void addViewOptions(CLI::App& command, AnalyzeArguments& arguments) {
+  AnalysisRequest& request = arguments.request;
   command
       .add_option_function<std::string>(
-          "--cells", [&request](const std::string& text) { request.cells = readCells(text); },
-          "What the sample cells show: count, presence or height [count]")
+          "--cells",
+          [&arguments](const std::string& text) {
+            arguments.request.cells = arguments.outputs.matrixCells = readCells(text);
+          },
+          "What the cells hold: count, presence or height [count; presence in --matrix]")
       ->type_name("WHAT");
   command.add_flag("--keep-full-bins", request.keepFullBins,
                    "Keep bins in which every sample has a fragment");
@@ -80,6 +69,13 @@ void addViewOptions(CLI::App& command, AnalysisRequest& request) {
 
 }  // namespace
 
+Cells readCells(const std::string& text) {
+  if (text == "count") return Cells::Count;
+  if (text == "presence") return Cells::Presence;
+  if (text == "height") return Cells::Height;
+  throw CLI::ValidationError("--cells", fmt::format("\"{}\" is none of count, presence and height", text));
+}
+
 void addOutputOptions(CLI::App& command, Outputs& outputs) {
   command.add_option("--csv", outputs.csv, "Write the table as it is shown")->type_name("OUT");
   command.add_option("--nts", outputs.nts, "Write presence as a labelled matrix for NTSYSpc")
@@ -100,7 +96,7 @@ CLI::App& addAnalyzeCommand(CLI::App& app, AnalyzeArguments& arguments) {
       .add_option("--name", arguments.name, "In a study: the analysis to open again or to make [a new one]")
       ->type_name("NAME");
   addParameterOptions(command, arguments);
-  addViewOptions(command, arguments.request);
+  addViewOptions(command, arguments);
   addOutputOptions(command, arguments.outputs);
   command.add_flag("--head", arguments.printHead, "Print the head of the table");
   command.footer(

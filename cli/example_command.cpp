@@ -37,7 +37,7 @@ void writeExampleStudy(const fs::path& path, const fs::path& table) {
   host::SqliteStore::create(path.string(), "Example");
   Session session;
   session.openStudy(std::make_shared<host::SqliteStore>(path.string()));
-  host::importIntoStudy(session.host().study(), {{table}, host::import::Dye::R});
+  host::importIntoStudy(session.host().study(), {{table}, {host::import::Dye::R}});
   AnalysisRequest request;
   request.yThreshold = kThreshold;
   session.analyze(request);
@@ -75,7 +75,7 @@ void runExample(const ExampleArguments& arguments) {
   const fs::path table = arguments.out / "peaks.txt";
   writeExampleTable(table, arguments.seed);
   analyze.files = {table};
-  analyze.ladder = host::import::Dye::R;
+  analyze.reading.ladder = host::import::Dye::R;
   analyze.request.yThreshold = kThreshold;
   analyze.outputs.csv = arguments.out / "table.csv";
   analyze.outputs.nts = arguments.out / "table.nts";

@@ -1,7 +1,9 @@
 #include "cli/matrix_file.h"
 
+#include <fmt/format.h>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 
 #include "cli/table_reading.h"
 #include "plugin/base/numbers.h"
@@ -34,15 +36,22 @@ std::string cellText(const AnalysisView& view, std::int32_t bin, std::size_t res
   return {};
 }
 
+// Bins of the same name are counted: "D1_100.25", "D1_100.25_2". No other bin is named like the second.
+std::string columnName(const BinReading& bin, std::unordered_map<std::string, int>& times) {
+  const std::string name = fmt::format("D{}_{:.2f}", bin.dye + 1, bin.meanSize);
+  const int time = ++times[name];
+  return time == 1 ? name : fmt::format("{}_{}", name, time);
+}
+
 }  // namespace
 
-void writeMatrix(std::ostream& out, const Session& session) {
+void writeMatrix(std::ostream& out, const Session& session, Cells cells) {
   const AnalysisView view = session.page().Analysis();
-  const auto cells = static_cast<Cells>(session.analysis().SampleBinOption.get());
   const auto bins = readBins(session);
+  std::unordered_map<std::string, int> times;
   out << "Sample";
   for (const BinReading& bin : bins) {
-    if (!bin.hidden) out << "\tD" << bin.dye + 1 << '_' << bin.meanText;
+    if (!bin.hidden) out << '\t' << columnName(bin, times);
   }
   out << '\n';
   std::size_t result = 0;

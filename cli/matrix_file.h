@@ -1,13 +1,15 @@
 // A clean tab-separated table for statistics programs: one row a sample with its full name, one column a bin
-// named by dye and mean size, and the cells that the analysis shows. What is hidden is left out.
+// named by dye and mean size with two decimals, and presence in the cells unless something else is asked for.
+// What is hidden is left out.
 #pragma once
 
 #include <ostream>
 
+#include "cli/analysis_request.h"
 #include "cli/session.h"
 
 namespace banddesk::cli {
 
-void writeMatrix(std::ostream& out, const Session& session);
+void writeMatrix(std::ostream& out, const Session& session, Cells cells);
 
 }  // namespace banddesk::cli

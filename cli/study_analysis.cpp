@@ -50,8 +50,9 @@ void checkStudy(const AnalyzeArguments& arguments) {
   if (arguments.files.size() != 1)
     raise(ErrorNumber::InvalidArgument, "Study",
           "A study is analysed alone: import the other files into it.");
-  if (arguments.ladder)
-    raise(ErrorNumber::InvalidArgument, "Study", "The size standard's dye is said when files are imported.");
+  if (arguments.reading.ladder || arguments.reading.dye || arguments.reading.sheet)
+    raise(ErrorNumber::InvalidArgument, "Study",
+          "--ladder, --dye and --sheet are said when files are imported.");
 }
 
 }  // namespace

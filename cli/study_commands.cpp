@@ -105,7 +105,7 @@ void runImport(const ImportArguments& arguments) {
   ProgressLine bar;
   bar.begin("Reading");
   const host::ImportOutcome outcome = host::importIntoStudy(
-      host.study(), {arguments.files, arguments.ladder, arguments.again}, [&](auto done, auto total) {
+      host.study(), {arguments.files, arguments.reading, arguments.again}, [&](auto done, auto total) {
         bar.show(total == 0 ? 0 : static_cast<double>(done) / static_cast<double>(total));
       });
   bar.clear();

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "host/import/dye.h"
+#include "host/import/read_files.h"
 
 namespace CLI {
 class App;
@@ -22,7 +22,7 @@ struct NewArguments {
 struct ImportArguments {
   std::filesystem::path study;
   std::vector<std::filesystem::path> files;
-  std::optional<host::import::Dye> ladder;
+  host::import::Options reading;
   bool again = false;
 };
 

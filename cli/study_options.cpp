@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 #include <memory>
 
+#include "cli/reading_options.h"
 #include "cli/study_analysis.h"
 #include "cli/study_commands.h"
 
@@ -34,17 +35,7 @@ void addImportCommand(CLI::App& app, Chosen& chosen) {
   CLI::App& command = *app.add_subcommand("import", "Import peak tables into a study");
   const auto arguments = argumentsOf<ImportArguments>(command, chosen, runImport);
   command.add_option("FILE", arguments->files, "Peak tables, or folders of them")->required();
-  command
-      .add_option_function<std::string>(
-          "--ladder",
-          [arguments = arguments.get()](const std::string& text) {
-            arguments->ladder = host::import::dyeOf(text);
-            if (!arguments->ladder)
-              throw CLI::ValidationError("--ladder",
-                                         fmt::format("\"{}\" is none of the dyes B, G, Y, R, O", text));
-          },
-          "The size standard's dye, which is left out: B, G, Y, R or O")
-      ->type_name("DYE");
+  addReadingOptions(command, arguments->reading);
   command.add_flag("--again", arguments->again, "Read files once more that the study has already");
   command.footer("Example:\n  banddesk import primula.study run1.txt run2.txt --ladder R");
 }
@@ -72,6 +63,14 @@ void addExportCommand(CLI::App& app, Chosen& chosen) {
   const auto arguments = argumentsOf<ExportArguments>(command, chosen, runExport);
   addNameOption(command, arguments->name);
   addOutputOptions(command, arguments->outputs);
+  command
+      .add_option_function<std::string>(
+          "--cells",
+          [arguments = arguments.get()](const std::string& text) {
+            arguments->outputs.matrixCells = readCells(text);
+          },
+          "What the cells of --matrix hold: count, presence or height [presence]")
+      ->type_name("WHAT");
   CLI::Option* const show = command.add_flag_callback(
       "--show-excluded", [arguments = arguments.get()] { arguments->showExcluded = true; },
       "With excluded bins and samples [as stored]");

@@ -61,7 +61,9 @@ void checkTable(const PeakTable& table) {
   std::size_t told = 0;
   for (const std::size_t count : report.peaks) told += count;
   for (const LeftOut& leftOut : report.leftOut) told += leftOut.count;
-  require(told == report.rows, "rows are neither read nor counted as left out");
+  const bool isWide = report.form.find("genotype") != std::string::npos;  // several peaks a row
+  require(isWide ? told >= report.rows : told == report.rows,
+          "rows are neither read nor counted as left out");
   std::size_t reported = 0;
   for (const std::size_t count : report.peaks) reported += count;
   require(reported == peaks && report.samples == table.samples.size(), "the report tells another number");
@@ -84,6 +86,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   Options options;
   options.stretch = kLarge;
   if (size % 2 == 1) options.ladder = Dye::R;
+  if (size % 3 == 1) options.dye = Dye::G;
   try {
     checkTable(readFiles({&file, 1}, options));
   } catch (const ImportError& error) {

@@ -23,6 +23,17 @@ namespace {
 
 QString folderKey() { return QStringLiteral("importFolder"); }
 
+void addDyes(QComboBox& box) {
+  for (const host::import::Dye dye : host::import::allDyes)
+    box.addItem(QStringLiteral("Dye %1").arg(QLatin1Char(host::import::letterOf(dye))),
+                static_cast<int>(dye));
+}
+
+std::optional<host::import::Dye> chosenDye(const QComboBox& box) {
+  const int dye = box.currentData().toInt();
+  return dye >= 0 ? std::optional(static_cast<host::import::Dye>(dye)) : std::nullopt;
+}
+
 std::vector<std::filesystem::path> pathsOf(const QListWidget& list) {
   std::vector<std::filesystem::path> paths;
   for (int i = 0; i < list.count(); ++i) paths.emplace_back(toText(list.item(i)->text()));
@@ -34,7 +45,7 @@ std::vector<std::filesystem::path> pathsOf(const QListWidget& list) {
 QStringList ImportDialog::askFiles(QWidget* parent) {
   QStringList files = QFileDialog::getOpenFileNames(
       parent, QStringLiteral("Import Peak Tables"), QSettings().value(folderKey()).toString(),
-      QStringLiteral("Peak tables (*.txt *.csv *.tsv *.tab *.fsa.txt);;All files (*)"));
+      QStringLiteral("Peak tables (*.txt *.csv *.tsv *.tab *.xlsx);;All files (*)"));
   if (!files.isEmpty()) QSettings().setValue(folderKey(), QFileInfo(files.constFirst()).absolutePath());
   return files;
 }
@@ -43,6 +54,7 @@ ImportDialog::ImportDialog(const QStringList& files, QWidget* parent)
     : QDialog(parent),
       files_(new QListWidget(this)),
       ladder_(new QComboBox(this)),
+      dye_(new QComboBox(this)),
       again_(new QCheckBox(QStringLiteral("Read files that were imported before &once more"), this)),
       report_(new QPlainTextEdit(this)) {
   setWindowTitle(QStringLiteral("Import Peak Tables"));
@@ -50,9 +62,10 @@ ImportDialog::ImportDialog(const QStringList& files, QWidget* parent)
   files_->setAccessibleName(QStringLiteral("Files"));
   files_->setSelectionMode(QAbstractItemView::ExtendedSelection);
   ladder_->addItem(QStringLiteral("None: read all dyes"), -1);
-  for (const host::import::Dye dye : host::import::allDyes)
-    ladder_->addItem(QStringLiteral("Dye %1").arg(QLatin1Char(host::import::letterOf(dye))),
-                     static_cast<int>(dye));
+  addDyes(*ladder_);
+  dye_->addItem(QStringLiteral("Not chosen: such tables are refused"), -1);
+  addDyes(*dye_);
+  connect(dye_, &QComboBox::currentIndexChanged, this, [this] { look(); });
   report_->setReadOnly(true);
   report_->setAccessibleName(QStringLiteral("What the tables hold"));
   report_->setTabChangesFocus(true);
@@ -71,6 +84,7 @@ ImportDialog::ImportDialog(const QStringList& files, QWidget* parent)
 
   auto* form = new QFormLayout;
   form->addRow(QStringLiteral("Size &standard, to leave out:"), ladder_);
+  form->addRow(QStringLiteral("Tables &without a dye column:"), dye_);
   form->addRow(again_);
   auto* buttons = new QDialogButtonBox(QDialogButtonBox::Cancel, this);
   import_ = buttons->addButton(QStringLiteral("&Import"), QDialogButtonBox::AcceptRole);
@@ -106,7 +120,10 @@ void ImportDialog::look() {
   if (files_->count() == 0) return;
   QApplication::setOverrideCursor(Qt::WaitCursor);
   try {
-    propose(host::import::readFiles(pathsOf(*files_)).report);
+    // All dyes are looked at, since the standard's may be among them.
+    auto wanted = options();
+    wanted.ladder.reset();
+    propose(host::import::readFiles(pathsOf(*files_), wanted).report);
     import_->setEnabled(true);
   } catch (const std::exception& error) {
     report_->setPlainText(toQString(error.what()));
@@ -119,11 +136,17 @@ void ImportDialog::propose(const host::import::Report& report) {
   if (report.ladder) ladder_->setCurrentIndex(ladder_->findData(static_cast<int>(report.ladder->dye)));
 }
 
+host::import::Options ImportDialog::options() const {
+  host::import::Options options;
+  options.ladder = chosenDye(*ladder_);
+  options.dye = chosenDye(*dye_);
+  return options;
+}
+
 host::ImportRequest ImportDialog::request() const {
   host::ImportRequest request;
   request.files = pathsOf(*files_);
-  const int dye = ladder_->currentData().toInt();
-  if (dye >= 0) request.ladder = static_cast<host::import::Dye>(dye);
+  request.options = options();
   request.again = again_->isChecked();
   return request;
 }

@@ -1,5 +1,6 @@
-// Asks which peak tables come into the study and which of their dyes is the size standard. The tables are
-// read beforehand, so that the dye that looks like the standard is proposed and bad files are told at once.
+// Asks which peak tables come into the study, which of their dyes is the size standard, and of which dye
+// tables without a dye column are. The tables are read beforehand, so that the dye that looks like the
+// standard is proposed and bad files are told at once.
 #pragma once
 
 #include <QDialog>
@@ -28,10 +29,12 @@ class ImportDialog final : public QDialog {
   void addFiles(const QStringList& files);
   void removeChosen();
   void look();
+  host::import::Options options() const;
   void propose(const host::import::Report& report);
 
   QListWidget* files_;
   QComboBox* ladder_;
+  QComboBox* dye_;
   QCheckBox* again_;
   QPlainTextEdit* report_;
   QPushButton* import_;

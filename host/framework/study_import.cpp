@@ -39,8 +39,7 @@ import::PeakTable readTable(HostStudyService& study, const ImportRequest& reques
                             const import::Progress& progress){
     // With no known files the hashes are still made: this import's files are to be known later.
     const Contents known = request.again ? Contents{} : contentsOf(study.imports());
-import::Options options;
-options.ladder = request.ladder;
+auto options = request.options;
 options.isKnown = [&](std::uint64_t size, std::uint64_t hash) { return known.contains({size, hash}); };
 return import::readFiles(request.files, options, progress);
 }  // namespace

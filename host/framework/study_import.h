@@ -4,7 +4,6 @@
 
 #include <cstddef>
 #include <filesystem>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -15,7 +14,7 @@ namespace banddesk::host {
 
 struct ImportRequest {
   std::vector<std::filesystem::path> files;  // or folders of them
-  std::optional<import::Dye> ladder;         // the size standard's dye, which is left out
+  import::Options options = {};              // how they are read; which are known is the study's to say
   bool again = false;                        // whether files of an earlier import are read once more
 };
 

@@ -47,7 +47,9 @@ std::optional<Dye> dyeOf(std::string_view text) {
 
 DyeCell readDyeCell(std::string_view cell) {
   const std::size_t comma = cell.find(',');
-  DyeCell read{dyeOf(trimmed(cell.substr(0, comma))), 0};
+  DyeCell read;
+  read.name = trimmed(cell.substr(0, comma));
+  read.dye = dyeOf(read.name);
   if (comma == std::string_view::npos) return read;
   const std::string_view number = trimmed(cell.substr(comma + 1));
   std::from_chars(number.data(), number.data() + number.size(), read.number);

@@ -21,11 +21,12 @@ constexpr char letterOf(Dye dye) { return "BGYRO"[indexOf(dye)]; }
 /// Reads "B", "b" or "Blue"; nothing for any other text.
 std::optional<Dye> dyeOf(std::string_view letterOrWord);
 
-/// What a dye cell says: `B`, `B,1`, `B, 1` or `Blue`. `number` is the peak's number within its dye, 0 when
-/// none is given.
+/// What a dye cell says: `B`, `B,1`, `B, 1`, `Blue` or any other `name`. `number` is the peak's number within
+/// its dye, 0 when none is given.
 struct DyeCell {
   std::optional<Dye> dye;
   std::uint32_t number = 0;
+  std::string_view name = {};  // in the cell
 };
 
 DyeCell readDyeCell(std::string_view cell);

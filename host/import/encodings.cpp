@@ -68,6 +68,18 @@ std::string utf8OfWindows1252(std::string_view bytes) {
   return text;
 }
 
+std::optional<ByteOrder> looksLikeUtf16(std::string_view start) {
+  constexpr std::size_t kFewest = 8;
+  if (start.size() < kFewest) return std::nullopt;
+  std::size_t zeros[2] = {0, 0};
+  for (std::size_t i = 0; i < start.size(); ++i) zeros[i % 2] += start[i] == '\0' ? 1U : 0U;
+  const auto isHigh = [&](std::size_t half) {
+    return zeros[1 - half] == 0 && zeros[half] * 8 > start.size() * 3;
+  };
+  if (isHigh(1)) return ByteOrder::Little;
+  return isHigh(0) ? std::optional(ByteOrder::Big) : std::nullopt;
+}
+
 bool isUtf8(std::string_view text) {
   const auto byteAt = [&](std::size_t i) {
     return i < text.size() ? static_cast<unsigned char>(text[i]) : 0U;

@@ -133,7 +133,7 @@ bool RowCursor::readQuoted(Field& field) {
   }
   at_ = quote + 1;
   if (overLines) setLineEnd();
-  while (at_ != contentEnd_ && *at_ == ' ') ++at_;
+  while (separator_ != ' ' && at_ != contentEnd_ && *at_ == ' ') ++at_;
   field.text = trimmed({from, static_cast<std::size_t>(quote - from)});
   field.quoted = true;
   return true;
@@ -148,7 +148,7 @@ const char* RowCursor::closingQuote(const char* from, const char* to) const {
       quote = after + 1;
       continue;
     }
-    while (after != end_ && *after == ' ') ++after;
+    while (separator_ != ' ' && after != end_ && *after == ' ') ++after;
     return after == end_ || *after == separator_ || *after == '\n' || *after == '\r' ? quote : nullptr;
   }
   return nullptr;

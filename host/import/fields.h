@@ -29,8 +29,8 @@ struct Row {
   }
 };
 
-/// In tab-separated text a quote that does not close on its line is an ordinary character; in the other two,
-/// which come from spreadsheets, the field goes on over the line's end.
+/// Several blanks that separate are one. In tab-separated text a quote that does not close on its line is an
+/// ordinary character; in the other two, which come from spreadsheets, the field goes on over the line's end.
 class RowCursor {
  public:
   static constexpr std::size_t allFields = std::numeric_limits<std::size_t>::max();

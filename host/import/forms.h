@@ -6,11 +6,12 @@
 #include <limits>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace banddesk::host::import {
 
-enum class FormKind { PeakScanner, GeneMapper, GeneMarker, GeneScan, Other };
+enum class FormKind { PeakScanner, GeneMapper, Genotypes, GeneMarker, GeneScan, Other };
 
 struct Columns {
   static constexpr std::size_t none = std::numeric_limits<std::size_t>::max();
@@ -21,6 +22,8 @@ struct Columns {
   std::size_t sampleName = none;
   std::size_t size = none;
   std::size_t height = none;
+  std::vector<std::pair<std::size_t, std::size_t>> more =
+      {};  // sizes and heights beside these, in a wide table
 
   /// How many fields of a row must be cut to reach the last of them.
   std::size_t wanted() const;
@@ -42,7 +45,7 @@ struct Form {
 };
 
 /// Throws ImportError when the text is no peak table; for a header that lacks a column, the error names the
-/// column.
-Form recogniseForm(std::string_view text, const std::filesystem::path& file);
+/// column. A header may lack the dye where `isDyeGiven`; a dye column that there is counts all the same.
+Form recogniseForm(std::string_view text, const std::filesystem::path& file, bool isDyeGiven = false);
 
 }  // namespace banddesk::host::import

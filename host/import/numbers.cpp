@@ -40,6 +40,24 @@ bool readPlain(std::string_view cell, double& value, bool& hasPoint) {
   return true;
 }
 
+/// "2,016", "1,234,567" or "1,234.5": one to three digits, not 0 alone, then groups of three behind commas. A
+/// size such as "38,720" looks so too; as thousands it would be far beyond any fragment, so two digits before
+/// a single comma are taken for a decimal comma.
+bool hasThousands(std::string_view cell, bool isPointKnown) {
+  std::size_t at = 0;
+  while (at < cell.size() && isDigit(cell[at])) ++at;
+  const std::size_t leading = at;
+  if (leading == 0 || leading > 3 || cell[0] == '0') return false;
+  std::size_t groups = 0;
+  for (; at < cell.size() && cell[at] == ','; ++groups, at += 4) {
+    for (std::size_t digit = at + 1; digit <= at + 3; ++digit)
+      if (digit >= cell.size() || !isDigit(cell[digit])) return false;
+  }
+  const bool hasPoint = at < cell.size() && cell[at] == '.';
+  if (groups == 0 || (at < cell.size() && !hasPoint)) return false;
+  return groups > 1 || hasPoint || leading == 1 || isPointKnown;
+}
+
 }  // namespace
 
 NumberKind NumberReader::read(std::string_view cell, double& value) {
@@ -57,6 +75,7 @@ NumberKind NumberReader::read(std::string_view cell, double& value) {
     }
     return checked(value);
   }
+  if (mark_ != ',' && hasThousands(cell, mark_ == '.')) return NumberKind::Thousands;
   const std::size_t comma = cell.find(',');
   return comma == std::string_view::npos ? NumberKind::NotANumber : readWithComma(cell, comma, value);
 }

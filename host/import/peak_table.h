@@ -33,7 +33,8 @@ struct Sample {
 struct LeftOut {
   std::string reason;
   std::size_t count = 0;
-  std::vector<std::size_t> firstLines;  // up to five, 1-based
+  std::vector<std::size_t> firstLines;   // up to five, 1-based
+  std::vector<std::string> quotes = {};  // the first different cells for which they were, up to five
 };
 
 struct FileReport {
@@ -58,6 +59,7 @@ struct LadderProposal {
 
 struct Report {
   std::vector<FileReport> files;
+  std::string dyeNames;  // how names of dyes were read, in words; empty where there were none
   std::optional<LadderProposal> ladder;
 };
 

@@ -3,17 +3,20 @@
 #include <algorithm>
 #include <fmt/format.h>
 #include <map>
+#include <numeric>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
-#include "host/import/forms.h"
+#include "host/import/dye_names.h"
 #include "host/import/input_file.h"
 #include "host/import/ladder.h"
+#include "host/import/report_text.h"
 #include "host/import/row_reader.h"
 #include "host/import/sample_assembler.h"
-#include "host/import/text_stream.h"
+#include "host/import/table_text.h"
 
 namespace banddesk::host::import {
 namespace {
@@ -71,6 +74,7 @@ class Reading {
   }
 
   PeakTable run() {
+    table_.report.dyeNames = gatherDyeNames();
     for (const Source& source : sources_) {
       readOne(source);
       done_ += source.size;
@@ -78,6 +82,7 @@ class Reading {
     }
     if (filesRead_ == 0 && filesKnown_ == 0)
       throw ImportError({sources_.front().file.parent_path(), 0, {}}, "no peak table in the folder");
+    requirePeaks();
     table_.report.ladder = options_.ladder ? std::nullopt : proposeLadder(table_.samples);
     return std::move(table_);
   }
@@ -106,22 +111,53 @@ class Reading {
       report.notes.push_back(fmt::format("the same content as {}; read once", twin->string()));
       return;
     }
-    TextStream text(source.file, options_.stretch);
-    std::string_view piece;
-    Form form;
+    std::optional<TableText> text;
     try {
-      piece = text.next();
-      form = recogniseForm(piece, source.file);
+      text.emplace(source.file, options_);
     } catch (const ImportError& error) {
       if (!source.ofFolder) throw;
       report.form = "no peak table, passed over";
       report.notes.push_back(error.message);
       return;
     }
-    // A spreadsheet's cell may go on over a line's end, and then over a piece's.
-    if (form.separator != '\t') piece = text.joinRest();
-    readRows(source, form, text, piece, report);
-    report.form = fmt::format("{}, {}", form.describe(), text.encodingName());
+    readRows(source, *text, report);
+    report.form = text->description();
+  }
+
+  // Only tables whose first dye is a name are read twice. What is wrong with a file, its own reading says.
+  std::string gatherDyeNames() {
+    std::filesystem::path named;
+    for (const Source& source : sources_) {
+      try {
+        TableText text(source.file, options_);
+        if (noteDyeNames(source.file.string(), text, names_) && named.empty()) named = source.file;
+      } catch (const ImportError&) {
+        continue;
+      }
+    }
+    try {
+      names_.assign();
+    } catch (const std::runtime_error& error) {
+      throw ImportError({named, 0, {}}, error.what());
+    }
+    return names_.description();
+  }
+
+  void requirePeaks() const {
+    const auto peaksOf = [](const FileReport& file) {
+      return std::accumulate(file.peaks.begin(), file.peaks.end(), std::size_t{0});
+    };
+    const FileReport* most = nullptr;
+    for (const FileReport& file : table_.report.files) {
+      if (peaksOf(file) != 0) return;
+      if (file.rows != 0 && (most == nullptr || file.rows > most->rows)) most = &file;
+    }
+    if (most == nullptr) return;
+    std::vector<std::string> reasons;
+    for (const LeftOut& leftOut : most->leftOut)
+      reasons.push_back(fmt::format("{} ({})", leftOut.count, reasonText(leftOut)));
+    throw ImportError({most->file, 0, {}}, fmt::format("no peak is left of its {} rows; left out: {}",
+                                                       most->rows, fmt::join(reasons, ", ")));
   }
 
   bool isKnown(const Source& source, FileReport& report) const {
@@ -131,12 +167,11 @@ class Reading {
     return options_.isKnown(report.size, report.hash);
   }
 
-  void readRows(const Source& source, const Form& form, TextStream& text, std::string_view piece,
-                FileReport& report) {
+  void readRows(const Source& source, TableText& text, FileReport& report) {
     const std::size_t before = table_.samples.size();
     assembler_.beginFile(source.file, report);
-    RowReader reader(form, source.file, options_.ladder, assembler_, report);
-    piece.remove_prefix(form.firstRowOffset);
+    RowReader reader(text.form(), source.file, {names_, options_.ladder, options_.dye}, assembler_, report);
+    std::string_view piece = text.rows();
     do {
       reader.read(piece);
       tell(text.bytesDone());
@@ -163,6 +198,7 @@ class Reading {
   const Options& options_;
   const Progress& progress_;
   PeakTable table_;
+  DyeNames names_;
   SampleAssembler assembler_;
   std::map<std::uint64_t, std::size_t> filesOfSize_;
   std::map<std::pair<std::uint64_t, std::uint64_t>, fs::path> contents_;

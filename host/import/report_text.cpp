@@ -4,6 +4,12 @@
 #include <iterator>
 
 namespace banddesk::host::import {
+
+std::string reasonText(const LeftOut& leftOut) {
+  if (leftOut.quotes.empty()) return leftOut.reason;
+  return fmt::format("{}: \"{}\"", leftOut.reason, fmt::join(leftOut.quotes, "\", \""));
+}
+
 namespace {
 
 using Text = fmt::memory_buffer;
@@ -21,9 +27,9 @@ void appendPeaks(Text& text, const FileReport& file) {
 
 void appendLeftOut(Text& text, const LeftOut& leftOut) {
   const bool more = leftOut.count > leftOut.firstLines.size();
-  fmt::format_to(std::back_inserter(text), "  left out: {} ({}), {} {}{}\n", leftOut.count, leftOut.reason,
-                 leftOut.count == 1 ? "line" : "lines", fmt::join(leftOut.firstLines, ", "),
-                 more ? ", ..." : "");
+  fmt::format_to(std::back_inserter(text), "  left out: {} ({}), {} {}{}\n", leftOut.count,
+                 reasonText(leftOut), leftOut.count == 1 ? "line" : "lines",
+                 fmt::join(leftOut.firstLines, ", "), more ? ", ..." : "");
 }
 
 void appendFile(Text& text, const FileReport& file) {
@@ -42,6 +48,7 @@ void appendFile(Text& text, const FileReport& file) {
 std::string reportText(const Report& report) {
   Text text;
   for (const FileReport& file : report.files) appendFile(text, file);
+  if (!report.dyeNames.empty()) fmt::format_to(std::back_inserter(text), "{}\n", report.dyeNames);
   if (report.ladder)
     fmt::format_to(
         std::back_inserter(text),

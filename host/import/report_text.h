@@ -7,6 +7,9 @@
 
 namespace banddesk::host::import {
 
+/// Why rows were left out, with the cells for which they were.
+std::string reasonText(const LeftOut& leftOut);
+
 /// A line a file, further lines indented by two blanks; ends with a line feed.
 std::string reportText(const Report& report);
 

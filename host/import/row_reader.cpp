@@ -13,10 +13,11 @@ namespace {
 
 constexpr std::size_t notYet = static_cast<std::size_t>(-1);
 constexpr std::size_t linesKept = 5;
+constexpr std::size_t quotesKept = 5;
 
 constexpr std::array reasons{"blank size",      "blank height",  "no dye",
                              "no sample name",  "size standard", "row cut short",
-                             "header repeated", "row repeated",  "dye is not B, G, Y, R or O"};
+                             "header repeated", "row repeated",  "dye not known"};
 
 bool allBlank(const Row& row) {
   return std::all_of(row.fields.begin(), row.fields.begin() + static_cast<std::ptrdiff_t>(row.count),
@@ -27,15 +28,15 @@ bool isNumber(std::string_view text) { return !text.empty() && std::ranges::all_
 
 }  // namespace
 
-RowReader::RowReader(const Form& form, const std::filesystem::path& file, std::optional<Dye> ladder,
+RowReader::RowReader(const Form& form, const std::filesystem::path& file, const DyeRules& dyes,
                      SampleAssembler& assembler, FileReport& report)
     : form_(form),
       file_(file),
-      ladder_(ladder),
+      dyes_(dyes),
       assembler_(assembler),
       report_(report),
       line_(form.firstRowLine),
-      fileName_(file.extension() == ".fsa" ? file.filename().string() : file.stem().string()),
+      fileName_(runNameOfFile(file)),
       leftOutAt_(reasons.size(), notYet) {
   fileAsSample_.text = fileName_;
 }
@@ -51,11 +52,13 @@ void RowReader::read(std::string_view piece) {
 void RowReader::readRow(Row& row) {
   if (!isWorthReading(row)) return;
   const Columns& columns = form_.columns;
-  DyeCell dye = readDyeCell(row.text(columns.dye));
-  const std::string_view peak = row.text(columns.peakNumber);
-  std::from_chars(peak.data(), peak.data() + peak.size(), dye.number);
-  const std::optional<double> size = number(row, columns.size);
-  const std::optional<double> height = number(row, columns.height);
+  const DyeCell dye = dyeOf(row);
+  numbersOfRow_.assign(1, {number(row, columns.size), number(row, columns.height)});
+  // Alleles that a marker does not have leave their places empty.
+  for (const auto& [size, height] : columns.more) {
+    const std::pair further(number(row, size), number(row, height));
+    if (further.first || further.second) numbersOfRow_.push_back(further);
+  }
   static constexpr Field nothing;
   const auto cell = [&](std::size_t column) -> const Field& {
     return column < row.count ? row.fields[column] : nothing;
@@ -64,11 +67,25 @@ void RowReader::readRow(Row& row) {
   SampleAssembler::Run* run =
       assembler_.runOf(headerless ? fileAsSample_ : cell(columns.sampleFile), cell(columns.sampleName));
   if (!run) return leaveOut(Reason::NoSample, row);
-  if (!dye.dye) return leaveOut(row.text(columns.dye).empty() ? Reason::NoDye : Reason::OtherDye, row);
-  if (dye.dye == ladder_) return leaveOut(Reason::Ladder, row);
+  if (!dye.dye) return leaveOut(dye.name.empty() ? Reason::NoDye : Reason::OtherDye, row, dye.name);
+  if (dye.dye == dyes_.ladder) return leaveOut(Reason::Ladder, row);
+  for (const auto& [size, height] : numbersOfRow_) addPeak(*run, dye, size, height, row);
+}
+
+DyeCell RowReader::dyeOf(const Row& row) const {
+  if (form_.columns.dye == Columns::none) return {dyes_.given};
+  DyeCell dye = readDyeCell(row.text(form_.columns.dye));
+  if (!dye.dye) dye.dye = dyes_.names.dyeOf(dye.name);
+  const std::string_view peak = row.text(form_.columns.peakNumber);
+  std::from_chars(peak.data(), peak.data() + peak.size(), dye.number);
+  return dye;
+}
+
+void RowReader::addPeak(SampleAssembler::Run& run, const DyeCell& dye, Number size, Number height,
+                        const Row& row) {
   if (!size) return leaveOut(Reason::BlankSize, row);
   if (!height) return leaveOut(Reason::BlankHeight, row);
-  if (assembler_.add(*run, dye, *size, *height) == SampleAssembler::Added::Repeated)
+  if (assembler_.add(run, dye, *size, *height) == SampleAssembler::Added::Repeated)
     return leaveOut(Reason::Repeated, row);
   ++report_.peaks[indexOf(*dye.dye)];
 }
@@ -91,7 +108,9 @@ bool RowReader::isWorthReading(Row& row) {
 /// An unquoted B,1 in comma-separated text came as two fields; it becomes one again.
 void RowReader::mendSplitDye(Row& row) const {
   const std::size_t at = form_.columns.dye;
-  if (form_.header.empty() || row.count <= form_.header.size() || row.fields[at].quoted) return;
+  if (at == Columns::none || form_.header.empty() || row.count <= form_.header.size() ||
+      row.fields[at].quoted)
+    return;
   if (row.text(at).size() != 1 || !isNumber(row.text(at + 1))) return;
   const char* begin = row.fields[at].text.data();
   const std::string_view number = row.fields[at + 1].text;
@@ -101,7 +120,7 @@ void RowReader::mendSplitDye(Row& row) const {
   --row.count;
 }
 
-std::optional<double> RowReader::number(const Row& row, std::size_t column) {
+RowReader::Number RowReader::number(const Row& row, std::size_t column) {
   double value = 0;
   const NumberKind kind = numbers_.read(row.text(column), value);
   if (kind == NumberKind::Number) return value;
@@ -110,8 +129,9 @@ std::optional<double> RowReader::number(const Row& row, std::size_t column) {
 }
 
 void RowReader::failOnNumber(const Row& row, std::size_t column, NumberKind kind) const {
-  const char* what = kind == NumberKind::NotFinite  ? "is not a finite number"
-                     : kind == NumberKind::Negative ? "is negative"
+  const char* what = kind == NumberKind::NotFinite   ? "is not a finite number"
+                     : kind == NumberKind::Negative  ? "is negative"
+                     : kind == NumberKind::Thousands ? "has a thousands separator; write the numbers without"
                      : kind == NumberKind::OtherMark
                          ? "mixes decimal comma and decimal point with the rows above"
                          : "is not a number";
@@ -124,7 +144,7 @@ bool RowReader::repeatsHeader(const Row& row) const {
   return !form_.header.empty() && repeats(form_.columns.size) && repeats(form_.columns.height);
 }
 
-void RowReader::leaveOut(Reason reason, const Row& row) {
+void RowReader::leaveOut(Reason reason, const Row& row, std::string_view quote) {
   std::size_t& at = leftOutAt_[static_cast<std::size_t>(reason)];
   if (at == notYet) {
     at = report_.leftOut.size();
@@ -133,6 +153,9 @@ void RowReader::leaveOut(Reason reason, const Row& row) {
   LeftOut& leftOut = report_.leftOut[at];
   ++leftOut.count;
   if (leftOut.firstLines.size() < linesKept) leftOut.firstLines.push_back(row.line);
+  if (!quote.empty() && leftOut.quotes.size() < quotesKept &&
+      std::ranges::find(leftOut.quotes, quote) == leftOut.quotes.end())
+    leftOut.quotes.emplace_back(quote);
 }
 
 }  // namespace banddesk::host::import

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <fmt/format.h>
+#include <span>
 
 #include "host/import/text_scan.h"
 
@@ -10,6 +11,7 @@ namespace {
 
 constexpr std::array<std::string_view, 12> extensions{".fsa", ".fsb", ".ab1", ".abi", ".abd", ".hid",
                                                       ".scf", ".esd", ".rsd", ".smd", ".smr", ".frf"};
+constexpr std::array<std::string_view, 6> tableExtensions{".txt", ".csv", ".tsv", ".tab", ".dat", ".xlsx"};
 constexpr std::size_t notesInFull = 5;
 // No run has more peaks of a dye; a greater number is no peak number.
 constexpr std::uint32_t greatestPeakNumber = 100'000;
@@ -38,6 +40,17 @@ bool hasPeak(const DyePeaks& peaks, double size, double height) {
   return false;
 }
 
+// Without the first of these that ends it, case not minded.
+std::string_view withoutEnd(std::string_view text, std::span<const std::string_view> ends) {
+  for (const std::string_view end : ends) {
+    if (text.size() <= end.size()) continue;
+    const std::string_view last = text.substr(text.size() - end.size());
+    if (std::ranges::equal(last, end, {}, [](char c) { return lowerAscii(c); }))
+      return text.substr(0, text.size() - end.size());
+  }
+  return text;
+}
+
 }  // namespace
 
 // Others look for a well and time stamp at the very end of a name.
@@ -48,16 +61,12 @@ std::string markedName(const std::string& name, std::size_t number) {
 }
 
 std::string runName(std::string_view text) {
-  text = trimmed(text);
   // Only known extensions: what follows the last point may be a well and time stamp, or part of the name.
-  for (const std::string_view extension : extensions) {
-    if (text.size() <= extension.size()) continue;
-    const std::string_view end = text.substr(text.size() - extension.size());
-    if (!std::ranges::equal(end, extension, {}, [](char c) { return lowerAscii(c); })) continue;
-    text.remove_suffix(extension.size());
-    break;
-  }
-  return std::string(trimmed(text));
+  return std::string(trimmed(withoutEnd(trimmed(text), extensions)));
+}
+
+std::string runNameOfFile(const std::filesystem::path& file) {
+  return runName(withoutEnd(trimmed(file.filename().string()), tableExtensions));
 }
 
 void SampleAssembler::beginFile(const std::filesystem::path& file, FileReport& report) {

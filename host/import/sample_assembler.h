@@ -15,9 +15,12 @@
 
 namespace banddesk::host::import {
 
-/// The name of the run that a cell or file name says: without the extension that an instrument or exporter
-/// adds.
+/// The name of the run that a cell says: without the extension that an instrument adds.
 std::string runName(std::string_view text);
+
+/// The same of a table's own file name, which may have the extension of a text or a spreadsheet behind it.
+/// What else follows a point is part of the name.
+std::string runNameOfFile(const std::filesystem::path& file);
 
 /// A name told apart from an equal one: "Name (2)". A well and time stamp at its end stays at its end.
 std::string markedName(const std::string& name, std::size_t number);

@@ -1,7 +1,10 @@
 #include "host/import/text_stream.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
+#include <optional>
+#include <string>
 
 #include "host/import/encodings.h"
 #include "host/import/import_error.h"
@@ -19,6 +22,14 @@ bool looksBinary(std::string_view text) {
     const auto byte = static_cast<unsigned char>(c);
     return byte < 0x20 && c != '\t' && c != '\n' && c != '\r' && c != '\f' && c != 0x1A;
   });
+}
+
+std::string whatIsBinary(std::string_view start) {
+  if (start.starts_with("ABIF"))
+    return "is a raw run (.fsa), and raw runs are not read yet: export its peak table as text";
+  if (start.starts_with("\xD0\xCF\x11\xE0"))
+    return "is a spreadsheet of the old form (.xls): save it as text";
+  return "is a binary file, not a text table";
 }
 
 }  // namespace
@@ -56,6 +67,7 @@ void TextStream::readMore() {
   const bool atStart = bytesRead_ == 0;
   bytesRead_ += got;
   if (atStart && !plain) dropMark();
+  if (atStart && !isUtf16()) takeForUtf16();
   if (atStart && !isUtf16()) requireText({buffer_.data(), held_});
   if (!plain && encoding_ == Encoding::Ascii && !isAscii({buffer_.data(), held_}))
     encoding_ = restIsUtf8() ? Encoding::Utf8 : Encoding::Windows1252;
@@ -76,6 +88,14 @@ void TextStream::dropMark() {
   }
   held_ -= length;
   std::memmove(buffer_.data(), buffer_.data() + length, held_);
+}
+
+/// By the same bytes of the file, however many are read at a time.
+void TextStream::takeForUtf16() {
+  std::array<char, 4096> start{};
+  const std::size_t count = file_.readAt(0, start.data(), start.size());
+  if (const auto order = looksLikeUtf16({start.data(), count}))
+    encoding_ = *order == ByteOrder::Big ? Encoding::Utf16Big : Encoding::Utf16Little;
 }
 
 /// Looks through what the buffer holds and all that follows in the file.
@@ -139,7 +159,7 @@ std::string_view TextStream::give() {
 }
 
 void TextStream::requireText(std::string_view start) const {
-  if (looksBinary(start)) throw ImportError({file_.path(), 0, {}}, "is a binary file, not a text table");
+  if (looksBinary(start)) throw ImportError({file_.path(), 0, {}}, whatIsBinary(start));
 }
 
 std::string_view TextStream::encodingName() const {

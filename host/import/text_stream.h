@@ -12,7 +12,7 @@
 namespace banddesk::host::import {
 
 /// Holds about one piece in memory, not the file. A byte-order mark decides the encoding; without one it is
-/// UTF-8 where the whole file is, else Windows-1252.
+/// UTF-16 where every second byte of the start is zero, UTF-8 where the whole file is, else Windows-1252.
 class TextStream {
  public:
   /// Small enough for the processor's cache, large enough that calls do not count.
@@ -39,6 +39,7 @@ class TextStream {
   void requireText(std::string_view start) const;
   void readMore();
   void dropMark();
+  void takeForUtf16();
   bool restIsUtf8() const;
   std::size_t wholeLines() const;
   std::string_view decoded(std::string_view raw);

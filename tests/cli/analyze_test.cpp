@@ -116,8 +116,28 @@ TEST(Analyze, GivesTheSameMatrixInBothOrientationsAndKeepsDecisionsThroughAllOut
     EXPECT_EQ(readFile(home + "/t." + form), readFile(home + "/t--transpose." + form)) << form;
   }
   EXPECT_EQ(readFile(home + "/t.matrix"),
-            "Sample\tD1_100.066666666667\tD1_120.2\tD2_80.55\ns1\t1\t0\t0\ns3\t1\t0\t0\ns4\t1\t0\t0\n");
+            "Sample\tD1_100.07\tD1_120.20\tD2_80.55\ns1\t1\t0\t0\ns3\t1\t0\t0\ns4\t1\t0\t0\n");
   EXPECT_THAT(lines(readFile(home + "/t.nts")), ::testing::Contains("1 3L 3L 0\r"));
+}
+
+TEST(Analyze, TheMatrixHoldsPresenceUnlessSomethingElseIsAskedFor) {
+  writeFile(in("t.txt"), std::string(kHeader) +
+                             "B\ta.fsa\t100.00\t500\t0\t0\t\nB\ta.fsa\t100.02\t90\t0\t0\t\n" +
+                             "B\tb.fsa\t200.00\t70\t0\t0\t\n");
+  const std::string study = in("t.study");
+  ok({"new", study});
+  ok({"import", study, in("t.txt")});
+  ok({"analyze", study, "--cells", "height"});
+  const std::vector<std::pair<Arguments, std::string>> cases{
+      {{}, "a\t1\t0\nb\t0\t1\n"},
+      {{"--cells", "count"}, "a\t2\t0\nb\t0\t1\n"},
+      {{"--cells", "height"}, "a\t500\t0\nb\t0\t70\n"}};
+  for (const auto& [cells, rows] : cases) {
+    Arguments arguments{"export", study, "--matrix", in("m.tsv")};
+    arguments.insert(arguments.end(), cells.begin(), cells.end());
+    ok(arguments);
+    EXPECT_EQ(readFile(in("m.tsv")), "Sample\tD1_100.01\tD1_200.00\n" + rows);
+  }
 }
 
 // Read by other code than wrote it.

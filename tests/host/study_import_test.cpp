@@ -30,7 +30,7 @@ struct ImportDesk {
   }
   ImportOutcome import(const std::vector<std::filesystem::path>& files,
                        std::optional<import::Dye> ladder = std::nullopt, bool again = false) {
-    return importIntoStudy(host.study(), {files, ladder, again});
+    return importIntoStudy(host.study(), {files, {ladder}, again});
   }
   std::vector<std::string> names() {
     std::vector<std::string> names;

@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <map>
 #include <numeric>
+#include <xlsxwriter.h>
 
 #include "host/simulation/random.h"
 #include "tests/import/table_folder.h"
@@ -244,6 +245,109 @@ TEST(Forms, TablesAreRecognisedByContentAndSurviveWhatRealOnesHold) {
     EXPECT_EQ(table.samples[0].name, at.sample);
     EXPECT_EQ(table.samples[0].peaks(Dye::B).sizes, at.sizes);
   }
+}
+
+TEST(Forms, TablesOfOtherProgramsAreReadAsTheyAre) {
+  struct Case {
+    std::string file, text, form, sample;
+    std::vector<double> sizes;  // of B
+    std::optional<Dye> dye = {};
+  };
+  const std::string plain = "Sample\tDye\tSize\tHeight (RFU)\nx\tB\t7\t8\n";
+  std::string wide;
+  for (const char c : plain) wide += {c, '\0'};
+  const Case cases[]{
+      {"QCWA.22", "B,1\t5.7\t38.72\t50\n", "GeneScan", "QCWA.22", {38.72}},
+      {"QCWA.22.fsa.TXT", "B,1\t5.7\t38.72\t50\n", "GeneScan", "QCWA.22", {38.72}},
+      {"t", wide, "UTF-16 LE", "x", {7}},
+      {"t", '\0' + wide.substr(0, wide.size() - 1), "UTF-16 BE", "x", {7}},
+      {"t",
+       "Sample Name\tMarker\tDye\tAllele 1\tAllele 2\tSize 1\tSize 2\tHeight 1\tHeight 2\n"
+       "x\tM\tB\t1\t2\t50.5\t60\t9\t8\nx\tN\tB\t\t\t70\t\t5\t\nx\tO\tB\t\t\t\t\t\t\n",
+       "genotype table",
+       "x",
+       {50.5, 60, 70}},
+      {"t", "Sample ID;Size (bp);RFU\nx;50,5;9\n", "semicolon", "x", {50.5}, Dye::B},
+      {"t", "Sample,BP,Peak Height\nx,50,9\n", "comma", "x", {50}, Dye::B},
+      {"t", "Sample\tDye\tSize\tHeight\n1\tx\tB\t50\t9\n2\tx\tB\t60\t9\n", "tab", "x", {50, 60}},
+      {"t",
+       "\"Sample\" \"bp\" \"height\"\n\"1\" \"x\" 50 9\n\"2\" \"x\" 60 9\n",
+       "blank",
+       "x",
+       {50, 60},
+       Dye::B},
+  };
+  for (const Case& at : cases) {
+    SCOPED_TRACE(at.text);
+    const PeakTable table = TableFolder().readOne(at.text, {{}, at.dye}, at.file);
+    EXPECT_THAT(table.report.files[0].form, HasSubstr(at.form));
+    ASSERT_EQ(table.samples.size(), 1U);
+    EXPECT_EQ(table.samples[0].name, at.sample);
+    EXPECT_EQ(table.samples[0].peaks(Dye::B).sizes, at.sizes);
+  }
+}
+
+TEST(Forms, NamesOfDyesAreReadByTheSetTheyStandIn) {
+  struct Case {
+    std::vector<const char*> dyes;
+    const char* colours;
+  };
+  const Case cases[]{
+      {{"6-FAM", "VIC", "NED", "PET", "LIZ"}, "BGYRO"}, {{"FAM (B)", "hex", "NED(Y)", "Rox"}, "BGYR"},
+      {{"5-FAM", "TET", "HEX", "TAMRA"}, "BGYR"},       {{"FAM", "JOE", "TAMRA", "ROX"}, "BGYR"},
+      {{"FAM", "JOE", "TMR", "CXR", "BTO"}, "BGYRO"},   {{"TET (G)", "HEX (Y)"}, "GY"},
+      {{"FAM", "VIC", "HEX", "NED"}, "BGYR"},
+  };
+  for (const Case& at : cases) {
+    SCOPED_TRACE(at.dyes.front());
+    std::string text = "Sample\tDye\tSize\tHeight\n";
+    // In a sample of its own no dye has to make room for another.
+    for (std::size_t i = 0; i < at.dyes.size(); ++i)
+      text += fmt::format("x\t{0}\t{1}\t9\ny{1}\t{0}\t{1}\t9\n", at.dyes[i], i);
+    const PeakTable table = TableFolder().readOne(text);
+    for (std::size_t i = 0; i < at.dyes.size(); ++i)
+      EXPECT_THAT(table.samples[0].peaks(*dyeOf(std::string_view(at.colours).substr(i, 1))).sizes,
+                  ElementsAre(static_cast<double>(i)));
+  }
+  const TableFolder folder;
+  const auto one = folder.write("1", "Sample\tDye\tSize\tHeight\na\tVIC\t5\t9\n");
+  const auto two = folder.write("2", "Sample\tDye\tSize\tHeight\nb\tHEX\t6\t9\n");
+  const PeakTable apart = TableFolder::read({one, two});
+  EXPECT_EQ(apart.report.files[0].peaks, apart.report.files[1].peaks) << "runs of two kits, one colour";
+  EXPECT_EQ(apart.report.dyeNames, "dyes by name: HEX as G, VIC as G");
+}
+
+TEST(Forms, ASpreadsheetIsReadFromItsFirstSheetOrTheOneThatIsNamed) {
+  const TableFolder folder;
+  const std::string file = folder.file("t.xlsx");
+  lxw_workbook* const book = workbook_new(file.c_str());
+  for (const char* name : {"One", "Two"}) {
+    lxw_worksheet* const sheet = workbook_add_worksheet(book, name);
+    const char* const header[]{"Sample", "Dye", "Size", "Height"};
+    for (lxw_col_t col = 0; col < 4; ++col) worksheet_write_string(sheet, 2, col, header[col], nullptr);
+    worksheet_write_string(sheet, 3, 0, "a \"b\"\tc", nullptr);
+    worksheet_write_string(sheet, 3, 1, "B", nullptr);
+    worksheet_write_number(sheet, 3, 2, name[0] == 'O' ? 50.125 : 60, nullptr);
+    worksheet_write_formula_num(sheet, 3, 3, "=4+5", nullptr, 9);
+    for (lxw_col_t col = 0; name[0] == 'T' && col < 4; ++col)
+      worksheet_write_string(sheet, 4, col, "wide", nullptr);
+  }
+  ASSERT_EQ(workbook_close(book), LXW_NO_ERROR);
+  const PeakTable table = TableFolder::read({file});
+  ASSERT_EQ(table.samples.size(), 1U);
+  EXPECT_EQ(table.samples[0].name, "a \"b\" c");
+  EXPECT_THAT(table.samples[0].peaks(Dye::B).sizes, ElementsAre(50.125));
+  EXPECT_THAT(table.samples[0].peaks(Dye::B).heights, ElementsAre(9));
+  const auto errorOf = [&](const char* sheet) {
+    try {
+      TableFolder::read({file}, {{}, {}, sheet});
+    } catch (const ImportError& error) {
+      return error.message;
+    }
+    return std::string();
+  };
+  EXPECT_EQ(errorOf("Two"), "\"wide\" is not a number");
+  EXPECT_EQ(errorOf("Three"), "has no sheet \"Three\", but \"One\", \"Two\"");
 }
 
 }  // namespace

@@ -38,10 +38,25 @@ TEST(ReadFiles, SaysInOneLineWhatIsWrongAndWhere) {
   const std::string good = row("B,1", "a.fsa", "50");
   const Case cases[]{
       {"empty", "", ": the file is empty"},
-      {"binary", std::string("ABIF\0\1\2\0", 8), ": is a binary file, not a text table"},
+      {"binary", std::string("xyz\0\1\2\0\3", 8), ": is a binary file, not a text table"},
+      {"raw run", std::string("ABIF\0\1\2\0", 8), ": is a raw run (.fsa), and raw runs are not read yet"},
+      {"old spreadsheet", std::string("\xD0\xCF\x11\xE0\0\0\0\0", 8),
+       ": is a spreadsheet of the old form (.xls): save it as text"},
+      {"no spreadsheet", std::string("PK\3\4????", 8), ": is a zip archive, but cannot be read as an .xlsx"},
       {"other text", "Dear all,\nsee the table.\n", ": is no peak table"},
       {"no rows", header, ": has a header but no rows"},
       {"no height", "Dye\tSample\tSize\nB\ta\t50\n", ", line 1: the header has no column Height"},
+      {"no dye", "Sample\tSize\tHeight\na\t50\t1\n",
+       ", line 1: the header has no column Dye/Sample Peak or Dye; if all peaks are of one dye, choose it "
+       "(on the command line --dye B)"},
+      {"alleles alone", "Sample Name\tMarker\tDye\tAllele 1\na\tM\tB\t120\n",
+       ", line 1: the genotypes have names of alleles alone"},
+      {"nothing kept", header + row("Cy5,1", "a.fsa", "50") + row("Cy5,2", "a.fsa", ""),
+       ": no peak is left of its 2 rows; left out: 2 (dye not known: \"Cy5\")"},
+      {"six dyes",
+       header + row("FAM,1", "a.fsa", "50") + row("TET,1", "a.fsa", "50") + row("VIC,1", "a.fsa", "50") +
+           row("NED,1", "a.fsa", "50") + row("PET,1", "a.fsa", "50") + row("LIZ,1", "a.fsa", "50"),
+       ": the dyes FAM, LIZ, NED, PET, TET, VIC do not go together"},
       {"no sample", "x\nDye\tSize\tHeight\nB\t1\t50\n",
        ", line 2: the header has no column Sample File Name"},
       {"twice", "Dye\tSample\tSize\tSize\tHeight\nB\ta\t1\t1\t50\n",
@@ -56,7 +71,9 @@ TEST(ReadFiles, SaysInOneLineWhatIsWrongAndWhere) {
       {"both marks", header + row("B,1", "a.fsa", "5.5") + row("B,2", "a.fsa", "6,5"),
        ", line 3, column Size: \"6,5\" mixes"},
       {"thousands", header + row("B,1", "a.fsa", "5.5", "1,234.5"),
-       ", line 2, column Height: \"1,234.5\" is not a number"},
+       ", line 2, column Height: \"1,234.5\" has a thousands separator"},
+      {"thousands first", header + row("B,1", "a.fsa", "50", "2,016"),
+       ", line 2, column Height: \"2,016\" has a thousands separator"},
       {"no header", "B,1\t5.7\t38.7\t50\nB,2\t6\tx\t50\n", ", line 2, column 3: \"x\" is not a number"},
   };
   for (const Case& at : cases) {
@@ -89,7 +106,7 @@ TEST(ReadFiles, RowsWithoutAPeakAreCountedByReasonWithTheirFirstLines) {
   std::string left;
   for (const LeftOut& out : report.leftOut) left += out.reason + " " + std::to_string(out.count) + "; ";
   EXPECT_EQ(left,
-            "size standard 1; dye is not B, G, Y, R or O 1; no dye 1; no sample name 1; blank height 1; row "
+            "size standard 1; dye not known 1; no dye 1; no sample name 1; blank height 1; row "
             "cut short 1; "
             "blank size 7; ");
   EXPECT_THAT(report.leftOut.back().firstLines, ElementsAre(9, 10, 11, 12, 13));
