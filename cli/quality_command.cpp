@@ -42,11 +42,14 @@ std::vector<std::pair<std::string, std::string>> readPairs(const std::filesystem
   return pairs;
 }
 
+bool isFile(const std::string& text) {
+  std::error_code trouble;
+  return std::filesystem::is_regular_file(text, trouble);
+}
+
 host::Replicates replicatesOf(const ShownTable& table, const std::string& wanted) {
   if (wanted.empty()) return {};
-  std::error_code trouble;
-  if (!std::filesystem::is_regular_file(wanted, trouble))
-    return host::replicatesOfRuns(table.samples, wanted);
+  if (!isFile(wanted)) return host::replicatesOfRuns(table.samples, wanted);
   return host::replicatesByName(table.samples, readPairs(wanted));
 }
 
@@ -59,9 +62,11 @@ std::string percent(const std::optional<double>& value) {
 }
 
 std::string replicateText(const host::ReplicateQuality& quality, const ShownTable& table) {
-  std::string text =
-      fmt::format("replicates: {} pairs, mismatch error {}, Jaccard error {}\n", quality.pairs.size(),
-                  percent(quality.overall.mismatchError()), percent(quality.overall.jaccardError()));
+  std::string text = fmt::format(
+      "replicates: {} pairs\n  Jaccard error: {} on average, standard deviation {}; all pairs pooled {}\n"
+      "  mismatch error: {}\n",
+      quality.pairs.size(), percent(quality.jaccardError.mean), percent(quality.jaccardError.deviation),
+      percent(quality.overall.jaccardError()), percent(quality.overall.mismatchError()));
   for (std::size_t i = 0; i < std::min(kPairsTold, quality.pairs.size()); ++i) {
     const host::PairQuality& pair = quality.pairs[i];
     text += fmt::format("  {} and {}: Jaccard error {}, {} cells differ\n", table.samples[pair.samples.first],
@@ -128,8 +133,11 @@ ordered_json qualityJson(const host::TableQuality& quality, const host::Replicat
       entry["bin"] = table.bins[bin.bin];
       bins.push_back(entry);
     }
-    json["replicates"] = {
-        {"overall", agreementJson(quality.replicates->overall)}, {"pairs", pairs}, {"bins", bins}};
+    json["replicates"] = {{"jaccardErrorMean", number(quality.replicates->jaccardError.mean)},
+                          {"jaccardErrorDeviation", number(quality.replicates->jaccardError.deviation)},
+                          {"pooled", agreementJson(quality.replicates->overall)},
+                          {"pairs", pairs},
+                          {"bins", bins}};
   }
   ordered_json unmade = ordered_json::array();
   for (const auto& pair : replicates.unmade) {
@@ -169,7 +177,7 @@ void runQuality(const QualityArguments& arguments) {
     writeWholeText(*arguments.json, [&](std::ostream& out) { out << text << '\n'; });
   }
   say(qualityText(quality, replicates, table));
-  if (!arguments.replicates.empty() && replicates.pairs.empty())
+  if (!arguments.replicates.empty() && replicates.pairs.empty() && !isFile(arguments.replicates))
     say("no replicates: \"{}\" is no file, and no shown sample's name ends in it beside one without it\n",
         arguments.replicates);
 }

@@ -198,10 +198,13 @@ void QualityPanel::showPairs(const host::ShownTable& table, const host::TableQua
   if (suffix_->text().trimmed().isEmpty()) return replicates_->clear();
   if (!quality.replicates || replicates.pairs.empty())
     return replicates_->setText(QStringLiteral("No shown sample's name ends so beside one without it."));
-  replicates_->setText(QStringLiteral("%1 pairs, mismatch error %2, Jaccard error %3")
-                           .arg(replicates.pairs.size())
-                           .arg(percent(quality.replicates->overall.mismatchError()),
-                                percent(quality.replicates->overall.jaccardError())));
+  const host::ReplicateQuality& of = *quality.replicates;
+  replicates_->setText(
+      QStringLiteral("%1 pairs. Jaccard error: %2 on average, standard deviation %3; all pairs "
+                     "pooled %4. Mismatch error: %5")
+          .arg(replicates.pairs.size())
+          .arg(percent(of.jaccardError.mean), percent(of.jaccardError.deviation),
+               percent(of.overall.jaccardError()), percent(of.overall.mismatchError())));
   for (const host::PairQuality& pair : quality.replicates->pairs) {
     addLine(*pairs_,
             {toQString(table.samples[pair.samples.first]), toQString(table.samples[pair.samples.second]),

@@ -28,8 +28,8 @@ class PairMaker {
   std::string tryToAdd(const std::string& first, const std::string& second) {
     for (const std::string& name : {first, second}) {
       const std::size_t count = countOf(name);
-      if (count == 0) return "there is no sample " + name;
-      if (count > 1) return "there are " + std::to_string(count) + " samples " + name;
+      if (count == 0) return "no sample is named \"" + name + "\"";
+      if (count > 1) return "there are " + std::to_string(count) + " samples named \"" + name + "\"";
     }
     const ReplicatePair pair{indices_[first].front(), indices_[second].front()};
     if (pair.first == pair.second) return "a sample is no replicate of itself";

@@ -1,6 +1,8 @@
 #include "host/quality/table_quality.h"
 
 #include <algorithm>
+#include <cmath>
+#include <numeric>
 #include <stdexcept>
 #include <tuple>
 
@@ -83,6 +85,21 @@ bool isWorse(const Agreement& a, const Agreement& b) {
   return rank(a) > rank(b);
 }
 
+MeanOfPairs meanJaccardError(const std::vector<PairQuality>& pairs) {
+  std::vector<double> errors;
+  for (const PairQuality& pair : pairs)
+    if (const auto error = pair.agreement.jaccardError()) errors.push_back(*error);
+  MeanOfPairs of;
+  if (errors.empty()) return of;
+  const auto count = static_cast<double>(errors.size());
+  of.mean = std::accumulate(errors.begin(), errors.end(), 0.0) / count;
+  if (errors.size() < 2) return of;
+  double squares = 0;
+  for (const double error : errors) squares += (error - *of.mean) * (error - *of.mean);
+  of.deviation = std::sqrt(squares / (count - 1));
+  return of;
+}
+
 ReplicateQuality compareReplicates(const TableView& table, std::span<const ReplicatePair> replicates) {
   ReplicateQuality quality;
   for (const ReplicatePair& pair : replicates) quality.pairs.push_back({pair, {}});
@@ -96,6 +113,7 @@ ReplicateQuality compareReplicates(const TableView& table, std::span<const Repli
     }
     quality.overall += ofBin.agreement;
   }
+  quality.jaccardError = meanJaccardError(quality.pairs);
   const auto worstFirst = [](const auto& a, const auto& b) { return isWorse(a.agreement, b.agreement); };
   std::ranges::stable_sort(quality.pairs, worstFirst);
   std::ranges::stable_sort(quality.bins, worstFirst);

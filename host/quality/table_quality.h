@@ -52,8 +52,15 @@ struct BinQuality {
   Agreement agreement;  // over all pairs
 };
 
+/// Of the pairs that have a value, each pair counting alike.
+struct MeanOfPairs {
+  std::optional<double> mean;
+  std::optional<double> deviation;  // the standard deviation of a sample: nothing below two pairs
+};
+
 struct ReplicateQuality {
-  Agreement overall;               // all cells of all pairs taken together
+  MeanOfPairs jaccardError;
+  Agreement overall;               // pooled: all cells of all pairs taken together
   std::vector<PairQuality> pairs;  // every pair given, also one that fills no cell; worst first
   std::vector<BinQuality> bins;    // every bin; worst first
 };

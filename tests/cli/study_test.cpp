@@ -235,7 +235,8 @@ TEST(Quality, TellsTheFiguresOfAStoredTableAndEveryPairItCannotMake) {
                               "fragments per filled cell: 1.0000\n"));
   // Bins 100 (both), 200 and D2 150 (a), 300 (c): three of the four cells differ.
   EXPECT_THAT(told, HasSubstr("a and c: Jaccard error 75.00 %, 3 cells differ\n"));
-  EXPECT_THAT(told, HasSubstr("no pair of \"a\" and \"nobody\""));
+  EXPECT_THAT(told, HasSubstr("75.00 % on average, standard deviation -; all pairs pooled 75.00 %\n"));
+  EXPECT_THAT(told, HasSubstr("no pair of \"a\" and \"nobody\": no sample is named \"nobody\"\n"));
   EXPECT_THAT(readFile(in("q.json")), HasSubstr("\"mismatchError\": 0.75"));
   EXPECT_THAT(ok({"quality", study, "--replicates", "zz"}).out, HasSubstr("no replicates"));
   writeFile(in("pairs.tsv"), "a\tc\na c\n");

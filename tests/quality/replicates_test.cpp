@@ -15,7 +15,7 @@ TEST(Replicates, BySuffixArePairedWithTheExactNameBeforeAnAnchoredEnding) {
   EXPECT_EQ(found.pairs, (Pairs{{1, 2}, {0, 7}}));
   ASSERT_EQ(found.unmade.size(), 1U);
   EXPECT_EQ(found.unmade[0].second, "Xb");
-  EXPECT_EQ(found.unmade[0].reason, "there is no sample X");
+  EXPECT_EQ(found.unmade[0].reason, "no sample is named \"X\"");
   EXPECT_THROW(replicatesBySuffix(names, ""), std::invalid_argument);
 }
 
@@ -27,8 +27,8 @@ TEST(Replicates, ByNameReportEveryPairThatCannotBeMade) {
   EXPECT_EQ(found.pairs, (Pairs{{0, 1}}));
   ASSERT_EQ(found.unmade.size(), 5U);
   const std::vector<std::string> reasons = {"the pair is named twice", "a sample is no replicate of itself",
-                                            "there are 2 samples C", "there is no sample D",
-                                            "there is no sample b"};
+                                            "there are 2 samples named \"C\"", "no sample is named \"D\"",
+                                            "no sample is named \"b\""};
   for (std::size_t i = 0; i < reasons.size(); ++i) EXPECT_EQ(found.unmade[i].reason, reasons[i]);
 }
 

@@ -1,5 +1,6 @@
 #include "host/quality/table_quality.h"
 
+#include <cmath>
 #include <gtest/gtest.h>
 #include <optional>
 #include <stdexcept>
@@ -42,6 +43,10 @@ TEST(TableQuality, OfReplicatesNamesTheWorstPairAndBinFirstAndDropsNone) {
   EXPECT_EQ(quality.overall.differing, 2U);
   EXPECT_DOUBLE_EQ(quality.overall.mismatchError().value(), 2.0 / 9);
   EXPECT_DOUBLE_EQ(quality.overall.jaccardError().value(), 2.0 / 5);
+  // Of 2/3 and 0; the third pair has no value.
+  EXPECT_DOUBLE_EQ(quality.jaccardError.mean.value(), 1.0 / 3);
+  EXPECT_DOUBLE_EQ(quality.jaccardError.deviation.value(), std::sqrt(2.0) / 3);
+  EXPECT_FALSE(qualityOf(table, {pairs.data(), 1}).replicates.value().jaccardError.mean);
 
   ASSERT_EQ(quality.pairs.size(), 3U);
   EXPECT_EQ(quality.pairs[0].samples, (ReplicatePair{0, 1}));
