@@ -38,8 +38,21 @@ void GridControl::discard(Axis which, std::int32_t from, std::int32_t to) {
   selection_.removeLines(which, from, to);
 }
 
+// Nobody sees the steps of a piece of work, only what it leaves: a sort shows all lines and hides some again.
 void GridControl::Redraw(double) {
-  if (!isLocked_ && enabledRedraw_) Repaint.raise();
+  if (isLocked_ || !enabledRedraw_) return;
+  dropNewlyHidden(Axis::Rows, currentRow_);
+  dropNewlyHidden(Axis::Columns, currentCol_);
+  Repaint.raise();
+}
+
+// What the user sees no more is neither selected nor the current cell: the next command must not act on it.
+void GridControl::dropNewlyHidden(Axis which, std::int32_t& current) {
+  LineAxis& lines = axis(which);
+  if (lines.seen == lines.visibility) return;
+  selection_.dropNewlyHidden(which, lines);
+  if (lines.isNewlyHidden(current)) current = lines.nearestVisible(current);
+  lines.seen = lines.visibility;
 }
 
 void GridControl::setViewSize(std::int32_t rows, std::int32_t cols) {

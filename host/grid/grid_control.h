@@ -209,6 +209,7 @@ class GridControl final : public Grid, private GridData, private GridParameters,
   void changeBlock(const Block& block, const GridStyle& style, StyleMode mode);
   void changeAsides(std::int32_t row, std::int32_t col, const GridStyle& style, StyleMode mode);
   void keepViewInside();
+  void dropNewlyHidden(Axis which, std::int32_t& current);
   void scrollTo(std::int32_t row, std::int32_t col);
   void select(const Block& block, bool addToSelection);
   bool mayDrag(Axis which, std::int32_t first, std::int32_t last) const;

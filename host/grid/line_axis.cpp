@@ -193,6 +193,12 @@ Position Visibility::nthVisible(Position n) const {
   return static_cast<Position>(index) + missing - 1;
 }
 
+Position LineAxis::nearestVisible(Position position) const {
+  const Position all = visibility.visibleUpTo(count);
+  if (all == 0 || !visibility.isHidden(position)) return position;
+  return visibility.nthVisible(std::min(visibility.visibleUpTo(position) + 1, all));
+}
+
 std::int32_t LineAxis::width(Position position) const {
   if (position < 0 || static_cast<std::size_t>(position) >= widths_.size()) return kDefaultWidth;
   const std::int32_t width = widths_[static_cast<std::size_t>(position)];
@@ -209,11 +215,13 @@ void LineAxis::setWidth(Position first, Position last, std::int32_t width) {
 void LineAxis::insert(Position before, Position added) {
   order.insert(before, added);
   visibility.insert(before, added);
+  seen.insert(before, added);
   insertLines(widths_, before, added, -1);
 }
 
 std::vector<Slot> LineAxis::remove(Position first, Position last) {
   visibility.remove(first, last);
+  seen.remove(first, last);
   removeLines(widths_, first, last);
   return order.remove(first, last);
 }
@@ -221,6 +229,7 @@ std::vector<Slot> LineAxis::remove(Position first, Position last) {
 void LineAxis::move(Position first, Position last, Position target) {
   order.move(first, last, target);
   visibility.move(first, last, target);
+  seen.move(first, last, target);
   moveLines(widths_, first, last, target, -1);
 }
 
@@ -228,6 +237,7 @@ void LineAxis::exchangeWith(LineAxis& other) {
   std::swap(count, other.count);
   std::swap(order, other.order);
   std::swap(visibility, other.visibility);
+  std::swap(seen, other.seen);
 }
 
 }  // namespace banddesk::host

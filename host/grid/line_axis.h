@@ -73,6 +73,8 @@ class Visibility {
   // The n-th visible position from 1 on, n counting from 1.
   Position nthVisible(Position n) const;
 
+  friend bool operator==(const Visibility& a, const Visibility& b) { return a.hidden_ == b.hidden_; }
+
  private:
   void countBlocks() const;
 
@@ -90,6 +92,14 @@ class LineAxis {
   std::int32_t frozenHeaders = 0;  // kept, shown nowhere
   LineOrder order;
   Visibility visibility;
+  Visibility seen;  // the visibility when the table was shown last; where lines come, go or move it follows
+
+  // Hidden since then.
+  bool isNewlyHidden(Position position) const {
+    return visibility.isHidden(position) && !seen.isHidden(position);
+  }
+  // The visible line here, or next behind this one, or else in front of it; itself if none is visible.
+  Position nearestVisible(Position position) const;
 
   std::int32_t width(Position position) const;
   void setWidth(Position first, Position last, std::int32_t width);

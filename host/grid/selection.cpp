@@ -4,6 +4,29 @@
 #include "plugin/base/numbers.h"
 
 namespace banddesk::host {
+namespace {
+
+// Adds the parts of the block whose lines are visible.
+void addVisibleParts(Axis which, const LineAxis& lines, Block block, std::vector<Block>& parts) {
+  const Position last = block.last(which);
+  for (Position line = block.first(which); line <= last; ++line) {
+    if (lines.visibility.isHidden(line)) continue;
+    Block part = block;
+    part.first(which) = line;
+    while (line < last && !lines.visibility.isHidden(line + 1)) ++line;
+    part.last(which) = line;
+    parts.push_back(part);
+  }
+}
+
+bool hasNewlyHidden(const LineAxis& lines, Position first, Position last) {
+  for (Position line = first; line <= last; ++line) {
+    if (lines.isNewlyHidden(line)) return true;
+  }
+  return false;
+}
+
+}  // namespace
 
 GridRange Selection::Item(std::int32_t index) const {
   if (index < 0 || index >= GetCount()) {
@@ -46,6 +69,20 @@ void Selection::insertLines(Axis axis, std::int32_t before, std::int32_t count) 
 void Selection::removeLines(Axis axis, std::int32_t from, std::int32_t to) {
   for (Block& block : blocks_) block.removeLines(axis, from, to);
   std::erase_if(blocks_, [](const Block& block) { return block.isEmpty(); });
+}
+
+void Selection::dropNewlyHidden(Axis which, const LineAxis& lines) {
+  std::vector<Block> kept;
+  for (Block block : blocks_) {
+    const Position first = block.first(which);
+    const Position last = block.last(which);
+    const bool holdsAll = first <= 1 && last >= lines.count && lines.visibility.visibleUpTo(lines.count) > 0;
+    if (holdsAll || !hasNewlyHidden(lines, first, last))
+      kept.push_back(block);
+    else
+      addVisibleParts(which, lines, block, kept);
+  }
+  blocks_ = std::move(kept);
 }
 
 void Selection::exchangeAxes() {

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "host/grid/block.h"
+#include "host/grid/line_axis.h"
 
 namespace banddesk::host {
 
@@ -27,6 +28,9 @@ class Selection final : public RangeList {
   void insertLines(Axis axis, std::int32_t before, std::int32_t count);
   void removeLines(Axis axis, std::int32_t from, std::int32_t to);
   void exchangeAxes();
+  // What was hidden since the table was shown last is taken out: a block that holds such lines keeps those
+  // that are visible. One of all lines stays one of all lines while any of them is visible.
+  void dropNewlyHidden(Axis which, const LineAxis& lines);
 
  private:
   std::vector<Block> blocks_;

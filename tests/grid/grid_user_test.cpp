@@ -208,6 +208,45 @@ TEST(GridUser, ARedrawHappensOnlyWhenNothingHoldsItBack) {
   EXPECT_EQ(log.Repaints, 1);
 }
 
+TEST(GridUser, WhatAPieceOfWorkHidesIsSelectedNoMore) {
+  struct Case {
+    const char* what;
+    Block selected;
+    Block hidden;  // its rows, or its columns where it has no row
+    std::vector<Block> left;
+    Block current;  // of one cell; it was at row 3, column 2
+  };
+  const Case cases[] = {
+      {"in the middle", {2, 1, 6, 5}, {3, 0, 4, 0}, {{2, 1, 2, 5}, {5, 1, 6, 5}}, {5, 2, 5, 2}},
+      {"all of it", {2, 1, 3, 5}, {2, 0, 5, 0}, {}, {6, 2, 6, 2}},
+      {"up to the end", {3, 1, 8, 5}, {3, 0, 8, 0}, {}, {2, 2, 2, 2}},
+      {"beside it", {5, 2, 6, 3}, {7, 0, 8, 0}, {{5, 2, 6, 3}}, {3, 2, 3, 2}},
+      {"rows of a whole column", {1, 2, 8, 2}, {4, 0, 6, 0}, {{1, 2, 8, 2}}, {3, 2, 3, 2}},
+      {"a column", {1, 2, 8, 3}, {0, 2, 0, 2}, {{1, 3, 8, 3}}, {3, 3, 3, 3}}};
+  for (const Case& each : cases) {
+    GridControl grid("grid");
+    grid.SetRowCount(8);
+    grid.SetColCount(5);
+    grid.SetCurrentCell(3, 2);
+    grid.selectCells(each.selected.top, each.selected.left, each.selected.bottom, each.selected.right);
+    const bool isLocked = grid.LockUpdate(true);
+    // As a sort does it: all are shown and some are hidden again, and only what it leaves counts.
+    grid.HideRows(1, 8, true);
+    grid.Redraw(2.0);
+    grid.HideRows(1, 8, false);
+    if (each.hidden.bottom > 0)
+      grid.HideRows(each.hidden.top, each.hidden.bottom, true);
+    else
+      grid.HideCols(each.hidden.left, each.hidden.right, true);
+    grid.LockUpdate(isLocked);
+    EXPECT_EQ(grid.selection().blocks(), std::vector{each.selected}) << each.what;
+    grid.Redraw(2.0);
+    EXPECT_EQ(grid.selection().blocks(), each.left) << each.what;
+    EXPECT_EQ(std::pair(grid.currentRow(), grid.currentCol()), std::pair(each.current.top, each.current.left))
+        << each.what;
+  }
+}
+
 TEST(GridUser, ANewCurrentCellScrollsIntoTheViewWithoutAnEvent) {
   GridControl grid("grid");
   grid.SetRowCount(1000);
