@@ -48,7 +48,10 @@ std::shared_ptr<PersistentObject> HostObjectManager::Create(const std::string& t
     visitOwned(*analysis, [&](PersistentObject& owned) { owned.setGuard(&faults_); });
     object = analysis;
   } else if (typeName == "GridColumn") {
-    object = std::make_shared<GridColumn>();
+    // A dye or a sample: the others come with the analysis.
+    auto column = std::make_shared<GridColumn>();
+    centre(*column);
+    object = column;
   } else if (typeName == "AFLPBin") {
     object = std::make_shared<AFLPBin>();
   } else {
@@ -105,6 +108,7 @@ std::shared_ptr<HostAFLP> HostObjectManager::load(std::int32_t id) {
   auto analysis = makeAnalysis(id);
   analysis->Study = study_;
   restore(store_->readAnalysis(id), *analysis);
+  for (const auto& dye : analysis->DyeGrid->Columns) centre(*dye);  // older studies hold none of it
   settle(*analysis);
   return analysis;
 }

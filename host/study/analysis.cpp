@@ -69,12 +69,16 @@ std::shared_ptr<GridColumn> makeCellStyle(const CellStyle& style, std::int32_t o
   entry->InteriorColor = style.ground;
   entry->InteriorBkColor = style.ground;
   entry->TextColor = style.text;
-  entry->HorizontalAlignment = kCentre;
-  entry->VerticalAlignment = kMiddle;
+  centre(*entry);
   return entry;
 }
 
 }  // namespace
+
+void centre(GridColumn& column) {
+  column.HorizontalAlignment = kCentre;
+  column.VerticalAlignment = kMiddle;
+}
 
 std::shared_ptr<const GridColumnDefinition> binColumnDefinition(std::string_view key) {
   auto definition = std::make_shared<GridColumnDefinition>();

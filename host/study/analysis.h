@@ -38,6 +38,9 @@ class HostAFLP final : public AFLP, public std::enable_shared_from_this<HostAFLP
 // fragment, with several and with none.
 void fillNewLayouts(AFLP& analysis);
 
+// The texts of the column's cells stand in their middle, as those of the table's other short texts.
+void centre(GridColumn& column);
+
 // What a column of bin information is by its key; a plain definition for any other key.
 std::shared_ptr<const GridColumnDefinition> binColumnDefinition(std::string_view key);
 
