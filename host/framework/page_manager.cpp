@@ -39,10 +39,22 @@ const PageDefinition& definitionOf(const std::string& name) {
 
 // Whether the user took the draft over.
 template <class Draft>
-bool isAccepted(Draft draft, const std::function<bool(Draft&)>& user) {
+bool isAccepted(Draft draft, const std::function<bool(Draft&)>& user,
+                const std::function<void()>& beforeAccept = [] {}) {
   if (!user || !user(draft)) return false;
+  beforeAccept();
   draft.accept();
   return true;
+}
+
+// A save leaves the sample columns without their labels, and the page would write those into its table. It makes
+// them when the list of its sample axis is clicked, whichever way the table lies; to choose there what is chosen
+// changes nothing else. Not later: it finds the headers by the order that the columns have now.
+void remakeLabels(PageOwner* owner) {
+  const auto* base = dynamic_cast<HostPageBase*>(owner);
+  const auto control = base != nullptr ? base->control() : nullptr;
+  if (!control) return;
+  if (auto* axis = control->Controls().find<ui::ComboBox>("cbxSampleAxis")) axis->Click.raise();
 }
 
 }  // namespace
@@ -60,7 +72,7 @@ std::shared_ptr<banddesk::Page> HostPageManager::OpenPage(const std::string& nam
   }
   auto page = std::make_shared<HostPage>(faults_, watch, definition.name, definition.caption, bound, owner);
   if (definition.isModal) {
-    const bool accepted = runModal(*page);
+    const bool accepted = runModal(*page, owner);
     page->owner().raiseExit(*page, !accepted);
     return page;
   }
@@ -87,10 +99,10 @@ void HostPageManager::start(HostPage& page, const char* className) {
   failure.raise();
 }
 
-bool HostPageManager::runModal(const HostPage& page) const {
+bool HostPageManager::runModal(const HostPage& page, PageOwner* owner) const {
   const auto layout = cast<GridLayout>(page.bound(), "GridLayout");
-  return page.DefinitionName() == "ColumnSelector" ? isAccepted(ColumnSelection(*layout), selectColumns)
-                                                   : isAccepted(ColumnSorting(*layout), sortColumns);
+  if (page.DefinitionName() != "ColumnSelector") return isAccepted(ColumnSorting(*layout), sortColumns);
+  return isAccepted(ColumnSelection(*layout), selectColumns, [owner] { remakeLabels(owner); });
 }
 
 bool HostPageManager::validate(HostPage& page) const {

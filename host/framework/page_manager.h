@@ -54,7 +54,7 @@ class HostPageManager final : public PageManager {
 
  private:
   void start(HostPage& page, const char* className);
-  bool runModal(const HostPage& page) const;
+  bool runModal(const HostPage& page, PageOwner* owner) const;
 
   FaultInjector& faults_;
   HostPlatform& platform_;

@@ -41,6 +41,10 @@ void HostPageBase::ShowHelp(std::int32_t command, std::int32_t data) {
   platform_.ShowHelp(page().DefinitionName(), command, data);
 }
 
+std::shared_ptr<IPageControl> HostPageBase::control() const {
+  return page_ != nullptr ? page_->control() : nullptr;
+}
+
 HostPage& HostPageBase::page() const { return required(page_, "Page"); }
 
 ObjectRef HostPage::BoundObject() const {

@@ -49,6 +49,9 @@ class HostPageBase final : public PageBase, public LivingOwner {
   void MarkChanged() override;
   void ShowHelp(std::int32_t command, std::int32_t data) override;
 
+  // The plug-in's page that this is the helper of; null before it is bound and after its end.
+  std::shared_ptr<IPageControl> control() const;
+
   // Null unbinds. A bound page outlives its binding.
   void bind(HostPage* page) { page_ = page; }
   void setInitializing(bool initializing) { isInitializing_ = initializing; }

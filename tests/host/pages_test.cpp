@@ -188,5 +188,31 @@ TEST(SaveFlow, StoresThePageOfEachChosenItemBeforeItIsSaved) {
   EXPECT_EQ(desk.store->analysisIds().size(), 1U);
 }
 
+// A save takes the labels off the columns, and the page writes them into its table when columns are selected.
+TEST(Pages, KeepTheSamplesLabelsWhenColumnsAreSelectedAfterASave) {
+  for (const bool isTransposed : {false, true}) {
+    Desk desk;
+    desk.host.pages().selectColumns = [](ColumnSelection& draft) {
+      std::ranges::reverse(draft.entries);
+      return true;
+    };
+    IAFLPResultsPage& page = desk.newAnalysis();
+    page.Controls().find<ui::ComboBox>("cbxSampleAxis")->ListIndex = isTransposed ? 1 : 0;
+    const auto labels = [&] {
+      std::map<std::string, std::string> byKey;
+      for (std::int32_t col = 1; col <= page.NumCols(); ++col)
+        byKey[page.Key(col)] = page.CellText(page.Key(col), 0);
+      return byKey;
+    };
+    const auto before = labels();
+    desk.host.save();
+    const auto& analysis = desk.analysis();
+    desk.chooseAt(0, page.NumCols(), "mnuSelectColumns");
+    EXPECT_EQ(labels(), before) << isTransposed;
+    EXPECT_EQ(page.Key(page.NumCols()), "-1");
+    EXPECT_FALSE(analysis.SampleGrid->Columns.Item("-1")->Header.get().empty());
+  }
+}
+
 }  // namespace
 }  // namespace banddesk::host
