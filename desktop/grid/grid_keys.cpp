@@ -48,7 +48,7 @@ bool GridKeys::command(const QKeyEvent& event) {
   } else if (event.key() == Qt::Key_Space && isShift) {
     view_.pull().selectLines(Axis::Rows, grid.currentRow(), false);
   } else if (event.key() == Qt::Key_Menu || (event.key() == Qt::Key_F10 && isShift)) {
-    view_.openMenuOfCurrent();
+    view_.openMenuOfSelected();
   } else if (event.key() == Qt::Key_F2 && event.modifiers() == Qt::NoModifier) {
     view_.beginEdit({});
   } else {

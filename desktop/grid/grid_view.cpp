@@ -227,8 +227,22 @@ void GridView::openMenu(CellPlace cell, QPoint pixel) {
   grid_.rightClick(cell.row, cell.col);
 }
 
-void GridView::openMenuOfCurrent() {
-  const CellPlace cell{grid_.currentRow(), grid_.currentCol()};
+CellPlace GridView::cellOfMenu() const {
+  const CellPlace current{grid_.currentRow(), grid_.currentCol()};
+  if (grid_.selection().blocks().empty()) return current;
+  host::Block block = grid_.selection().blocks().back();
+  const bool hasAllRows = block.top <= 1 && block.bottom >= grid_.RowCount();
+  const bool hasAllColumns = block.left <= 1 && block.right >= grid_.ColCount();
+  if (hasAllRows == hasAllColumns) return current;
+  const Axis axis = hasAllRows ? Axis::Columns : Axis::Rows;
+  const Position at = axis == Axis::Rows ? current.row : current.col;
+  const Position line = block.first(axis) <= at && at <= block.last(axis) ? at : block.first(axis);
+  if (menuCell) return menuCell(axis, line);
+  return axis == Axis::Rows ? CellPlace{line, 0} : CellPlace{0, line};
+}
+
+void GridView::openMenuOfSelected() {
+  const CellPlace cell = cellOfMenu();
   const QRect rect = cellRect(cell.row, cell.col);
   openMenu(cell, rect.isEmpty() ? viewport()->rect().center() : rect.bottomLeft());
 }

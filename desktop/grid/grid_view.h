@@ -25,6 +25,8 @@ class GridView final : public QAbstractScrollArea {
   // Around every act of the user that may change what the grid stands for: width and line drags, double
   // clicks, typing. It must not destroy the view.
   std::function<void(const std::function<void()>&)> userAction = [](const auto& action) { action(); };
+  // The cell whose menu is that of a whole line; absent: its header.
+  std::function<CellPlace(Axis axis, Position line)> menuCell;
   // Shows an error that an act ended with.
   std::function<void(const Error&)> onError;
 
@@ -42,7 +44,8 @@ class GridView final : public QAbstractScrollArea {
   SelectionPull& pull() { return pull_; }
   void perform(const std::function<void()>& action) { userAction(action); }
   void openMenu(CellPlace cell, QPoint pixel);
-  void openMenuOfCurrent();
+  // Of the lines selected last, where whole lines are selected; else of the current cell.
+  void openMenuOfSelected();
   bool beginEdit(const QString& typed) { return editor_.begin(typed); }
   void endEdit(bool keep) { editor_.end(keep); }
   void showCell(CellPlace cell);  // scrolls no farther than it must
@@ -91,6 +94,7 @@ class GridView final : public QAbstractScrollArea {
 
  private:
   void arrange();
+  CellPlace cellOfMenu() const;
   int rowHeight();
   void followGrid();
   void blit(const GridLayout& before);

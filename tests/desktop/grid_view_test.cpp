@@ -101,6 +101,13 @@ TEST_F(GridViewTest, ARightClickAndTheMenuKeyLeaveSelectionAndCurrentCellAlone) 
   key(Qt::Key_Menu);
   EXPECT_EQ(taken(), "right 0 4;right 2 2;");
   EXPECT_EQ(selection() + current(), "2 2 4 3;C2");
+  key(Qt::Key_Space, Qt::ControlModifier);  // a whole column has the menu of its header
+  key(Qt::Key_Menu);
+  click(at(5, 0));
+  key(Qt::Key_F10, Qt::ShiftModifier);
+  view.menuCell = [](Axis, Position line) { return CellPlace{line, 1}; };
+  key(Qt::Key_Menu);
+  EXPECT_EQ(taken(), "right 0 2;down;up;right 5 0;right 5 1;");
   doubleClick(at(0, 4));
   EXPECT_TRUE(taken().ends_with("down;double 0 4;up;"));
   EXPECT_EQ(userActs, 1);
