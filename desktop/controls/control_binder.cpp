@@ -84,8 +84,7 @@ void showTextBox(const ui::TextBox& control, TextBoxWidget& widget) {
     colours.setColor(QPalette::Text, readableOn(widget.palette().color(QPalette::Base), own));
   }
   widget.setPalette(colours);
-  widget.setAccessibleDescription(control.BackColor == ui::kYellow ? QStringLiteral("Not a valid value")
-                                                                   : QString());
+  widget.setInvalid(control.BackColor == ui::kYellow);
 }
 
 void showCheckBox(const ui::CheckBox& control, ColourCheckBox& widget) {

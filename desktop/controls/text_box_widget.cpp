@@ -5,6 +5,7 @@
 #include <QLabel>
 #include <QMenuBar>
 #include <QPointer>
+#include <QStatusTipEvent>
 #include <QStyle>
 #include <QStyleOptionFrame>
 #include <QTabBar>
@@ -52,8 +53,24 @@ bool TextBoxWidget::leave() {
   const bool agreed = onLeave();
   if (!self) return false;
   isLeaving_ = false;
+  if (!agreed && isInvalid_) explain(accessibleDescription());
   mayGo_ = agreed && window()->focusWidget() == before;
   return mayGo_;
+}
+
+void TextBoxWidget::setInvalid(bool isInvalid) {
+  if (!isInvalid && !isInvalid_) return;
+  const QString why = QStringLiteral("\"%1\" is not a valid value").arg(text()) +
+                      (allowed.isEmpty() ? QString() : QStringLiteral("; allowed is a number ") + allowed);
+  setAccessibleDescription(isInvalid ? why : QString());
+  setToolTip(isInvalid ? why.toHtmlEscaped() : QString());
+  if (isInvalid != std::exchange(isInvalid_, isInvalid)) explain(accessibleDescription());
+}
+
+// A window with a status bar shows it there.
+void TextBoxWidget::explain(const QString& text) {
+  QStatusTipEvent tip(text);
+  QApplication::sendEvent(window(), &tip);
 }
 
 bool TextBoxWidget::focusNextPrevChild(bool next) { return !leave() || QLineEdit::focusNextPrevChild(next); }

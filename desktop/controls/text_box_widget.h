@@ -16,6 +16,11 @@ class TextBoxWidget final : public QLineEdit {
 
   // False keeps the focus.
   std::function<bool()> onLeave;
+  QString allowed;  // what may be typed, for the user: "from 0 to 10"
+
+  // Marks the text as one that may not stay, which tool tip and status bar explain, there also each time that
+  // the user cannot leave it.
+  void setInvalid(bool isInvalid);
 
   // The user wants to go elsewhere: whether that may go on. Not if the box refuses, nor if the answer itself
   // has moved the focus or asked the user something meanwhile.
@@ -32,6 +37,7 @@ class TextBoxWidget final : public QLineEdit {
   void keyPressEvent(QKeyEvent* event) override;
 
  private:
+  void explain(const QString& text);
   bool refusesPointer(QWidget* target, const QPoint& windowPos, Qt::FocusPolicy policy);
   bool isWayOut(const QWidget& target) const;
   bool takesFocus(QWidget* target, Qt::FocusPolicy policy) const;
@@ -39,6 +45,7 @@ class TextBoxWidget final : public QLineEdit {
   bool isLeaving_ = false;
   bool mayGo_ = false;  // asked already, for the focus that is about to move
   bool wasInterrupted_ = false;
+  bool isInvalid_ = false;
 };
 
 // For a window before it switches or ends pages by itself: whether the box with the focus, if one has it,

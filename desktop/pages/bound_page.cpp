@@ -1,5 +1,7 @@
 #include "desktop/pages/bound_page.h"
 
+#include "desktop/pages/number_boxes.h"
+
 namespace banddesk::desktop {
 namespace {
 
@@ -74,6 +76,7 @@ QHBoxLayout* BoundPage::numberField(const std::string& box, const std::string& s
   auto* field = new QHBoxLayout;
   field->setSpacing(0);
   auto* text = binder_.make(control<ui::TextBox>(box), parent);
+  text->allowed = allowedIn(box);
   field->addWidget(text);
   field->addWidget(binder_.make(control<ui::UpDown>(spin), *text, parent));
   return field;

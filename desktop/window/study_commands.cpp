@@ -6,6 +6,7 @@
 
 #include "desktop/base/qt_text.h"
 #include "desktop/dialogs/save_choice.h"
+#include "desktop/pages/number_boxes.h"
 #include "desktop/window/import_dialog.h"
 #include "host/store/sqlite_store.h"
 
@@ -119,6 +120,10 @@ bool StudyCommands::saveAsked(SaveOccasion occasion) {
   if (!outcome.refused.empty()) {
     QString names;
     for (const std::string& name : outcome.refused) names += QLatin1Char('\n') + toQString(name);
+    for (const auto& page : workbench_.host().pages().openPages()) {
+      const QString values = page->control() ? invalidValues(*page->control()) : QString();
+      if (!values.isEmpty()) names += QLatin1Char('\n') + values;
+    }
     guard_.tell(QStringLiteral("Not saved, because a value on the page is not valid:") + names);
     return false;
   }

@@ -132,8 +132,10 @@ TEST(TextBox, TakesEachKeystrokeAndShowsAMarkReadablyInAnyPalette) {
   desk.text.BackColor = ui::kYellow;
   EXPECT_EQ(desk.box->palette().color(QPalette::Base), QColor(Qt::yellow));
   EXPECT_EQ(desk.box->palette().color(QPalette::Text), QColor(Qt::black));
-  EXPECT_FALSE(desk.box->accessibleDescription().isEmpty());
+  EXPECT_NE(desk.box->accessibleDescription().indexOf(QStringLiteral("2.5")), -1);
+  EXPECT_EQ(desk.box->toolTip().contains(QStringLiteral("2.5")), true);
   desk.text.BackColor = ui::kWhite;
+  EXPECT_TRUE(desk.box->toolTip().isEmpty());
   EXPECT_EQ(desk.box->palette().color(QPalette::Base), base);
 }
 
