@@ -15,6 +15,12 @@ inline QString toQString(std::string_view text) {
 }
 inline std::string toText(const QString& text) { return text.toStdString(); }
 
+// "1 sample", "3 samples".
+template <class Count>
+QString counted(Count count, const char* one, const char* many) {
+  return QString::number(count) + QLatin1Char(' ') + QLatin1String(count == 1 ? one : many);
+}
+
 // Colours of the host hold red in the low byte. The platform's own colour of a button, which no number tells,
 // has no colour here.
 inline QColor toQColor(ui::Colour colour) {

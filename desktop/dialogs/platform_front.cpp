@@ -52,7 +52,8 @@ PlatformFront::~PlatformFront() {
 void PlatformFront::showPopup(const ui::MenuItem& menu, const ui::MenuItem* defaultItem) const {
   const QPoint position = actions_.popupPosition ? actions_.popupPosition() : QCursor::pos();
   ui::MenuItem* taken = runPopup(menu, defaultItem, position, dialogParent(window_));
-  if (taken != nullptr) choose(*taken, actions_.userAction);
+  if (taken == nullptr || (actions_.mayChoose && !actions_.mayChoose(*taken))) return;
+  choose(*taken, actions_.userAction);
 }
 
 }  // namespace banddesk::desktop

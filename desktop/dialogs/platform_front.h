@@ -18,7 +18,8 @@ struct FrontActions {
   UserAction userAction;  // absent: just calls
   std::function<void(const std::string& topic)> showHelp;
   std::function<void(ui::Form&)> runForm;
-  std::function<QPoint()> popupPosition;  // on the screen; absent: at the pointer
+  std::function<QPoint()> popupPosition;               // on the screen; absent: at the pointer
+  std::function<bool(const ui::MenuItem&)> mayChoose;  // of an item that was taken; absent: always
 };
 
 class PlatformFront final {

@@ -48,17 +48,6 @@ void fillMenu(QMenu& menu, const ui::MenuItem& root, const ui::MenuItem* default
   }
 }
 
-void fillCommandMenu(QMenu& menu, const ui::MenuItem& root, const UserAction& userAction,
-                     const ShowError& showError) {
-  fillMenu(menu, root, nullptr, [userAction, showError](ui::MenuItem& item) {
-    try {
-      choose(item, userAction);
-    } catch (...) {
-      showError(currentError());
-    }
-  });
-}
-
 ui::MenuItem* runPopup(const ui::MenuItem& root, const ui::MenuItem* defaultItem, const QPoint& position,
                        QWidget* parent) {
   ui::MenuItem* taken = nullptr;

@@ -6,12 +6,9 @@
 #include <functional>
 
 #include "desktop/controls/user_action.h"
-#include "plugin/base/error.h"
 #include "plugin/ui/menu.h"
 
 namespace banddesk::desktop {
-
-using ShowError = std::function<void(const Error&)>;
 
 // Whether the item changes nothing of the analysis: it only opens a view or writes a file.
 bool onlyLooks(const ui::MenuItem& item);
@@ -19,14 +16,10 @@ bool onlyLooks(const ui::MenuItem& item);
 // Chooses the item, as the user's act where it is one.
 void choose(ui::MenuItem& item, const UserAction& userAction);
 
-// Adds the items of `root` to the menu. `onTaken` is called from the event loop and lets no exception out.
+// Adds the items of `root` to the menu. `onTaken` is called from the event loop and lets no exception out. A
+// menu that stays, as in a menu bar, is filled anew whenever it is about to show: the objects' states change.
 void fillMenu(QMenu& menu, const ui::MenuItem& root, const ui::MenuItem* defaultItem,
               const std::function<void(ui::MenuItem&)>& onTaken);
-
-// The same for a menu that stays, as in a menu bar: an item that is taken is chosen, and what goes wrong then
-// is shown. Fill it anew whenever it is about to show: the objects' states change.
-void fillCommandMenu(QMenu& menu, const ui::MenuItem& root, const UserAction& userAction,
-                     const ShowError& showError);
 
 // Modal. The item that was taken, or null; the menu is gone by then.
 ui::MenuItem* runPopup(const ui::MenuItem& root, const ui::MenuItem* defaultItem, const QPoint& position,

@@ -19,6 +19,11 @@ constexpr int kExcludedRole = Qt::UserRole + 2;
 
 }  // namespace
 
+void follow(QAction& action, const Command& command) {
+  action.setEnabled(command.Enabled);
+  action.setVisible(command.Visible.get().value_or(false));
+}
+
 // The editor of a name. The host judges a new name, perhaps with a message: only after the editor is closed.
 class NameEditor final : public QStyledItemDelegate {
  public:
@@ -204,11 +209,13 @@ void ExplorerPanel::fillMenu(QMenu& menu, QTreeWidgetItem* item) {
     add(QStringLiteral("&Rename"), "RenameAFLP");
     add(QStringLiteral("&Delete"), "DeleteAFLP");
     menu.addSeparator();
-    add(QStringLiteral("New Re&port"), "NewReport");
+    add(QStringLiteral("New Re&port"), host::kNewReportCommand);
+    follow(*menu.actions().constLast(), workbench_.host().command(host::kNewReportCommand));
   } else if (item->data(0, kResultRole).isValid()) {
     fillResultMenu(menu, *item);
   } else {
-    menu.addAction(QStringLiteral("&New AFLP Analysis"), this, [this] { onNewAnalysis(); });
+    follow(*menu.addAction(QStringLiteral("&New AFLP Analysis"), this, [this] { onNewAnalysis(); }),
+           workbench_.host().command(host::kNewAnalysisCommand));
     menu.addAction(QStringLiteral("&Import Peak Tables..."), this, [this] { onImport(); });
   }
 }

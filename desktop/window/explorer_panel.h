@@ -11,6 +11,9 @@
 
 namespace banddesk::desktop {
 
+// Grey or gone as the command is.
+void follow(QAction& action, const Command& command);
+
 class ExplorerPanel final : public QTreeWidget {
   Q_OBJECT
  public:

@@ -15,22 +15,16 @@
 #include "desktop/dialogs/column_sorter.h"
 #include "desktop/grid/grid_view.h"
 #include "desktop/pages/form_dialog.h"
+#include "desktop/pages/number_boxes.h"
 #include "desktop/pages/page_widget.h"
 #include "desktop/views/result_view_page.h"
 #include "desktop/window/report_window.h"
-#include "desktop/window/review_start.h"
 #include "plugin/base/numbers.h"
 
 namespace banddesk::desktop {
 namespace {
 
-constexpr const char* kParameters = "AFLPParams";
-constexpr const char* kResults = "AFLP";
 constexpr int kMessageTime = 8000;  // ms
-
-QString counted(std::int32_t count, const char* one, const char* many) {
-  return QString::number(count) + QLatin1Char(' ') + QLatin1String(count == 1 ? one : many);
-}
 
 QString geometryKey() { return QStringLiteral("window/geometry"); }
 QString stateKey() { return QStringLiteral("window/state"); }
@@ -68,6 +62,8 @@ MainWindow::MainWindow(Workbench& workbench)
 
 MainWindow::~MainWindow() {
   host::Host& host = workbench_.host();
+  qApp->disconnect(this);
+  explorer_->disconnect(this);
   // While the widgets still stand: pages take leave of them.
   try {
     workbench_.close();
@@ -108,6 +104,7 @@ void MainWindow::connectHost() {
     return table != nullptr ? table->menuPosition() : QCursor::pos();
   };
   actions.runForm = [this](ui::Form& form) { runForm(form, this); };
+  actions.mayChoose = [this](const ui::MenuItem& item) { return mayChoose(item); };
   front_ = std::make_unique<PlatformFront>(host.platform(), this, registry_, std::move(actions));
   host.framework().onReport = [this](const host::Report& report) { noteFailure(report); };
   host.reports().onReport = [this](const auto& request, const auto& html) { showReport(request, html); };
@@ -144,6 +141,30 @@ void MainWindow::connectPages() {
   quality_->onSample = [this](std::int32_t col) { pointAt(Axis::Columns, col); };
 }
 
+// Which of the two the user works in decides which analysis the commands mean. Menus take the focus, too, but
+// they are neither.
+void MainWindow::followFocus(const QWidget* focus) {
+  if (focus == nullptr) return;
+  const bool isExplorer = explorer_->isAncestorOf(focus) || focus == explorer_;
+  if (!isExplorer && !pages_->isAncestorOf(focus)) return;
+  isExplorerMeant_ = isExplorer;
+  updateAnalysisCommands();
+}
+
+ExplorerPanel::Item MainWindow::analysisInFront() const {
+  const Page page = tableInFront();
+  const auto analysis = page ? std::dynamic_pointer_cast<AFLP>(page->bound()) : nullptr;
+  const auto& folder = workbench_.host().folder();
+  if (!analysis || !folder) return nullptr;
+  const auto& items = folder->AFLPExplorerItems();
+  const std::string key = analysis->collectionKey();
+  return items.holdsKey(key) ? items.Item(key) : nullptr;
+}
+
+ExplorerPanel::Item MainWindow::meantAnalysis() const {
+  return isExplorerMeant_ || !pages_->currentPage() ? explorer_->currentAnalysis() : analysisInFront();
+}
+
 QWidget* MainWindow::makePageContent(host::HostPage& page, QWidget* parent) {
   if (!page.control()) return makeViewPage(workbench_.host(), page, parent);
   const std::weak_ptr<host::HostPage> weak = page.weak_from_this();
@@ -151,9 +172,10 @@ QWidget* MainWindow::makePageContent(host::HostPage& page, QWidget* parent) {
   actions.accept = [this, weak] { acceptPage(weak.lock()); };
   actions.cancel = [this, weak] { closePage(weak.lock()); };
   actions.showError = [this](const Error& error) { guard_.tell(toQString(error.description())); };
-  actions.makeGrid = [this, userAction = actionOn(page)](host::GridControl& grid,
-                                                         QWidget* frame) -> QWidget* {
+  actions.makeGrid = [this, userAction = actionOn(page), menuCell = menuCellOf(page)](
+                         host::GridControl& grid, QWidget* frame) -> QWidget* {
     auto* view = new GridView(grid, frame);
+    view->menuCell = menuCell;
     view->setAccessibleName(QStringLiteral("AFLP table"));
     view->userAction = userAction;
     view->onError = [this](const Error& error) { guard_.tell(toQString(error.description())); };
@@ -203,6 +225,7 @@ void MainWindow::runCommand(const ExplorerPanel::Item& item, const std::string& 
   if (command == "DeleteAFLP") {
     deleteAnalysis(item);
   } else {
+    if (command == "RenameAFLP") explorerDock_->show();  // the name is typed there
     guard_.run([&] { workbench_.host().runCommand(item, command); });
   }
   updateState();
@@ -223,7 +246,7 @@ void MainWindow::deleteAnalysis(const ExplorerPanel::Item& item) {
     const auto open = host.pages().openPages();
     for (const auto& page : open) {
       const auto analysis = std::dynamic_pointer_cast<AFLP>(page->bound());
-      if (analysis && page->DefinitionName() == kResults &&
+      if (analysis && page->DefinitionName() == kResultsPage &&
           !workbench_.study()->AFLPs.holdsKey(analysis->collectionKey()))
         host.pages().end(page, false);
     }
@@ -239,6 +262,8 @@ void MainWindow::showResult(std::int32_t resultId) {
     const auto page = workbench_.host().pages().OpenPage("SingleSample", shown, nullptr, true, true, true,
                                                          true, true, true, nullptr, true, 0);
     page->SetCaption(page->Caption() + " - " + result->Sample->Name.get());
+    // As the table's menu opens it: index 0 is the list of fragments without a plot.
+    page->SetViewIndex(static_cast<std::int16_t>(workbench_.host().study().DisplayViewIndex() + 1));
     page->Show();
   });
 }
@@ -265,7 +290,7 @@ void MainWindow::closePage(const Page& page) {
   if (!page) return;
   host::HostPageManager& pages = workbench_.host().pages();
   guard_.run([&] {
-    if (page->DefinitionName() != kResults) return void(pages.end(page, false));
+    if (page->DefinitionName() != kResultsPage) return void(pages.end(page, false));
     const auto analysis = cast<AFLP>(page->bound(), "AFLP");
     if (!analysis->persistentState().IsDirty && !analysis->persistentState().IsNew)
       return void(pages.end(page, false));
@@ -274,6 +299,8 @@ void MainWindow::closePage(const Page& page) {
         QMessageBox::Question, QStringLiteral("AFLP Analysis"),
         QStringLiteral("A value on the page is not valid. Close the page without its last changes?"),
         QMessageBox::Yes | QMessageBox::No, this);
+    box.setTextFormat(Qt::PlainText);
+    box.setInformativeText(invalidValues(*page->control()));
     if (box.exec() == QMessageBox::Yes) pages.end(page, false);
   });
   updateState();
@@ -288,46 +315,6 @@ void MainWindow::reopenPage(const Page& page) {
   updateState();
 }
 
-// As if the item were taken from the popup menu over the table.
-void MainWindow::chooseOnPage(const char* menuItem) {
-  const Page page = pages_->currentPage();
-  if (!page || page->DefinitionName() != kResults) return;
-  auto* item = page->control()->Controls().find<ui::MenuItem>(menuItem);
-  if (item == nullptr) return;
-  guard_.run([&] { choose(*item, actionOn(*page)); });
-}
-
-// The bin of the table's chosen row, in an overlay in which the bins are gone through one by one.
-void MainWindow::reviewBin() {
-  const Page page = pages_->currentPage();
-  if (!page || page->DefinitionName() != kResults) return;
-  guard_.run([&] {
-    const auto analysis = cast<AFLP>(page->bound(), "AFLP");
-    const ReviewStart start =
-        reviewStart(*analysis, *cast<IAFLPResultsPage>(page->control(), "AFLPResultsPage"));
-    const auto opened = cast<host::HostPage>(
-        workbench_.host().pages().OpenPage("OverlayGraphView", start.results, nullptr, true, true, true, true,
-                                           true, true, nullptr, false, 0),
-        "Page");
-    if (auto* view = qobject_cast<ResultViewPage*>(pages_->contentOf(*opened))) view->showBin(start.row);
-  });
-}
-
-// Selects a line of the table in front, given in logical terms, and brings it into sight.
-void MainWindow::pointAt(Axis axis, std::int32_t line) {
-  const Page page = pages_->currentPage();
-  if (!page || page->DefinitionName() != kResults) return;
-  const auto results = cast<IAFLPResultsPage>(page->control(), "AFLPResultsPage");
-  auto& grid = required(results->Controls().find<host::GridControl>("grdAFLP"), "Grid");
-  if ((axis == Axis::Rows) != results->Transpose()) {
-    grid.SetCurrentCell(line, grid.currentCol());
-    grid.selectRows(line, line);
-  } else {
-    grid.SetCurrentCell(grid.currentRow(), line);
-    grid.selectCols(line, line);
-  }
-}
-
 void MainWindow::studyChanged() {
   explorer_->refreshStudy();
   updateState();
@@ -336,20 +323,32 @@ void MainWindow::studyChanged() {
 void MainWindow::updateState() {
   const bool isOpen = workbench_.isOpen();
   const Page page = pages_->currentPage();
-  const bool hasTable = page && page->DefinitionName() == kResults;
+  const bool hasTable = page && page->DefinitionName() == kResultsPage;
   quality_->follow(page);
   for (QAction* action : needStudy_) action->setEnabled(isOpen);
   for (QAction* action : needTable_) action->setEnabled(hasTable);
   const bool isModified = workbench_.isModified();
   saveAction_->setEnabled(isModified);
-  newAnalysisAction_->setEnabled(isOpen);
+  closePage_->setEnabled(page != nullptr);
   tableMenu_->setEnabled(hasTable);
+  updateAnalysisCommands();
   setWindowTitle(isOpen ? toQString(workbench_.studyName()) + QStringLiteral("[*] - Banddesk")
                         : QStringLiteral("Banddesk"));
   setWindowModified(isModified);
   summary_->setText(isOpen ? counted(workbench_.resultCount(), "result", "results") + QStringLiteral(", ") +
                                  counted(workbench_.study()->AFLPs.Count(), "analysis", "analyses")
                            : QString());
+}
+
+// Commands that would do nothing are grey; those that the plug-in or the host's configuration switches follow
+// their own state.
+void MainWindow::updateAnalysisCommands() {
+  const ExplorerPanel::Item meant = meantAnalysis();
+  openAnalysis_->setEnabled(meant && meant != analysisInFront());
+  renameAnalysis_->setEnabled(meant != nullptr);
+  deleteAnalysis_->setEnabled(meant != nullptr);
+  follow(*newAnalysisAction_, workbench_.host().command(host::kNewAnalysisCommand));
+  follow(*reportMenu_->menuAction(), workbench_.host().command(host::kNewReportCommand));
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {

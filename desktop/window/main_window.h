@@ -8,6 +8,7 @@
 #include "desktop/app/workbench.h"
 #include "desktop/base/widget_registry.h"
 #include "desktop/dialogs/platform_front.h"
+#include "desktop/grid/grid_layout.h"
 #include "desktop/help/help_window.h"
 #include "desktop/quality/quality_panel.h"
 #include "desktop/window/error_panel.h"
@@ -21,6 +22,8 @@ class QActionGroup;
 class QLabel;
 
 namespace banddesk::desktop {
+
+inline constexpr const char* kResultsPage = "AFLP";
 
 class MainWindow final : public QMainWindow {
   Q_OBJECT
@@ -71,14 +74,26 @@ class MainWindow final : public QMainWindow {
   void acceptPage(const Page& page);
   void closePage(const Page& page);
   void reopenPage(const Page& page);
+  // ---- the table in front (main_window_table.cpp)
+  Page tableInFront() const;
   void chooseOnPage(const char* menuItem);
+  void takeItem(ui::MenuItem& item);
+  bool mayChoose(const ui::MenuItem& item);
+  static std::function<CellPlace(Axis, std::int32_t)> menuCellOf(const host::HostPage& page);
   void pointAt(Axis axis, std::int32_t line);
   void reviewBin();
+
   // How the user's acts reach a page.
   UserAction actionOn(const host::HostPage& page);
 
+  // ---- which analysis a command means
+  void followFocus(const QWidget* focus);
+  ExplorerPanel::Item analysisInFront() const;
+  ExplorerPanel::Item meantAnalysis() const;
+
   void studyChanged();
   void updateState();
+  void updateAnalysisCommands();
 
   Workbench& workbench_;
   Guard guard_;
@@ -103,6 +118,11 @@ class MainWindow final : public QMainWindow {
   QAction* saveAction_ = nullptr;
   QAction* review_ = nullptr;
   QAction* newAnalysisAction_ = nullptr;
+  QAction* openAnalysis_ = nullptr;
+  QAction* renameAnalysis_ = nullptr;
+  QAction* deleteAnalysis_ = nullptr;
+  QAction* closePage_ = nullptr;
+  bool isExplorerMeant_ = false;  // else the page in front
   HelpDesk help_;
   std::unique_ptr<PlatformFront> front_;
 };

@@ -112,15 +112,19 @@ void MainWindow::makeAnalysisMenu() {
   menu.addSeparator();
   const auto onChosen = [this](const char* command) {
     return [this, command] {
-      if (const auto item = explorer_->currentAnalysis()) runCommand(item, command);
+      if (const auto item = meantAnalysis()) runCommand(item, command);
     };
   };
-  needStudy_.push_back(addCommand(menu, QStringLiteral("&Open"), {}, onChosen("OpenAFLP")));
-  needStudy_.push_back(addCommand(menu, QStringLiteral("&Rename"), {}, onChosen("RenameAFLP")));
-  needStudy_.push_back(addCommand(menu, QStringLiteral("&Delete..."), {}, onChosen("DeleteAFLP")));
+  openAnalysis_ = addCommand(menu, QStringLiteral("&Open"), {}, onChosen("OpenAFLP"));
+  renameAnalysis_ = addCommand(menu, QStringLiteral("&Rename"), {}, onChosen("RenameAFLP"));
+  deleteAnalysis_ = addCommand(menu, QStringLiteral("&Delete..."), {}, onChosen("DeleteAFLP"));
   menu.addSeparator();
-  needTable_.push_back(addCommand(menu, QStringLiteral("&Close Page"), QKeySequence(Qt::CTRL | Qt::Key_W),
-                                  [this] { closePage(pages_->currentPage()); }));
+  closePage_ = addCommand(menu, QStringLiteral("&Close Page"), QKeySequence(Qt::CTRL | Qt::Key_W),
+                          [this] { closePage(pages_->currentPage()); });
+  connect(&menu, &QMenu::aboutToShow, this, [this] { updateAnalysisCommands(); });
+  connect(explorer_, &QTreeWidget::currentItemChanged, this, [this] { updateAnalysisCommands(); });
+  connect(qApp, &QApplication::focusChanged, this,
+          [this](QWidget*, const QWidget* now) { followFocus(now); });
 }
 
 void MainWindow::makeTableMenu() {
@@ -134,19 +138,6 @@ void MainWindow::makeTableMenu() {
   needTable_.push_back(review_);
   tableMenu_ = menuBar()->addMenu(QStringLiteral("&Table"));
   connect(tableMenu_, &QMenu::aboutToShow, this, [this] { fillTable(); });
-}
-
-// The commands of the table that need no place in it; those of a row or column are under the right click.
-void MainWindow::fillTable() {
-  tableMenu_->clear();
-  tableMenu_->addAction(review_);
-  tableMenu_->addSeparator();
-  const Page page = pages_->currentPage();
-  if (!page || page->DefinitionName() != "AFLP") return;
-  const auto* cell = page->control()->Controls().find<ui::MenuItem>("mnuCell");
-  if (cell == nullptr) return;
-  fillCommandMenu(*tableMenu_, *cell, actionOn(*page),
-                  [this](const Error& error) { guard_.tell(toQString(error.description())); });
 }
 
 void MainWindow::makeViewMenu() {

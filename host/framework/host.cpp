@@ -88,6 +88,12 @@ void Host::runNewAnalysis() const {
   if (serviceBase().Commands.Item(kNewAnalysisCommand)->Enabled) service().NewAFLP();
 }
 
+const Command& Host::command(const char* name) const {
+  const bool isService = std::string_view(name) == kNewAnalysisCommand;
+  const auto& commands = isService ? serviceBase().Commands : registry_.itemDefinition().Commands;
+  return required(commands.Item(name), "Command");
+}
+
 void Host::runCommand(const std::shared_ptr<IExplorerItemAccess>& item, const std::string& command) {
   const auto wanted = cast<IAFLPExplorerItem>(item, "AFLPExplorerItem");
   if (command == "OpenAFLP") {

@@ -54,6 +54,9 @@ class Host final : public HostServices, private Application {
 
   // ---- what the user does
   void runNewAnalysis() const;  // nothing while the command is not enabled
+  // The state of kNewAnalysisCommand or of a command of the items, as the plug-in and the host's
+  // configuration switch it.
+  const Command& command(const char* name) const;
   // "OpenAFLP", "RenameAFLP", "DeleteAFLP" or "NewReport" on an item of the tree; error 5 for any other.
   void runCommand(const std::shared_ptr<IExplorerItemAccess>& item, const std::string& command);
 

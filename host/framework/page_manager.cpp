@@ -39,17 +39,17 @@ const PageDefinition& definitionOf(const std::string& name) {
 
 // Whether the user took the draft over.
 template <class Draft>
-bool isAccepted(Draft draft, const std::function<bool(Draft&)>& user,
-                const std::function<void()>& beforeAccept = [] {}) {
+bool isAccepted(
+    Draft draft, const std::function<bool(Draft&)>& user, const std::function<void()>& beforeAccept = [] {}) {
   if (!user || !user(draft)) return false;
   beforeAccept();
   draft.accept();
   return true;
 }
 
-// A save leaves the sample columns without their labels, and the page would write those into its table. It makes
-// them when the list of its sample axis is clicked, whichever way the table lies; to choose there what is chosen
-// changes nothing else. Not later: it finds the headers by the order that the columns have now.
+// A save leaves the sample columns without their labels, and the page would write those into its table. It
+// makes them when the list of its sample axis is clicked, whichever way the table lies; to choose there what
+// is chosen changes nothing else. Not later: it finds the headers by the order that the columns have now.
 void remakeLabels(PageOwner* owner) {
   const auto* base = dynamic_cast<HostPageBase*>(owner);
   const auto control = base != nullptr ? base->control() : nullptr;

@@ -36,7 +36,7 @@ HostRegistry::HostRegistry(FaultInjector& faults, const ObjectRef& reportingServ
       definitionsGuard_(faults, "ServiceRegistry.Definitions"),
       instancesGuard_(faults, "ServiceRegistry.Instances") {
   item_->Caption = "AFLP";
-  for (const char* name : {"OpenAFLP", "RenameAFLP", "DeleteAFLP", "NewReport"}) {
+  for (const char* name : {"OpenAFLP", "RenameAFLP", "DeleteAFLP", kNewReportCommand}) {
     item_->Commands.Add(makeGuardedCommand(faults), name);
   }
   auto service = std::make_shared<ServiceDefinition>();

@@ -15,6 +15,7 @@ namespace banddesk::host {
 inline constexpr const char* kServiceName = "AFLPService";
 inline constexpr const char* kItemType = "AFLP";
 inline constexpr const char* kNewAnalysisCommand = "NewAFLP1";
+inline constexpr const char* kNewReportCommand = "NewReport";
 inline constexpr const char* kReportingService = "ReportingService";
 
 struct ReportRequest {
