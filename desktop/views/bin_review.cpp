@@ -29,7 +29,7 @@ QString describe(const BinBand& band) {
       .arg(band.dye + 1)
       .arg(band.xMin, 0, 'f', 2)
       .arg(band.xMax, 0, 'f', 2)
-      .arg(band.samples == 1 ? QStringLiteral("1 sample") : QStringLiteral("%1 samples").arg(band.samples))
+      .arg(counted(band.samples, "sample", "samples"))
       .arg(markText(band.mark));
 }
 

@@ -34,6 +34,10 @@ void SizeAxis::setWhole(Span whole) {
   show(whole);
 }
 
+void SizeAxis::widen(Span sizes) {
+  whole_ = {std::min(whole_.low, sizes.low), std::max(whole_.high, sizes.high)};
+}
+
 void SizeAxis::show(Span sizes) {
   const double whole = std::max(whole_.length(), kShortest);
   const double length = std::clamp(sizes.length(), kShortest, whole);

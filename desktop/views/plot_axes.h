@@ -49,6 +49,7 @@ class SizeAxis {
   const Span& whole() const { return whole_; }
   const Span& shown() const { return shown_; }
   void setWhole(Span whole);  // and shows it
+  void widen(Span sizes);     // so that these belong to the whole; shows the same as before
   void show(Span sizes);
   void showAll() { show(whole_); }
   void shift(double nt) { show({shown_.low + nt, shown_.high + nt}); }

@@ -57,7 +57,7 @@ ResultViewPage::ResultViewPage(host::Host& host, ViewContent content, ViewAction
       column_(new QVBoxLayout(this)),
       tools_(new QToolBar(this)),
       trouble_(new QLabel(this)),
-      automatic_(new QCheckBox(QStringLiteral("Automatic hei&ght"), this)) {
+      automatic_(new QCheckBox(QStringLiteral("Automatic height"), this)) {
   setAccessibleName(content_.caption);
   trouble_->setVisible(false);
   trouble_->setWordWrap(true);

@@ -33,20 +33,26 @@ class SingleSampleView final : public ResultViewPage {
   QAction* tableShown_ = nullptr;
 };
 
-// All samples in one plot, and the review of bins.
+// More samples over one another tell nothing any more.
+inline constexpr std::size_t kOverlaySamples = 50;
+
+// All samples in one plot, and the review of bins. Of very many samples a review draws, bin by bin, those
+// that have a fragment there and some that have none.
 class OverlayView final : public ResultViewPage {
   Q_OBJECT
 
  public:
   OverlayView(host::Host& host, ViewContent content, ViewActions actions, QWidget* parent);
   bool showBin(std::int32_t row) override { return review_->showBin(row); }
-  BinReview& review() { return *review_; }
-  PlotView& plot() { return *plot_; }
+  BinReview& review() const { return *review_; }
+  PlotView& plot() const { return *plot_; }
 
  private:
   Figure figure() const override;
   void bandsChanged() override;
   void zoomTo(const BinBand& band);
+  void chooseSamples(const BinBand& band);
+  void drawChecked(const QString& more = {});
 
   PlotView* plot_ = nullptr;
   SampleList* samples_ = nullptr;

@@ -17,9 +17,11 @@ class SampleList final : public QWidget {
  public:
   SampleList(const TraceSet& traces, QWidget* parent);
 
-  std::vector<std::size_t> checked() const;
+  std::vector<std::size_t> checked() const;     // in the list's order
   std::optional<std::size_t> selected() const;  // if it is checked
   void checkAll(bool isChecked);
+  // All samples in another order; those of `checked` are checked. Nobody is told.
+  void arrange(const std::vector<std::size_t>& order, const std::vector<bool>& checked);
 
   std::function<void()> onCheck;
   std::function<void()> onSelect;
@@ -27,6 +29,8 @@ class SampleList final : public QWidget {
   QSize sizeHint() const override;
 
  private:
+  void fill(const TraceSet& traces);
+
   QListWidget* list_;
   bool isFilling_ = true;
 };

@@ -80,6 +80,19 @@ void TableLink::refresh() {
   guarded([&] { take(binBands(table())); });
 }
 
+// Whatever a cell shows of its fragments, it is a number above 0 where there are any.
+std::vector<bool> TableLink::samplesIn(std::int32_t row) const {
+  std::vector<bool> holds;
+  if (!isLinked()) return holds;
+  guarded([&] {
+    IAFLPResultsPage& page = table();
+    for (const std::int32_t id : resultIds_)
+      holds.push_back(leadingNumber(page.CellText("-" + integerText(id), row)) > 0);
+  });
+  holds.resize(resultIds_.size());
+  return holds;
+}
+
 void TableLink::select(std::int32_t row) {
   if (!isLinked()) return;
   guarded([&] {

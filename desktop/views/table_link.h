@@ -32,6 +32,9 @@ class TableLink final : public QObject {
   }                // in the order of the rows; never null
   void refresh();  // reads them now
 
+  // Of each result, in the order given, whether it has a fragment in the row's bin. Empty without a table.
+  std::vector<bool> samplesIn(std::int32_t row) const;
+
   // The table goes to the row and selects it, as a user would.
   void select(std::int32_t row);
   // The row's bin is excluded or brought back by the item of its menu.

@@ -4,22 +4,19 @@
 
 #include <cstdint>
 #include <memory>
-#include <vector>
 
 #include "host/framework/host.h"
 
 namespace banddesk::desktop {
-
-// More samples over one another tell nothing any more.
-inline constexpr std::size_t kOverlaySamples = 50;
 
 struct ReviewStart {
   std::int32_t row = 0;  // logical; 0 where the table has no bin
   std::shared_ptr<Collection<std::shared_ptr<Result>>> results;
 };
 
-// The first selected row of the table, or the current one; the selected samples that are shown, or the first
-// of all that are.
+// What the table's selection tells, whatever was clicked with the right button since: the bin of the first
+// selected row, or the current one; the selected samples that are shown, or all that are. Whole columns name
+// no bin, whole rows no sample.
 ReviewStart reviewStart(const AFLP& analysis, IAFLPResultsPage& table);
 
 }  // namespace banddesk::desktop

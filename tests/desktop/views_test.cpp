@@ -370,6 +370,46 @@ TEST_F(Table, TheReviewGoesOverTheVisibleBinsInTheTablesOrder) {
   EXPECT_NE(view.dyes(), dyes);
 }
 
+// The samples of the overlay have nothing at 250 nt; the bin is there all the same.
+TEST_F(Table, TheReviewShowsTheBinsOwnPlaceBeyondItsSamples) {
+  auto& view = dynamic_cast<OverlayView&>(*open("mnuOverlayCell", 1));
+  ASSERT_LT(view.axis().whole().high, 250);
+  ASSERT_TRUE(view.showBin(rowNear(250)));
+  EXPECT_LT(view.axis().shown().low, 250);
+  EXPECT_GT(view.axis().shown().high, 250.2);
+}
+
+// Of 70 samples every seventh one has a fragment at 300 nt, and all have one at 100.
+TEST(Review, OfManySamplesDrawsThoseInTheBinFirstAndSomeThatAreNot) {
+  std::vector<host::NewResult> results(70);
+  for (std::size_t i = 0; i < results.size(); ++i) {
+    results[i].sampleName = "plant " + std::to_string(i);
+    results[i].fragments.dyes[0] = {{100}, {700}};
+    if (i % 7 == 3) results[i].fragments.dyes[0] = {{100, 300}, {700, 500}};
+  }
+  test::Desk desk{results};
+  desk.newAnalysis();
+  desk.control<ui::CheckBox>("chkExcludeFullBins").Value = 0;  // they would leave nothing
+  desk.wait();
+  desk.grid().selectCols(desk.page().NumCols() - 69, desk.page().NumCols());
+  desk.choose("mnuOverlayCell");
+  const std::unique_ptr<QWidget> opened(
+      makeViewPage(desk.host, *desk.host.pages().openPages().back(), nullptr));
+  auto& view = dynamic_cast<OverlayView&>(*opened);
+  const auto drawn = [&] {
+    std::vector<std::size_t> inBin;
+    for (const std::size_t i : view.plot().scene().samples) inBin.push_back(i % 7 == 3 ? 1 : 0);
+    return inBin;
+  };
+  std::vector<std::size_t> wanted(20, 0);
+  std::fill_n(wanted.begin(), 10, 1);
+  ASSERT_TRUE(view.showBin(2));
+  EXPECT_EQ(drawn(), wanted);
+  EXPECT_THAT(toText(view.plot().scene().title), HasSubstr("20 of 70 samples"));
+  ASSERT_TRUE(view.showBin(1));
+  EXPECT_EQ(view.plot().scene().samples.size(), kOverlaySamples);
+}
+
 TEST_F(Table, ABinIsExcludedAndBroughtBackAsByTheMenuWhicheverWayTheTableLies) {
   for (const bool isTransposed : {false, true}) {
     table().SetTranspose(isTransposed);

@@ -2,13 +2,16 @@
 #include <QApplication>
 #include <QDockWidget>
 #include <QLineEdit>
+#include <QMenu>
 #include <QMenuBar>
 #include <QRegularExpression>
+#include <QTabBar>
 #include <QTest>
 #include <QTimer>
 #include <gmock/gmock.h>
 
 #include "desktop/base/qt_text.h"
+#include "desktop/views/result_views.h"
 #include "desktop/window/grid_ports.h"
 #include "desktop/window/main_window.h"
 #include "host/grid/grid_control.h"
@@ -45,7 +48,7 @@ class Window : public desktop::OwnFolder {
   // The analysis that a user makes with the defaults.
   std::shared_ptr<AFLP> newAnalysis() {
     host().runNewAnalysis();
-    host().pages().end(host().pages().openPages().front(), true);
+    host().pages().end(host().pages().openPages().back(), true);
     QTest::qWait(0);
     return host().study().Study()->AFLPs.Item(host().study().Study()->AFLPs.Count());
   }
@@ -160,6 +163,107 @@ TEST_F(Window, OpensTheGuideAtThePageOfThePartInFocus) {
     ASSERT_NE(help, nullptr);
     EXPECT_EQ(help->browser().source().fileName(), QLatin1String(page));
   }
+}
+
+// Many single results: the window asks, makes a line for each, and fills the one in front alone.
+TEST_F(Window, OpensManyPagesAsLinesAndClosesThemByTheirTabs) {
+  std::vector<host::NewResult> more(25);
+  for (std::size_t i = 0; i < more.size(); ++i) {
+    more[i].sampleName = "more " + std::to_string(i);
+    more[i].fragments.dyes[0] = {{i % 2 == 0 ? 100.1 : 150.0}, {500}};
+  }
+  host().study().addResults(more);
+  newAnalysis();
+  const auto table = host().pages().openPages().front();
+  auto& grid = *table->control()->Controls().find<host::GridControl>("grdAFLP");
+  grid.selectCols(10, 10 + 26);
+  const auto take = [&](const char* button) {
+    QString told;
+    answer(button, &told);
+    for (QAction* menu : window.menuBar()->actions()) {
+      if (menu->text() != QStringLiteral("&Table")) continue;
+      Q_EMIT menu->menu()->aboutToShow();
+      menu->menu()->findChild<QAction*>(QStringLiteral("mnuSingleCell"))->trigger();
+    }
+    QTest::qWait(0);
+    return told;
+  };
+  EXPECT_THAT(desktop::toText(take("No")), HasSubstr("27 samples"));
+  EXPECT_EQ(pages().count(), 1);
+  take("Yes");
+  EXPECT_EQ(pages().count(), 28);
+  const auto views = [&] { return pages().findChildren<desktop::ResultViewPage*>().size(); };
+  EXPECT_EQ(views(), 1);
+  pages().setCurrentIndex(3);
+  EXPECT_EQ(views(), 2);
+
+  QTest::mouseClick(pages().tabBar(), Qt::MiddleButton, {}, pages().tabBar()->tabRect(3).center());
+  QTest::qWait(0);
+  EXPECT_EQ(pages().count(), 27);
+  window.activateWindow();  // no window manager here does it
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+  QTest::keyClick(&window, Qt::Key_W, Qt::ControlModifier);
+  QTest::qWait(0);
+  EXPECT_EQ(pages().count(), 26);
+  QTimer::singleShot(0, [] {
+    QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_O);  // Close Others
+  });
+  Q_EMIT pages().tabBar()->customContextMenuRequested(pages().tabBar()->tabRect(0).center());
+  QTest::qWait(0);
+  EXPECT_EQ(pages().count(), 1);
+  EXPECT_EQ(host().pages().openPages().size(), 1U);
+  EXPECT_EQ(views(), 0);
+}
+
+TEST_F(Window, ActsOnTheAnalysisThatTheUserIsAt) {
+  const auto first = newAnalysis();
+  const auto second = newAnalysis();
+  const auto action = [&](const char* text) {
+    for (QAction* each : window.findChildren<QAction*>()) {
+      if (each->text() == QLatin1String(text)) return each;
+    }
+    throw std::logic_error(text);
+  };
+  tree().setCurrentItem(itemNamed("New AFLP 1"));
+  tree().setFocus();
+  EXPECT_TRUE(action("&Open")->isEnabled());
+  action("&Open")->trigger();
+  EXPECT_EQ(pages().currentPage()->bound(), first);
+  pages().setCurrentIndex(1);
+  pages()
+      .currentWidget()
+      ->findChild<QWidget*>(QStringLiteral("qt_scrollarea_viewport"))
+      ->parentWidget()
+      ->setFocus();
+  EXPECT_FALSE(action("&Open")->isEnabled()) << "it is in front";
+  answer("Yes");
+  action("&Delete...")->trigger();
+  EXPECT_TRUE(host().study().Study()->AFLPs.holdsKey(first->collectionKey()));
+  EXPECT_FALSE(host().study().Study()->AFLPs.holdsKey(second->collectionKey()));
+  host().serviceBase().Commands.Item(host::kNewAnalysisCommand)->Visible = false;
+  window.openFiles({});
+  EXPECT_FALSE(action("&New AFLP Analysis")->isVisible());
+}
+
+TEST_F(Window, ShowsAResultOfTheExplorerWithItsPlot) {
+  Q_EMIT tree().itemActivated(itemNamed("Plant & 0"), 0);
+  QTest::qWait(0);
+  EXPECT_TRUE(pages().findChild<desktop::PlotView*>()->isVisible());
+}
+
+TEST_F(Window, ReviewsTheSelectedBinWhateverWasClickedWithTheRightButton) {
+  newAnalysis();
+  const auto table = host().pages().openPages().front();
+  auto& grid = *table->control()->Controls().find<host::GridControl>("grdAFLP");
+  grid.selectRows(2, 2);
+  grid.clickCell(2, 3);
+  host().platform().popupAnswers.emplace_back([](ui::MenuItem&, ui::MenuItem*) {});
+  grid.rightClick(0, 10);
+  QTest::keyClick(&window, Qt::Key_B, Qt::ControlModifier);
+  const auto* view = pages().findChild<desktop::OverlayView*>();
+  ASSERT_NE(view, nullptr);
+  EXPECT_EQ(view->plot().scene().samples.size(), 2U);
+  EXPECT_EQ(view->review().current()->row, 2);
 }
 
 // The letters of the menus and of the pages' controls must not take each other's keys.
