@@ -99,11 +99,14 @@ QTreeWidget* QualityPanel::makeList(const QStringList& header, const QString& na
   list->header()->setSectionResizeMode(0, QHeaderView::Stretch);
   for (int column = 1; column < header.size(); ++column)
     list->header()->setSectionResizeMode(column, QHeaderView::ResizeToContents);
-  connect(list, &QTreeWidget::currentItemChanged, this, [this, list](const QTreeWidgetItem* line) {
-    if (line == nullptr) return;
+  // Only what the user does to a line points at it: a list that gets the focus makes a line current by
+  // itself.
+  const auto point = [this, list](const QTreeWidgetItem* line) {
     const auto& tell = list == bins_ ? onBin : onSample;
     if (tell) tell(line->data(0, kPlaceRole).toInt());
-  });
+  };
+  connect(list, &QTreeWidget::itemClicked, this, point);
+  connect(list, &QTreeWidget::itemActivated, this, point);
   return list;
 }
 
@@ -200,9 +203,9 @@ void QualityPanel::showPairs(const host::ShownTable& table, const host::TableQua
     return replicates_->setText(QStringLiteral("No shown sample's name ends so beside one without it."));
   const host::ReplicateQuality& of = *quality.replicates;
   replicates_->setText(
-      QStringLiteral("%1 pairs. Jaccard error: %2 on average, standard deviation %3; all pairs "
+      QStringLiteral("%1. Jaccard error: %2 on average, standard deviation %3; all pairs "
                      "pooled %4. Mismatch error: %5")
-          .arg(replicates.pairs.size())
+          .arg(counted(replicates.pairs.size(), "pair", "pairs"))
           .arg(percent(of.jaccardError.mean), percent(of.jaccardError.deviation),
                percent(of.overall.jaccardError()), percent(of.overall.mismatchError())));
   for (const host::PairQuality& pair : quality.replicates->pairs) {
