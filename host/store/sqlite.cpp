@@ -144,9 +144,11 @@ void Database::disarm() {
   execute("PRAGMA cell_size_check = ON; PRAGMA mmap_size = 0");
 }
 
-Database::Database(const std::string& file, int flags, std::string shownAs) : file_(std::move(shownAs)) {
+Database::Database(const std::string& file, int flags, std::string shownAs, bool locks)
+    : file_(std::move(shownAs)) {
   sqlite3* connection = nullptr;
-  const int code = sqlite3_open_v2(file.c_str(), &connection, flags | SQLITE_OPEN_EXRESCODE, nullptr);
+  const int code = sqlite3_open_v2(file.c_str(), &connection, flags | SQLITE_OPEN_EXRESCODE,
+                                   locks ? nullptr : "unix-none");
   connection_.reset(connection);
   if (code != SQLITE_OK) fail(code);
   disarm();

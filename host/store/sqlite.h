@@ -80,7 +80,8 @@ class Statement {
 class Database {
  public:
   // `flags` are SQLITE_OPEN_...; the file is read at the first statement only. Errors name it by `shownAs`.
-  Database(const std::string& file, int flags, std::string shownAs);
+  // Without `locks` none are asked for, where the file system has none.
+  Database(const std::string& file, int flags, std::string shownAs, bool locks = true);
 
   const std::string& file() const { return file_; }  // as errors name it
   void execute(const char* statements);

@@ -1,11 +1,9 @@
 #include "host/store/sqlite_store.h"
 
 #include <bit>
-#include <fcntl.h>
 #include <filesystem>
 #include <fmt/format.h>
 #include <limits>
-#include <unistd.h>
 #include <utility>
 
 #include "host/store/analysis_rows.h"
@@ -32,14 +30,6 @@ std::string existingFile(const std::string& file) {
   return file;
 }
 
-// Of the file that links lead to: the journal of a save is made beside that one.
-bool mayWriteFolderOf(const std::string& file) {
-  std::error_code trouble;
-  const fs::path real = fs::canonical(file, trouble);
-  if (trouble) return false;
-  return ::faccessat(AT_FDCWD, real.parent_path().c_str(), W_OK | X_OK, AT_EACCESS) == 0;
-}
-
 // SQLite takes a last page of which a part is missing for a whole one.
 void requireWhole(const sqlite::Database& database, const std::string& file) {
   const std::int64_t wanted = database.number("PRAGMA page_count") * database.number("PRAGMA page_size");
@@ -51,17 +41,16 @@ void requireWhole(const sqlite::Database& database, const std::string& file) {
 }  // namespace
 
 SqliteStore::SqliteStore(const std::string& file, Access access, SchemaSteps steps)
-    : database_(existingFile(file), SQLITE_OPEN_READWRITE, file) {
+    : lock_(existingFile(file), access == Access::Write),
+      database_(file, SQLITE_OPEN_READWRITE, file, lock_.hasLocks()),
+      whyReadOnly_(lock_.whyReadOnly()) {
   // What is found here decides whether the file is ours, before anything could be written to it.
   requireStudy(database_, steps);
   requireWhole(database_, file);
-  if (access == Access::Read) {
-    whyReadOnly_ = "it was opened for reading";
-  } else if (database_.isReadOnly()) {
-    whyReadOnly_ = "the file may not be written";
-  } else if (!mayWriteFolderOf(file)) {
-    whyReadOnly_ = "its folder may not be written";
-  }
+  if (!lock_.isOf(file) || database_.hasMoved())
+    raise(ErrorNumber::PermissionDenied, "Store",
+          fmt::format("{}: another file took its place while it was opened", file));
+  if (whyReadOnly_.empty() && database_.isReadOnly()) whyReadOnly_ = "the file may not be written";
   database_.execute("PRAGMA foreign_keys = ON; PRAGMA locking_mode = EXCLUSIVE");
   if (whyReadOnly_.empty()) {
     openForWriting(steps);

@@ -1,5 +1,6 @@
 // A study as one SQLite file. Whoever opens it for writing has it alone until the store ends; whoever opens
-// it for reading keeps writers out. Each write is one transaction, on the disk when it returns.
+// it for reading keeps writers out: by a lock of its own beside the file, and by SQLite's locks behind that.
+// Each write is one transaction, on the disk when it returns.
 #pragma once
 
 #include <functional>
@@ -9,6 +10,7 @@
 
 #include "host/store/sqlite.h"
 #include "host/store/store.h"
+#include "host/store/study_lock.h"
 #include "host/store/study_schema.h"
 
 namespace banddesk::host {
@@ -31,6 +33,7 @@ class SqliteStore final : public Store {
   ~SqliteStore() override;
 
   std::string whyReadOnly() const override { return whyReadOnly_; }
+  bool isFile(const std::string& file) const override { return lock_.isOf(file); }
   std::shared_ptr<const SampleFragments> readFragments(std::int32_t resultId) override;
   StudyRecord readStudy() override;
   void writeStudy(const StudyRecord& record) override;
@@ -54,6 +57,7 @@ class SqliteStore final : public Store {
   std::int64_t addImport(const ImportRecord& import);
   ResultRecord addResult(const NewResult& result, std::int64_t importId);
 
+  StudyLock lock_;
   sqlite::Database database_;
   std::string whyReadOnly_;
   std::int32_t lastAnalysisId_ = 0;

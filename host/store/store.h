@@ -32,6 +32,8 @@ class Store : public FragmentSource {
  public:
   // Why nothing can be written; empty where it can.
   virtual std::string whyReadOnly() const { return {}; }
+  // Whether the study lies in this file, whatever name leads there.
+  virtual bool isFile(const std::string&) const { return false; }
 
   virtual StudyRecord readStudy() = 0;
   // Replaces the study's own fields, its settings, its dyes and the marks of its results. The results

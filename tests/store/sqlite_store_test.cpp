@@ -6,11 +6,17 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <limits>
+#include <linux/filter.h>
+#include <linux/seccomp.h>
 #include <rapidcheck/gtest.h>
 #include <sched.h>
 #include <sys/mount.h>
+#include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include "host/store/fragment_blob.h"
 #include "host/store/memory_store.h"
@@ -20,6 +26,8 @@ namespace banddesk::host {
 namespace {
 
 namespace fs = std::filesystem;
+using testing::AllOf;
+using testing::AnyOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -275,6 +283,9 @@ TEST(StudyFile, IsMadeOnlyWhereThereIsNone) {
   EXPECT_THAT(folder.names(), ElementsAre("a.study"));
 }
 
+// What a file dialog or an import does to the study's file, and what drops the locks of SQLite with it.
+void readAsAnyFile(const std::string& file) { bytesOf(file); }
+
 TEST(StudyFile, IsOneWritersAloneOrManyReaders) {
   StoreFolder folder;
   const std::string file = studyAfter(folder, 5);
@@ -283,19 +294,119 @@ TEST(StudyFile, IsOneWritersAloneOrManyReaders) {
   const auto inOther = [&](Access access) {
     return messageInProcess(always, [&] { SqliteStore(file, access).readStudy(); });
   };
-  const std::string isTaken = file + ": it is open in another program";
+  const auto isTaken = StartsWith(file + ": it is open in another program");
   {
     SqliteStore writer(file);
-    EXPECT_EQ(inOther(Access::Write), isTaken);
-    EXPECT_EQ(inOther(Access::Read), isTaken);
-    EXPECT_EQ(messageOf([&] { SqliteStore second(file); }), isTaken) << "in the same program";
+    EXPECT_THAT(inOther(Access::Write), isTaken);
+    EXPECT_THAT(inOther(Access::Read), isTaken);
+    EXPECT_THAT(messageOf([&] { SqliteStore second(file); }), isTaken) << "in the same program";
     takeStep(writer, 5);  // the refusals have not cost the writer its lock
-    EXPECT_EQ(inOther(Access::Write), isTaken);
+    readAsAnyFile(file);
+    EXPECT_THAT(inOther(Access::Write),
+                AllOf(isTaken, HasSubstr(fmt::format("(process {} on ", ::getpid()))));
+    EXPECT_THAT(inOther(Access::Read), isTaken);
   }
   SqliteStore reader(file, Access::Read);
+  readAsAnyFile(file);
   EXPECT_EQ(inOther(Access::Read), "");
-  EXPECT_EQ(inOther(Access::Write), isTaken);
+  EXPECT_THAT(inOther(Access::Write), isTaken);
   EXPECT_THAT(messageOf([&] { takeStep(reader, 6); }), HasSubstr("opened for reading"));
+}
+
+// Whatever name leads to it, and wherever it goes meanwhile.
+TEST(StudyFile, IsLockedUnderAllItsNames) {
+  StoreFolder folder;
+  const std::string file = studyAfter(folder, 5);
+  const std::string lock = folder.file(fmt::format(".banddesk-{}.lock", [&] {
+    struct stat status {};
+    ::stat(file.c_str(), &status);
+    return status.st_ino;
+  }()));
+  const auto inOther = [](const std::string& name) {
+    return messageInProcess([] { return true; }, [&] { SqliteStore second(name); });
+  };
+  const auto isTaken = HasSubstr("it is open in another program");
+  const std::string symbolic = folder.file("symbolic"), hard = folder.file("hard"),
+                    moved = folder.file("moved");
+  writeBytes(lock, "left behind by a process that died");
+  fs::create_symlink(file, symbolic);
+  {
+    SqliteStore writer(symbolic);
+    fs::create_hard_link(file, hard);
+    readAsAnyFile(file);
+    for (const std::string& name : {file, symbolic, hard}) EXPECT_THAT(inOther(name), isTaken) << name;
+    fs::remove(hard);
+    fs::rename(file, moved);
+    readAsAnyFile(moved);
+    EXPECT_THAT(inOther(moved), isTaken);
+    SqliteStore::create(file, "Another");
+    EXPECT_EQ(inOther(file), "") << "the name is that of another study now";
+  }
+  EXPECT_FALSE(fs::exists(lock));
+  fs::create_hard_link(moved, hard);
+  EXPECT_THAT(SqliteStore(hard).whyReadOnly(), HasSubstr("more than one name"));
+}
+
+// The processes open, save and close as fast as they can: each save must be in the file, and no lock be left.
+TEST(StudyFile, LosesNoSaveToAProcessThatOpensItAtTheSameTime) {
+  constexpr int kProcesses = 4, kSaves = 5;
+  StoreFolder folder;
+  const std::string file = studyAfter(folder, 1);
+  std::vector<pid_t> children;
+  for (int process = 0; process < kProcesses; ++process) {
+    const pid_t child = ::fork();
+    if (child != 0) {
+      children.push_back(child);
+      continue;
+    }
+    for (int saved = 0; saved < kSaves;) {
+      const std::string refusal = messageOf([&] {
+        SqliteStore store(file);
+        store.writeAnalysis(someAnalysis(store.newAnalysisId(), 1, store.readStudy()));
+        ++saved;
+      });
+      if (!refusal.empty() && refusal.find("open in another program") == std::string::npos) ::_exit(1);
+    }
+    ::_exit(0);
+  }
+  for (const pid_t child : children) {
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    EXPECT_EQ(status, 0);
+  }
+  EXPECT_EQ(SqliteStore(file).analysisIds().size(), std::size_t{kProcesses} * kSaves);
+  EXPECT_THAT(folder.names(), ElementsAre("a.study"));
+}
+
+// The system answers as a file system without locks does.
+bool withoutLocks() {
+  const auto call = [](std::uint32_t number) {
+    return sock_filter BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, number, 0, 1);
+  };
+  const auto refused = [] { return sock_filter BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | ENOLCK); };
+  sock_filter filter[] = {
+      BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
+      call(SYS_flock),
+      refused(),
+      BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
+  };
+  const sock_fprog program{4, filter};
+  return ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0 &&
+         ::prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) == 0;
+}
+
+TEST(StudyFile, IsWrittenWithoutLocksOnlyWhenTheUserSaysSo) {
+  StoreFolder folder;
+  const std::string file = studyAfter(folder, 5);
+  const auto step = [&] {
+    SqliteStore store(file);
+    takeStep(store, 5);
+  };
+  EXPECT_THAT(messageInProcess(withoutLocks, step),
+              AnyOf(HasSubstr("its file system gives no locks"), StartsWith("cannot prepare")));
+  EXPECT_THAT(messageInProcess([] { return ::setenv(kWithoutLocks, "1", 1) == 0 && withoutLocks(); }, step),
+              AnyOf(IsEmpty(), StartsWith("cannot prepare")));
+  EXPECT_THAT(folder.names(), ElementsAre("a.study"));
 }
 
 // Rights are taken away from file or folder, and a user without privileges opens and saves.
