@@ -78,7 +78,7 @@ class Photographer {
 
  private:
   void takeImport() {
-    ImportDialog dialog({example_ + QStringLiteral("/peaks.txt")}, &window_);
+    ImportDialog dialog(workbench_.host().study(), {example_ + QStringLiteral("/peaks.txt")}, &window_);
     dialog.resize(760, 420);
     dialog.show();
     take(dialog, "import");

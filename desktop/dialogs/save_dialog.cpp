@@ -1,13 +1,13 @@
 #include "desktop/dialogs/save_dialog.h"
 
 #include <QDir>
-#include <QFileDialog>
 #include <QFileInfo>
 #include <QMessageBox>
 #include <QRegularExpression>
 #include <QSettings>
 
 #include "desktop/base/qt_text.h"
+#include "desktop/dialogs/file_dialog.h"
 
 namespace banddesk::desktop {
 namespace {
@@ -91,8 +91,8 @@ std::optional<host::SaveAnswer> askWhereToSave(const ui::SaveDialog& request, QW
   for (const FileType& type : types) filters << nameFilterOf(type);
 
   const QString title = toQString(request.DialogTitle.get());
-  QFileDialog dialog(parent, title.isEmpty() ? QStringLiteral("Save As") : title,
-                     startFolder(request.InitDir));
+  FileDialog dialog(parent, title.isEmpty() ? QStringLiteral("Save As") : title,
+                    startFolder(request.InitDir));
   dialog.setAcceptMode(QFileDialog::AcceptSave);
   dialog.setFileMode(QFileDialog::AnyFile);
   dialog.setOption(QFileDialog::DontConfirmOverwrite);

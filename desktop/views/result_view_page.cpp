@@ -2,7 +2,6 @@
 
 #include <QApplication>
 #include <QClipboard>
-#include <QFileDialog>
 #include <QMenu>
 #include <QPainter>
 #include <QToolButton>
@@ -11,6 +10,7 @@
 #include <utility>
 
 #include "desktop/base/qt_text.h"
+#include "desktop/dialogs/file_dialog.h"
 
 namespace banddesk::desktop {
 namespace {
@@ -40,7 +40,7 @@ QIcon dyeIcon(const QColor& color, int side) {
 
 // With the ending before it asks whether to replace a file.
 QString askByDialog(QWidget* parent, const QString& suggested, const QString& filter) {
-  QFileDialog dialog(parent, QStringLiteral("Export Plot"), {}, filter);
+  FileDialog dialog(parent, QStringLiteral("Export Plot"), {}, filter);
   dialog.setAcceptMode(QFileDialog::AcceptSave);
   dialog.setDefaultSuffix(suggested.section(QLatin1Char('.'), -1));
   dialog.selectFile(suggested);

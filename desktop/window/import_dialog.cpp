@@ -4,7 +4,7 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDialogButtonBox>
-#include <QFileDialog>
+#include <QFileInfo>
 #include <QFontDatabase>
 #include <QFormLayout>
 #include <QLabel>
@@ -15,6 +15,7 @@
 
 #include "desktop/base/help_topic.h"
 #include "desktop/base/qt_text.h"
+#include "desktop/dialogs/file_dialog.h"
 #include "host/import/read_files.h"
 #include "host/import/report_text.h"
 
@@ -43,15 +44,16 @@ std::vector<std::filesystem::path> pathsOf(const QListWidget& list) {
 }  // namespace
 
 QStringList ImportDialog::askFiles(QWidget* parent) {
-  QStringList files = QFileDialog::getOpenFileNames(
-      parent, QStringLiteral("Import Peak Tables"), QSettings().value(folderKey()).toString(),
-      QStringLiteral("Peak tables (*.txt *.csv *.tsv *.tab *.xlsx);;All files (*)"));
+  QStringList files =
+      askOpenFiles(parent, QStringLiteral("Import Peak Tables"), QSettings().value(folderKey()).toString(),
+                   QStringLiteral("Peak tables (*.txt *.csv *.tsv *.tab *.xlsx);;All files (*)"));
   if (!files.isEmpty()) QSettings().setValue(folderKey(), QFileInfo(files.constFirst()).absolutePath());
   return files;
 }
 
-ImportDialog::ImportDialog(const QStringList& files, QWidget* parent)
+ImportDialog::ImportDialog(const host::HostStudyService& study, const QStringList& files, QWidget* parent)
     : QDialog(parent),
+      study_(study),
       files_(new QListWidget(this)),
       ladder_(new QComboBox(this)),
       dye_(new QComboBox(this)),
@@ -120,10 +122,12 @@ void ImportDialog::look() {
   if (files_->count() == 0) return;
   QApplication::setOverrideCursor(Qt::WaitCursor);
   try {
+    const auto files = pathsOf(*files_);
+    host::requireNotTheStudy(study_, files);
     // All dyes are looked at, since the standard's may be among them.
     auto wanted = options();
     wanted.ladder.reset();
-    propose(host::import::readFiles(pathsOf(*files_), wanted).report);
+    propose(host::import::readFiles(files, wanted).report);
     import_->setEnabled(true);
   } catch (const std::exception& error) {
     report_->setPlainText(toQString(error.what()));

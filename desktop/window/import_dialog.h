@@ -19,7 +19,8 @@ namespace banddesk::desktop {
 class ImportDialog final : public QDialog {
   Q_OBJECT
  public:
-  ImportDialog(const QStringList& files, QWidget* parent);
+  // The study that is open, which is none of the files.
+  ImportDialog(const host::HostStudyService& study, const QStringList& files, QWidget* parent);
 
   host::ImportRequest request() const;
 
@@ -32,6 +33,7 @@ class ImportDialog final : public QDialog {
   host::import::Options options() const;
   void propose(const host::import::Report& report);
 
+  const host::HostStudyService& study_;
   QListWidget* files_;
   QComboBox* ladder_;
   QComboBox* dye_;

@@ -1,7 +1,6 @@
 #include "desktop/window/report_window.h"
 
 #include <QDialogButtonBox>
-#include <QFileDialog>
 #include <QMessageBox>
 #include <QPrintPreviewDialog>
 #include <QPrinter>
@@ -10,6 +9,7 @@
 #include <QTextBrowser>
 
 #include "desktop/base/help_topic.h"
+#include "desktop/dialogs/file_dialog.h"
 
 namespace banddesk::desktop {
 
@@ -45,8 +45,7 @@ void ReportWindow::print() {
 void ReportWindow::save() {
   QString suggestion = name_;
   suggestion.replace(QLatin1Char('/'), QLatin1Char('_'));
-  const QString path =
-      QFileDialog::getSaveFileName(this, QStringLiteral("Save Report"), suggestion + QStringLiteral(".html"),
+  const QString path = askSaveFile(this, QStringLiteral("Save Report"), suggestion + QStringLiteral(".html"),
                                    QStringLiteral("Web page (*.html)"));
   if (path.isEmpty()) return;
   QSaveFile file(path);

@@ -1,10 +1,12 @@
 #include "desktop/window/study_commands.h"
 
-#include <QFileDialog>
+#include <QDir>
+#include <QFileInfo>
 #include <QMessageBox>
 #include <QSettings>
 
 #include "desktop/base/qt_text.h"
+#include "desktop/dialogs/file_dialog.h"
 #include "desktop/dialogs/save_choice.h"
 #include "desktop/pages/number_boxes.h"
 #include "desktop/window/import_dialog.h"
@@ -25,9 +27,8 @@ std::filesystem::path toPath(const QString& path) { return toText(path); }
 bool StudyCommands::createAsked() { return mayLeave() && create(QStringLiteral("New study")); }
 
 bool StudyCommands::create(const QString& suggestion) {
-  QString path =
-      QFileDialog::getSaveFileName(&window_, QStringLiteral("New Study"),
-                                   QDir(studyFolder()).filePath(suggestion + extension()), studyFilter());
+  QString path = askSaveFile(&window_, QStringLiteral("New Study"),
+                             QDir(studyFolder()).filePath(suggestion + extension()), studyFilter());
   if (path.isEmpty()) return false;
   if (QFileInfo(path).suffix().isEmpty()) path += extension();
   return guard_.run([&] {
@@ -42,8 +43,8 @@ bool StudyCommands::create(const QString& suggestion) {
 }
 
 bool StudyCommands::openAsked() {
-  const QString path = QFileDialog::getOpenFileName(&window_, QStringLiteral("Open Study"), studyFolder(),
-                                                    studyFilter() + QStringLiteral(";;All files (*)"));
+  const QString path = askOpenFile(&window_, QStringLiteral("Open Study"), studyFolder(),
+                                   studyFilter() + QStringLiteral(";;All files (*)"));
   return !path.isEmpty() && open(path);
 }
 
@@ -62,7 +63,7 @@ bool StudyCommands::import(QStringList files) {
   if (files.isEmpty()) files = ImportDialog::askFiles(&window_);
   if (files.isEmpty()) return false;
   if (!workbench_.isOpen() && !create(QFileInfo(files.constFirst()).completeBaseName())) return false;
-  ImportDialog dialog(files, &window_);
+  ImportDialog dialog(workbench_.host().study(), files, &window_);
   if (dialog.exec() != QDialog::Accepted) return false;
   host::ImportOutcome outcome;
   const bool done = guard_.run([&] {

@@ -102,9 +102,25 @@ bool hasFragments(const std::vector<NewResult>& results, std::size_t slot) {
 
 }  // namespace banddesk::host
 
+void requireNotTheStudy(const HostStudyService& study, const std::vector<std::filesystem::path>& files) {
+  const auto refuse = [&](const std::filesystem::path& file) {
+    if (study.liesIn(file.string()))
+      raise(ErrorNumber::PermissionDenied, "Import",
+            fmt::format("{}: it is the open study and no peak table", file.string()));
+  };
+  for (const std::filesystem::path& file : files) {
+    refuse(file);
+    std::error_code trouble;
+    for (std::filesystem::directory_iterator entry(file, trouble), end; !trouble && entry != end;
+         entry.increment(trouble))
+      refuse(entry->path());
+  }
+}
+
 ImportOutcome importIntoStudy(HostStudyService& study, const ImportRequest& request,
                               const import::Progress& progress) {
   requireWritable(study);
+  requireNotTheStudy(study, request.files);
   import::PeakTable table = readTable(study, request, progress);
   tellApart(table, namesIn(study));
   ImportOutcome outcome;

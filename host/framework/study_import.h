@@ -23,6 +23,10 @@ struct ImportOutcome {
   std::size_t added = 0;  // results; with none the study is unchanged
 };
 
+// Error 70 where the open study is among the files or lies in one of the folders: it is no peak table, and to
+// read it ends locks on it. Whoever reads files for another purpose first calls this itself.
+void requireNotTheStudy(const HostStudyService& study, const std::vector<std::filesystem::path>& files);
+
 // Needs an open study that can be written. Raises ImportError for bad files, and the store's errors; the
 // study is then as it was.
 ImportOutcome importIntoStudy(HostStudyService& study, const ImportRequest& request,

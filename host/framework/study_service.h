@@ -48,6 +48,8 @@ class HostStudyService final : public StudyService {
   std::string dyeLetters() const { return {'B', 'G', 'Y', fourthDye_}; }
   // Why the open study cannot be changed; empty where it can.
   std::string whyReadOnly() const { return store_ ? store_->whyReadOnly() : std::string(); }
+  // Whether the open study lies in this file, whatever name leads there.
+  bool liesIn(const std::string& file) const { return store_ && store_->isFile(file); }
 
   // Both are kept with the study, if it can be written.
   HostOptions& options() { return options_; }
