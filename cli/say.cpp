@@ -37,4 +37,6 @@ void say(std::string_view given) {
   raise(ErrorNumber::DeviceIo, "Output", fmt::format("standard output: {}", std::strerror(cause)));
 }
 
+void warn(const std::string& line) { fmt::print(stderr, "banddesk: {}\n", withoutControls(line)); }
+
 }  // namespace banddesk::cli

@@ -17,6 +17,9 @@ std::string withoutControls(std::string_view text, std::string_view kept = {});
 // characters.
 void say(std::string_view text);
 
+// One line on standard error, beside the work.
+void warn(const std::string& line);
+
 template <class... Args>
 void say(fmt::format_string<Args...> format, Args&&... args) requires(sizeof...(Args) > 0) {
   say(std::string_view(fmt::format(format, std::forward<Args>(args)...)));

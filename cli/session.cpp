@@ -4,6 +4,7 @@
 #include <fmt/format.h>
 #include <utility>
 
+#include "cli/say.h"
 #include "cli/table_reading.h"
 #include "host/store/memory_store.h"
 #include "plugin/base/numbers.h"
@@ -29,6 +30,12 @@ Session::Session(std::function<void(double)> onProgress) : host_(settings()) {
       if (progress.Maximum() > 0) tell(progress.Position() / progress.Maximum());
     };
   }
+  host::PageKeeper& keeper = host_.keepTablesWhole();
+  keeper.onReopened = [this](host::HostPage&, const std::string& line) {
+    takePage();
+    if (!isQuiet_) warn(line);
+  };
+  keeper.onLeftHalfMade = [](const host::HostPage&, const std::string& line) { warn(line); };
   host_.loadComponent();
 }
 
@@ -203,18 +210,26 @@ void Session::act(const std::function<void()>& action) {
   if (reports.size() > reportsBefore) throw reports.back().error;
 }
 
+void Session::procedure(const std::function<void()>& work) { host_.pages().procedure(*hostPage_, work); }
+
 host::GridControl& Session::grid() const { return control<host::GridControl>(page_->Controls(), "grdAFLP"); }
 
 void Session::exportCsv(const std::filesystem::path& path) { exportBy(path, kCsvType); }
 
 void Session::exportNts(const std::filesystem::path& path) { exportBy(path, kNtsType); }
 
-void Session::exportXlsx(const std::filesystem::path& path) { page_->ExportExcel(path.string()); }
+// It rebuilds the table, which would lose what was decided about bins. Of that the page warns, and here that
+// is no: the page is opened anew as it was. The file is whole by then.
+void Session::exportXlsx(const std::filesystem::path& path) {
+  isQuiet_ = true;
+  procedure([&] { page_->ExportExcel(path.string()); });
+  isQuiet_ = false;
+}
 
 void Session::exportBy(const std::filesystem::path& path, std::int32_t filterIndex) {
   host_.platform().saveAnswers.push_back(host::SaveAnswer{path.string(), filterIndex});
   const std::size_t messagesBefore = host_.platform().messages().size();
-  page_->Export();
+  procedure([&] { page_->Export(); });
   if (host_.platform().messages().size() > messagesBefore) {
     raise(ErrorNumber::PermissionDenied, "Export", "it cannot be written: permission denied");
   }

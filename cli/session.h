@@ -63,6 +63,8 @@ class Session {
   [[noreturn]] static void raiseRefused(const AnalysisRequest& request);
   std::int32_t columnNamed(const std::string& name) const;
   void act(const std::function<void()>& action);
+  // Of the page, without being an act of the user.
+  void procedure(const std::function<void()>& work);
   void chooseFromMenu(std::int32_t row, std::int32_t col, const char* item);
   void exportBy(const std::filesystem::path& path, std::int32_t filterIndex);
 
@@ -71,6 +73,7 @@ class Session {
   std::shared_ptr<AFLP> analysis_;
   std::shared_ptr<IAFLPResultsPage> page_;
   std::shared_ptr<host::HostPage> hostPage_;
+  bool isQuiet_ = false;  // about pages that are opened anew
 };
 
 // A control of a page by its name; a missing one is an Error.

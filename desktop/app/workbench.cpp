@@ -16,7 +16,10 @@ host::HostSettings settings(const host::GridPorts& ports) {
 
 }  // namespace
 
-Workbench::Workbench(const host::GridPorts& ports) : host_(settings(ports)) { host_.loadComponent(); }
+Workbench::Workbench(const host::GridPorts& ports)
+    : host_(settings(ports)), keeper_(host_.keepTablesWhole()) {
+  host_.loadComponent();
+}
 
 std::string Workbench::studyName() { return isOpen() ? study()->Name.get() : std::string(); }
 

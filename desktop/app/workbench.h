@@ -18,6 +18,8 @@ class Workbench {
   explicit Workbench(const host::GridPorts& ports);
 
   host::Host& host() { return host_; }
+  // Opens results pages anew that are left half made.
+  host::PageKeeper& keeper() { return keeper_; }
   bool isOpen() { return host_.study().isOpen(); }
   // Of the open study; empty without one.
   const std::filesystem::path& path() const { return path_; }
@@ -41,6 +43,7 @@ class Workbench {
   void changed() const;
 
   host::Host host_;
+  host::PageKeeper& keeper_;
   std::filesystem::path path_;
   Connection resultChanges_;
 };

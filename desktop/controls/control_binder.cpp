@@ -265,14 +265,14 @@ SpinButtons* ControlBinder::make(ui::UpDown& control, TextBoxWidget& box, QWidge
   return widget;
 }
 
-void ControlBinder::drive(ui::Timer& control) {
+void ControlBinder::drive(ui::Timer& control, UserAction run) {
   auto* clock = new QTimer(&context_);
   clock->setSingleShot(true);
   const auto arm = [clock, &control](bool on) { on ? clock->start(control.Interval) : clock->stop(); };
   connections_.push_back(
       control.Armed.connect([arm, bound = QPointer<QTimer>(clock)](bool on) { bound ? arm(on) : void(); }));
-  QObject::connect(clock, &QTimer::timeout, &context_, [this, &control] {
-    if (const auto held = life_.lock()) control.fire();
+  QObject::connect(clock, &QTimer::timeout, &context_, [this, &control, run = std::move(run)] {
+    if (const auto held = life_.lock()) run([&] { control.fire(); });
   });
   if (control.Enabled) arm(true);
 }

@@ -47,8 +47,8 @@ class ControlBinder {
   QRadioButton* make(ui::OptionButton& control, QWidget* parent);
   QComboBox* make(ui::ComboBox& control, QWidget* parent);
   SpinButtons* make(ui::UpDown& control, TextBoxWidget& box, QWidget* parent);
-  // From now on the timer runs by the clock.
-  void drive(ui::Timer& control);
+  // From now on the timer runs by the clock; `run` wraps its work, which is no act of the user.
+  void drive(ui::Timer& control, UserAction run);
 
  private:
   template <class ControlType, class Widget>

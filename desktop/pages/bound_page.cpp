@@ -33,6 +33,7 @@ std::int32_t characterCode(const QKeyEvent& event) {
 BoundPage::BoundPage(host::Host& host, host::HostPage& page, WidgetRegistry& registry, PageActions actions,
                      QWidget* parent)
     : QWidget(parent),
+      host_(host),
       registry_(registry),
       actions_(std::move(actions)),
       control_(page.control()),
@@ -63,6 +64,13 @@ void BoundPage::guarded(const std::function<void()>& action) const {
   } catch (...) {
     if (actions_.showError) actions_.showError(currentError());
   }
+}
+
+void BoundPage::runProcedure(const std::function<void()>& work) const {
+  guarded([&] {
+    const auto page = page_.lock();
+    if (page && livingPage() != nullptr && !page->isHalfMade()) host_.pages().procedure(*page, work);
+  });
 }
 
 void BoundPage::showHelp() {
@@ -116,7 +124,10 @@ bool BoundPage::previewKey(const QKeyEvent& event) {
   std::int32_t character = characterCode(event);
   const bool hasKey = key != 0;
   const bool hasCharacter = character != 0;
-  if (hasKey) page->UserControl_KeyDown(key);
+  // The one key by which a page starts its work.
+  const bool starts = key == kEnterCode;
+  if (starts) runProcedure([&] { page->UserControl_KeyDown(key); });
+  if (hasKey && !starts) page->UserControl_KeyDown(key);
   if (hasCharacter) page->UserControl_KeyPress(character);
   if ((hasKey && key == 0) || (hasCharacter && character == 0)) return true;
   return takesKey(event.key());

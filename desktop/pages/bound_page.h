@@ -50,11 +50,14 @@ class BoundPage : public QWidget {
   void showHelp();
   // Runs what may raise errors.
   void guarded(const std::function<void()>& action) const;
+  // Runs work of the page that is no act of the user; nothing once the page has ended.
+  void runProcedure(const std::function<void()>& work) const;
 
  private:
   bool previewKey(const QKeyEvent& event);
   [[noreturn]] static void raiseMissing(const std::string& name);
 
+  host::Host& host_;
   WidgetRegistry& registry_;
   PageActions actions_;
   // The page's end waits for this widget, so that its controls and grid are never gone before their widgets.

@@ -36,7 +36,7 @@ ResultsPageWidget::ResultsPageWidget(host::Host& host, host::HostPage& page, Wid
   registry.add(*grid_, gridWidget_);
   readDesign();
   makePanel();
-  binder().drive(control<ui::Timer>("ctlTimer"));
+  binder().drive(control<ui::Timer>("ctlTimer"), [this](const auto& work) { runProcedure(work); });
   finish({gridWidget_, shown("txtMaxBinWidth"), shown("txtYThreshold"), shown("chkDye(0)"),
           shown("chkDye(1)"), shown("chkDye(2)"), shown("chkDye(3)"), shown("cbxSampleAxis"),
           shown("optSampleBin(2)"), shown("optSampleBin(0)"), shown("optSampleBin(1)"),

@@ -72,6 +72,8 @@ MainWindow::~MainWindow() {
   }
   workbench_.onChange = nullptr;
   host.framework().onReport = nullptr;
+  workbench_.keeper().onReopened = nullptr;
+  workbench_.keeper().onLeftHalfMade = nullptr;
   host.progress().onChange = nullptr;
   host.reports().onReport = nullptr;
   host.tree().onChange = nullptr;
@@ -107,6 +109,12 @@ void MainWindow::connectHost() {
   actions.mayChoose = [this](const ui::MenuItem& item) { return mayChoose(item); };
   front_ = std::make_unique<PlatformFront>(host.platform(), this, registry_, std::move(actions));
   host.framework().onReport = [this](const host::Report& report) { noteFailure(report); };
+  workbench_.keeper().onReopened = [this](const auto&, const std::string& line) {
+    statusBar()->showMessage(toQString(line), kMessageTime);
+  };
+  workbench_.keeper().onLeftHalfMade = [this](const auto& page, const std::string& line) {
+    pages_->showFailure(page, toQString(line));
+  };
   host.reports().onReport = [this](const auto& request, const auto& html) { showReport(request, html); };
   host.study().decideStale = [this](const AFLP& analysis) { return decideStale(analysis); };
   host.pages().selectColumns = [this, help](host::ColumnSelection& draft) {
@@ -211,7 +219,9 @@ void MainWindow::showReport(const host::ReportRequest& request, const std::strin
 
 void MainWindow::noteFailure(const host::Report& report) {
   errors_->add(report);
-  if (report.module == "AFLPResultsPage") pages_->showFailure(toQString(report.error.description()));
+  // Of what a page does, its keeper tells.
+  if (report.module == "AFLPResultsPage" && !workbench_.keeper().isAtWork())
+    pages_->showFailure(toQString(report.error.description()));
 }
 
 void MainWindow::showHelp(const std::string& topic) { help_.show(topic); }

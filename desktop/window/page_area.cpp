@@ -51,12 +51,13 @@ PageArea::PageArea(host::Host& host, MakeWidget makeWidget, QWidget* parent)
   setDocumentMode(true);
   setElideMode(Qt::ElideRight);
   tabBar()->setAccessibleName(QStringLiteral("Pages"));
-  host_.pages().watch = {[this](host::HostPage& page) { show(page); },
-                         [this](host::HostPage& page) { end(page); },
-                         [this](host::HostPage& page) { change(page); },
-                         [this](const host::HostPage&) {
-                           if (onCurrent) onCurrent();
-                         }};
+  host_.pages().watch = {
+      [this](host::HostPage& page) { show(page); }, [this](host::HostPage& page) { end(page); },
+      [this](const host::HostPage& former, host::HostPage& page) { replace(former, page); },
+      [this](host::HostPage& page) { change(page); },
+      [this](const host::HostPage&) {
+        if (onCurrent) onCurrent();
+      }};
   connect(this, &QTabWidget::tabCloseRequested, this, [this](int index) {
     if (const auto page = pageOf(widget(index)); page && onClose) onClose(page);
   });
@@ -157,16 +158,21 @@ void PageArea::removeEnded() {
   });
 }
 
-void PageArea::add(host::HostPage& page) {
+QWidget* PageArea::makeFrame(host::HostPage& page) {
   auto frame = std::make_unique<QWidget>();
   auto* column = new QVBoxLayout(frame.get());
   column->setContentsMargins(0, 0, 0, 0);
   column->setSpacing(0);
   tabs_[&page].frame = frame.get();
   if (page.control()) fill(page);
-  if (page.control() && tabs_[&page].content == nullptr) return void(tabs_.erase(&page));
-  const int index = addTab(frame.release(), captionOf(page));
-  setTabToolTip(index, toQString(page.Caption()).toHtmlEscaped());
+  if (page.control() && tabs_[&page].content == nullptr) return tabs_.erase(&page), nullptr;
+  return frame.release();
+}
+
+void PageArea::add(host::HostPage& page) {
+  QWidget* const frame = makeFrame(page);
+  if (frame == nullptr) return;
+  setTabToolTip(addTab(frame, captionOf(page)), toQString(page.Caption()).toHtmlEscaped());
 }
 
 void PageArea::fill(host::HostPage& page) {
@@ -231,6 +237,20 @@ void PageArea::closeAll(const host::HostPage* except) {
   }
 }
 
+// In the same tab, in front if that was in front.
+void PageArea::replace(const host::HostPage& former, host::HostPage& page) {
+  const auto found = tabs_.find(&former);
+  if (found == tabs_.end()) return;
+  const int index = indexOf(found->second.frame);
+  const bool isInFront = currentIndex() == index;
+  if (QWidget* const frame = makeFrame(page)) {
+    setTabToolTip(insertTab(index, frame, captionOf(page)), toQString(page.Caption()).toHtmlEscaped());
+    if (isInFront) bringToFront(page);
+  }
+  end(former);
+  removeEnded();
+}
+
 void PageArea::makeBar(Tab& tab, const host::HostPage& page) {
   tab.bar = new QWidget(tab.frame);
   static_cast<QVBoxLayout*>(tab.frame->layout())->insertWidget(0, tab.bar);
@@ -257,13 +277,18 @@ void PageArea::makeBar(Tab& tab, const host::HostPage& page) {
 void PageArea::showFailure(const QString& what) {
   const auto page = currentPage();
   if (!page || page->DefinitionName() != "AFLP") return;
-  Tab& tab = tabs_.at(page.get());
-  if (tab.bar == nullptr) makeBar(tab, *page);
-  tab.bar->findChild<QLabel*>(QStringLiteral("failure"))
-      ->setText(
-          QStringLiteral("Something on this page failed: %1 The table may be incomplete or locked until the "
+  showFailure(*page, QStringLiteral(
+                         "Something on this page failed: %1 The table may be incomplete or locked until the "
                          "page is opened again.")
-              .arg(what.endsWith(QLatin1Char('.')) ? what : what + QLatin1Char('.')));
+                         .arg(what.endsWith(QLatin1Char('.')) ? what : what + QLatin1Char('.')));
+}
+
+void PageArea::showFailure(const host::HostPage& page, const QString& line) {
+  const auto found = tabs_.find(&page);
+  if (found == tabs_.end()) return;
+  Tab& tab = found->second;
+  if (tab.bar == nullptr) makeBar(tab, page);
+  tab.bar->findChild<QLabel*>(QStringLiteral("failure"))->setText(line);
   tab.bar->show();
 }
 

@@ -30,6 +30,7 @@ class PageArea final : public QTabWidget {
 
   // Says above the page in front that something on it failed, with a way to reopen it.
   void showFailure(const QString& what);
+  void showFailure(const host::HostPage& page, const QString& line);
 
   std::function<void(const std::shared_ptr<host::HostPage>&)> onClose;   // the user wants to close a page
   std::function<void(const std::shared_ptr<host::HostPage>&)> onReopen;  // and to open it anew
@@ -51,9 +52,12 @@ class PageArea final : public QTabWidget {
   void changeTabs(std::size_t howMany, const std::function<void()>& change);
   void show(host::HostPage& page);
   void end(const host::HostPage& page);
+  void replace(const host::HostPage& former, host::HostPage& page);
   void change(const host::HostPage& page);
   void addWaiting();
   void removeEnded();
+  // A page's content in a frame, not yet among the tabs; null where it could not be made.
+  QWidget* makeFrame(host::HostPage& page);
   void add(host::HostPage& page);
   void fill(host::HostPage& page);
   void fillCurrent();

@@ -1,6 +1,7 @@
 // A bin calculator under the seam at which failures are injected; the work is done by the one it wraps.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -12,16 +13,29 @@ namespace banddesk::host {
 
 class GuardedCalculator final : public BinCalculator {
  public:
-  GuardedCalculator(FaultInjector& faults, std::shared_ptr<BinCalculator> calculator)
-      : faults_(faults), calculator_(std::move(calculator)) {}
+  // Told of each calculation, before it runs, with the width (nt) and threshold (RFU) that it is given.
+  using OnCalculate = std::function<void(double width, double threshold)>;
 
-  void SetMaxBinWidth(double nt) override { at("MaxBinWidth").SetMaxBinWidth(nt); }
-  void SetYThreshold(double rfu) override { at("YThreshold").SetYThreshold(rfu); }
+  GuardedCalculator(FaultInjector& faults, std::shared_ptr<BinCalculator> calculator, OnCalculate onCalculate)
+      : faults_(faults), calculator_(std::move(calculator)), onCalculate_(std::move(onCalculate)) {}
+
+  void SetMaxBinWidth(double nt) override {
+    at("MaxBinWidth").SetMaxBinWidth(nt);
+    width_ = nt;
+  }
+  void SetYThreshold(double rfu) override {
+    at("YThreshold").SetYThreshold(rfu);
+    threshold_ = rfu;
+  }
   void AddFragments(std::int32_t resultIndex, std::int32_t zero, const FragmentTable& fragments,
                     std::int16_t dye, std::int32_t one, std::int32_t alsoOne) override {
     at("AddFragments").AddFragments(resultIndex, zero, fragments, dye, one, alsoOne);
   }
-  void Calculate() override { at("Calculate").Calculate(); }
+  void Calculate() override {
+    BinCalculator& calculator = at("Calculate");
+    if (onCalculate_) onCalculate_(width_, threshold_);
+    calculator.Calculate();
+  }
   std::int32_t BinCount() const override { return at("BinCount").BinCount(); }
   std::int32_t SampleCount(std::int32_t bin) const override { return at("SampleCount").SampleCount(bin); }
   std::int32_t FragmentCount(std::int32_t bin) const override {
@@ -45,6 +59,9 @@ class GuardedCalculator final : public BinCalculator {
 
   FaultInjector& faults_;
   std::shared_ptr<BinCalculator> calculator_;
+  OnCalculate onCalculate_;
+  double width_ = 0;
+  double threshold_ = 0;
 };
 
 }  // namespace banddesk::host

@@ -60,6 +60,11 @@ void Host::useComponent(const ComponentEntries& entries) {
   if (studyService_.isOpen()) explorer_.tree().initialize();
 }
 
+PageKeeper& Host::keepTablesWhole() {
+  if (!keeper_) keeper_.emplace(pages_, objects_, platform_, framework_, faults_);
+  return *keeper_;
+}
+
 const Component& Host::component() const {
   if (!component_) raise(ErrorNumber::ObjectNotSet, "Host", "There is no component.");
   return *component_;
@@ -149,7 +154,9 @@ std::shared_ptr<BinCalculator> Host::NewBinCalculator() {
   faults_.check("HostServices", "NewBinCalculator");
   auto calculator = settings_.makeBinCalculator();
   required(calculator, "BinCalculator");
-  return std::make_shared<GuardedCalculator>(faults_, std::move(calculator));
+  return std::make_shared<GuardedCalculator>(
+      faults_, std::move(calculator),
+      [this](double width, double threshold) { pages_.noteCalculation(width, threshold); });
 }
 
 banddesk::ServiceRegistry& Host::ServiceRegistry() {

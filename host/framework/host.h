@@ -12,6 +12,7 @@
 #include "host/framework/explorer.h"
 #include "host/framework/framework.h"
 #include "host/framework/object_manager.h"
+#include "host/framework/page_keeper.h"
 #include "host/framework/page_manager.h"
 #include "host/framework/platform.h"
 #include "host/framework/save_flow.h"
@@ -44,6 +45,9 @@ class Host final : public HostServices, private Application {
   // One that is linked in.
   void useComponent(const ComponentEntries& entries);
   const Component& component() const;
+
+  // From now on results pages whose procedures leave their table half made are opened anew by themselves.
+  PageKeeper& keepTablesWhole();
 
   // ---- the study
   void openStudy(std::shared_ptr<Store> store);  // closes the one that is open
@@ -116,6 +120,7 @@ class Host final : public HostServices, private Application {
   ObjectRef componentState_;
   std::optional<Component> component_;
   HostPageManager pages_;
+  std::optional<PageKeeper> keeper_;
   std::shared_ptr<IAFLPService> service_;
   std::shared_ptr<ServiceBase> serviceBase_;
   std::shared_ptr<IAFLPExplorerFolder> folder_;

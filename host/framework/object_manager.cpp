@@ -113,6 +113,21 @@ std::shared_ptr<HostAFLP> HostObjectManager::load(std::int32_t id) {
   return analysis;
 }
 
+void HostObjectManager::refill(AFLP& analysis, const AnalysisSnapshot& snapshot) {
+  const auto empty = [](auto& collection) {
+    while (collection.Count() > 0) collection.Remove(collection.Count());
+  };
+  empty(analysis.Results);
+  empty(analysis.AFLPBins);
+  for (const auto& layout : {analysis.BinGrid, analysis.SampleGrid, analysis.DyeGrid, analysis.StyleGrid}) {
+    layout->LockedColumn = nullptr;
+    empty(layout->Columns);
+  }
+  forgetRemoved(analysis);
+  restore(snapshot, analysis);
+  settle(analysis);
+}
+
 void HostObjectManager::settle(AFLP& analysis) {
   visitOwned(analysis, [&](PersistentObject& owned) {
     owned.Persistent() = {.IsNew = false, .IsDirty = false};

@@ -23,6 +23,10 @@ class HostObjectManager final : public ObjectManager {
   // Parts the analyses from the study, which nobody holds through them any more, and lets the store go.
   void detach();
 
+  // Makes an analysis of the study what the snapshot tells, as the same object, with columns and decisions of
+  // its own; it counts as stored.
+  void refill(AFLP& analysis, const AnalysisSnapshot& snapshot);
+
   // An analysis can be made only while a study is open (error 91).
   std::shared_ptr<PersistentObject> Create(const std::string& typeName) override;
   // The stored analyses, each as the one object that stands for it.

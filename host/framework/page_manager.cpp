@@ -18,10 +18,12 @@ struct PageDefinition {
   bool isModal;
 };
 
+constexpr const char* kColumnSelector = "ColumnSelector";
+
 constexpr std::array<PageDefinition, 7> kDefinitions = {{
     {"AFLPParams", "New AFLP Analysis", "AFLPParamsPage", false},
     {"AFLP", "AFLP", "AFLPResultsPage", false},
-    {"ColumnSelector", "Select Columns", nullptr, true},
+    {kColumnSelector, "Select Columns", nullptr, true},
     {"ColumnSort", "Sort Columns", nullptr, true},
     {"SingleSample", "Single Result", nullptr, false},
     {"OverlayGraphView", "Overlay Graph", nullptr, false},
@@ -59,6 +61,19 @@ void remakeLabels(PageOwner* owner) {
 
 }  // namespace
 
+class HostPageManager::AtWork {
+ public:
+  AtWork(const HostPageManager& pages, HostPage& page)
+      : pages_(pages), before_(std::exchange(pages.atWork_, &page)) {}
+  AtWork(const AtWork&) = delete;
+  AtWork& operator=(const AtWork&) = delete;
+  ~AtWork() { pages_.atWork_ = before_; }
+
+ private:
+  const HostPageManager& pages_;
+  HostPage* before_;
+};
+
 std::shared_ptr<banddesk::Page> HostPageManager::OpenPage(const std::string& name, const ObjectRef& bound,
                                                           PageOwner* owner, bool, bool, bool, bool, bool,
                                                           bool, const char*, bool hidden, std::int32_t) {
@@ -73,6 +88,7 @@ std::shared_ptr<banddesk::Page> HostPageManager::OpenPage(const std::string& nam
   auto page = std::make_shared<HostPage>(faults_, watch, definition.name, definition.caption, bound, owner);
   if (definition.isModal) {
     const bool accepted = runModal(*page, owner);
+    if (accepted && page->DefinitionName() == kColumnSelector && onColumnsSelected) onColumnsSelected();
     page->owner().raiseExit(*page, !accepted);
     return page;
   }
@@ -83,6 +99,7 @@ std::shared_ptr<banddesk::Page> HostPageManager::OpenPage(const std::string& nam
 }
 
 void HostPageManager::start(HostPage& page, const char* className) {
+  const AtWork atWork(*this, page);
   auto control = cast<IPageControl>(required(component_, "Component").create(className), className);
   control->UserControl_Initialize();
   auto base = cast<HostPageBase>(control->Page(), "PageBase");
@@ -101,7 +118,7 @@ void HostPageManager::start(HostPage& page, const char* className) {
 
 bool HostPageManager::runModal(const HostPage& page, PageOwner* owner) const {
   const auto layout = cast<GridLayout>(page.bound(), "GridLayout");
-  if (page.DefinitionName() != "ColumnSelector") return isAccepted(ColumnSorting(*layout), sortColumns);
+  if (page.DefinitionName() != kColumnSelector) return isAccepted(ColumnSorting(*layout), sortColumns);
   return isAccepted(ColumnSelection(*layout), selectColumns, [owner] { remakeLabels(owner); });
 }
 
@@ -116,7 +133,7 @@ bool HostPageManager::end(const std::shared_ptr<HostPage>& given, bool accept) {
   if (place == pages_.end()) return true;
   // Held here: the reference may be to the list's own entry.
   std::shared_ptr<HostPage> page = *place;
-  if (accept && page->base()) {
+  if (accept && page->base() && !page->isHalfMade()) {
     if (!validate(*page)) return false;
     page->base()->Save.raise();
   }
@@ -139,9 +156,40 @@ void HostPageManager::endAll() {
 }
 
 void HostPageManager::userEvent(const HostPage& page, const std::function<void()>& action) const {
-  markIfPersistent(page.bound());
-  action();
+  procedure(page, [&] {
+    markIfPersistent(page.bound());
+    action();
+  });
   if (watch.onUserEvent) watch.onUserEvent(page);
+}
+
+void HostPageManager::procedure(const HostPage& page, const std::function<void()>& work) const {
+  const auto open = shared(page);
+  if (!open) return work();
+  const AtWork atWork(*this, *open);
+  aroundProcedure ? aroundProcedure(open, work) : work();
+}
+
+std::shared_ptr<HostPage> HostPageManager::replace(const std::shared_ptr<HostPage>& former) {
+  auto page = std::make_shared<HostPage>(faults_, watch, former->DefinitionName(), former->Caption(),
+                                         former->bound(), nullptr);
+  start(*page, definitionOf(former->DefinitionName()).className);
+  page->follow(*former);
+  std::ranges::replace(pages_, former, page);
+  FirstFailure failure;
+  if (former->base()) failure.run([&] { former->base()->Terminate.raise(); });
+  // It has taken the analysis for its own at its start, and the former let go of it at its end.
+  if (const auto analysis = std::dynamic_pointer_cast<AFLP>(page->bound()))
+    analysis->ResultsPage = static_cast<Object*>(page->control().get());
+  if (watch.onReplace) failure.run([&] { watch.onReplace(*former, *page); });
+  former->hold();
+  platform_.resetPointer();
+  failure.raise();
+  return page;
+}
+
+void HostPageManager::noteCalculation(double maxBinWidth, double yThreshold) const {
+  if (atWork_ != nullptr) atWork_->noteRun(maxBinWidth, yThreshold);
 }
 
 bool HostPageManager::fireTimers() const {
@@ -149,14 +197,21 @@ bool HostPageManager::fireTimers() const {
   const auto open = pages_;
   for (const auto& page : open) {
     if (!page->control()) continue;
-    for (ui::Control* control : page->control()->Controls().all()) {
+    const auto pageControl = page->control();
+    for (ui::Control* control : pageControl->Controls().all()) {
       auto* timer = dynamic_cast<ui::Timer*>(control);
       if (timer == nullptr || !timer->Enabled) continue;
-      timer->fire();
+      procedure(*page, [&] { timer->fire(); });
       fired = true;
+      if (!page->control()) break;  // another page stands in its place
     }
   }
   return fired;
+}
+
+std::shared_ptr<HostPage> HostPageManager::shared(const HostPage& page) const {
+  const auto found = std::ranges::find(pages_, &page, &std::shared_ptr<HostPage>::get);
+  return found == pages_.end() ? nullptr : *found;
 }
 
 std::shared_ptr<HostPage> HostPageManager::find(std::string_view name, const ObjectRef& bound) const {

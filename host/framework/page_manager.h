@@ -30,7 +30,8 @@ class HostPageManager final : public PageManager {
                                            std::int32_t) override;
 
   // Ends a page. To accept it, it must be valid, and is saved into its object first; an invalid one stays
-  // open and the answer is false. Then the owner hears OnExit, and the page Terminate.
+  // open and the answer is false. Then the owner hears OnExit, and the page Terminate. A page whose table is
+  // half made is never asked: its object holds what it had.
   bool end(const std::shared_ptr<HostPage>& page, bool accept);
   void endAll();  // cancelled, the latest first; a failure comes when all have ended
 
@@ -40,26 +41,43 @@ class HostPageManager final : public PageManager {
   // when it is saved, so the object counts as changed from now on.
   void userEvent(const HostPage& page, const std::function<void()>& action) const;
 
+  // Runs what may change the page's table without being an act of the user: the work of a timer, an export.
+  void procedure(const HostPage& page, const std::function<void()>& work) const;
   // Lets the time of all running timers of the open pages pass; false if none was running.
   bool fireTimers() const;
+
+  // Makes a page of the plug-in anew from its object, in its place. If that fails, the former stays and the
+  // error goes to the caller. Owners hear nothing.
+  std::shared_ptr<HostPage> replace(const std::shared_ptr<HostPage>& former);
+  // A calculator begins; it is that of the page at work.
+  void noteCalculation(double maxBinWidth, double yThreshold) const;
 
   const std::vector<std::shared_ptr<HostPage>>& openPages() const { return pages_; }
   // Null if there is none.
   std::shared_ptr<HostPage> find(std::string_view name, const ObjectRef& bound) const;
 
   PageWatch watch;
+  // Absent: a procedure just runs.
+  std::function<void(const std::shared_ptr<HostPage>&, const std::function<void()>&)> aroundProcedure;
+  // The user has accepted a selection of columns, of which a table is to be made.
+  std::function<void()> onColumnsSelected;
   // The user's work on a column page: true accepts the draft. Absent: cancelled.
   std::function<bool(ColumnSelection&)> selectColumns;
   std::function<bool(ColumnSorting&)> sortColumns;
 
  private:
+  // A page at work, until the end of the scope.
+  class AtWork;
+
   void start(HostPage& page, const char* className);
+  std::shared_ptr<HostPage> shared(const HostPage& page) const;
   bool runModal(const HostPage& page, PageOwner* owner) const;
 
   FaultInjector& faults_;
   HostPlatform& platform_;
   const Component* component_ = nullptr;
   std::vector<std::shared_ptr<HostPage>> pages_;
+  mutable HostPage* atWork_ = nullptr;
 };
 
 }  // namespace banddesk::host

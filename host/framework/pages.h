@@ -36,6 +36,13 @@ class OwnerLink {
   std::weak_ptr<void> life_;
 };
 
+// What a table was made with, and how many times one was made.
+struct TableRun {
+  double maxBinWidth = 0;  // nt
+  double yThreshold = 0;   // RFU
+  std::int64_t count = 0;
+};
+
 class HostPage;
 
 class HostPageBase final : public PageBase, public LivingOwner {
@@ -69,6 +76,8 @@ class HostPageBase final : public PageBase, public LivingOwner {
 struct PageWatch {
   std::function<void(HostPage&)> onShow;
   std::function<void(HostPage&)> onEnd;
+  // The page takes the other's place; that one is at its end.
+  std::function<void(HostPage& former, HostPage& page)> onReplace;
   std::function<void(HostPage&)> onChange;           // caption or view index
   std::function<void(const HostPage&)> onUserEvent;  // after what the user did to it
 };
@@ -100,6 +109,21 @@ class HostPage final : public Page, public std::enable_shared_from_this<HostPage
   const std::shared_ptr<IPageControl>& control() const { return control_; }
   const std::shared_ptr<HostPageBase>& base() const { return base_; }
 
+  // The calculations of the page's table, as the calculators hear of them.
+  const TableRun& tableRun() const { return tableRun_; }
+  void noteRun(double maxBinWidth, double yThreshold) {
+    tableRun_ = {maxBinWidth, yThreshold, tableRun_.count + 1};
+  }
+  // A procedure left the table half made and it could not be made anew. The page's object holds what the
+  // table had before; nothing more is done with the page but to end it.
+  bool isHalfMade() const { return isHalfMade_; }
+  void markHalfMade() { isHalfMade_ = true; }
+  // Stands where the former stood.
+  void follow(const HostPage& former) {
+    viewIndex_ = former.viewIndex_;
+    isShown_ = former.isShown_;
+  }
+
   // Makes this the page of a control and its helper; without arguments it is the page of none again.
   void hold(std::shared_ptr<IPageControl> control = nullptr, std::shared_ptr<HostPageBase> base = nullptr);
 
@@ -112,6 +136,8 @@ class HostPage final : public Page, public std::enable_shared_from_this<HostPage
   OwnerLink owner_;
   std::int16_t viewIndex_ = 0;
   bool isShown_ = false;
+  bool isHalfMade_ = false;
+  TableRun tableRun_;
   std::shared_ptr<IPageControl> control_;
   std::shared_ptr<HostPageBase> base_;
 };

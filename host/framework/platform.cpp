@@ -91,11 +91,21 @@ bool HostPlatform::ShowSave(ui::SaveDialog& dialog) {
 
 void HostPlatform::RunModal(ui::Form& form) {
   faults_.check("Platform", "RunModal");
+  if (beforeForm) beforeForm();
+  bool accepted = false;
+  Connection choice;
+  for (ui::Control* control : form.Controls().all()) {
+    auto* const button = dynamic_cast<ui::CommandButton*>(control);
+    if (button == nullptr) continue;
+    choice = button->Click.connect([&] { accepted = true; });
+    break;
+  }
   if (!formAnswers.empty()) {
     takeFirst(formAnswers)(form);
   } else if (onRunModal) {
     onRunModal(form);
   }
+  if (afterForm) afterForm(accepted);
 }
 
 void HostPlatform::ShowPopup(ui::MenuItem& menu, ui::MenuItem* defaultItem) {

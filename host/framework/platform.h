@@ -56,6 +56,10 @@ class HostPlatform final : public ui::Platform {
   std::string JoinPath(const std::string& folder, const std::string& relative) override;
   char DecimalSeparator() const override { return decimalSeparator_; }
 
+  // A modal form is about to show, and was left: by its first button or in another way.
+  std::function<void()> beforeForm;
+  std::function<void(bool accepted)> afterForm;
+
   // The pointer as it is when nothing runs: what failed leaves its hourglass behind.
   void resetPointer();
 

@@ -20,7 +20,7 @@ bool isDeleted(const ObjectRef& item) {
 
 bool storePages(HostPageManager& pages, const ObjectRef& item) {
   for (const auto& page : pages.openPages()) {
-    if (page->bound() != item || !page->base()) continue;
+    if (page->bound() != item || !page->base() || page->isHalfMade()) continue;
     if (!pages.validate(*page)) return false;
     page->base()->Save.raise();
   }

@@ -1,5 +1,6 @@
 // How the host saves: it asks the service what is unsaved, lets the user choose, and for each chosen item has
-// its open page validated and stored into it before the service saves it.
+// its open page validated and stored into it before the service saves it. A page whose table is half made is
+// not asked: it would take the decisions of the lines that it lacks away, and its item holds them still.
 #pragma once
 
 #include <functional>

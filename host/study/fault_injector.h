@@ -29,6 +29,20 @@ class FaultInjector final : public AccessGuard {
   bool hasFailed() const { return hasFailed_; }
   void disarm();
 
+  // While it lives nothing fails and nothing is counted: for what the host does on its own account.
+  class Pause {
+   public:
+    explicit Pause(FaultInjector& faults)
+        : faults_(faults), wasActive_(std::exchange(faults.isActive_, false)) {}
+    Pause(const Pause&) = delete;
+    Pause& operator=(const Pause&) = delete;
+    ~Pause() { faults_.isActive_ = wasActive_; }
+
+   private:
+    FaultInjector& faults_;
+    bool wasActive_;
+  };
+
   // From now on counts the uses of every operation.
   void startRecording();
   const std::map<Operation, int>& recorded() const { return recorded_; }
