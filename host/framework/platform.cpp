@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <fmt/format.h>
 #include <utility>
 
 #include "plugin/base/text.h"
@@ -82,11 +83,25 @@ bool HostPlatform::ShowSave(ui::SaveDialog& dialog) {
     answer = takeFirst(saveAnswers);
   } else if (onShowSave) {
     answer = onShowSave(dialog);
+    for (std::string why; answer && !(why = whyRefused(answer->fileName)).empty();) {
+      tellRefused(answer->fileName, why);
+      answer = onShowSave(dialog);
+    }
   }
   if (!answer) return false;
   dialog.FileName = answer->fileName;
   dialog.FilterIndex = answer->filterIndex;
   return true;
+}
+
+std::string HostPlatform::whyRefused(const std::string& fileName) const {
+  std::string why = whyNotInto ? whyNotInto(fileName) : std::string();
+  return why.empty() ? whyNotWritable(fileName) : why;
+}
+
+void HostPlatform::tellRefused(const std::string& fileName, const std::string& why) {
+  messages_.push_back({fmt::format("{} cannot be written: {}", fileName, why), ui::kInformation, "Save"});
+  if (onMsgBox) onMsgBox(messages_.back());
 }
 
 void HostPlatform::RunModal(ui::Form& form) {

@@ -71,7 +71,10 @@ class HostPlatform final : public ui::Platform {
 
   // Who answers when no answer waits.
   std::function<ui::BoxAnswer(const MessageShown&)> onMsgBox;
+  // Asked again, after a message, until the file that it names can be written.
   std::function<std::optional<SaveAnswer>(ui::SaveDialog&)> onShowSave;
+  // Why a file must not be written, although it could be; absent: none is refused.
+  std::function<std::string(const std::string& fileName)> whyNotInto;
   std::function<void(ui::Form&)> onRunModal;
   std::function<void(ui::MenuItem& menu, ui::MenuItem* defaultItem)> onShowPopup;
   // Who is told.
@@ -87,6 +90,9 @@ class HostPlatform final : public ui::Platform {
   const std::string& focus() const { return focus_; }
 
  private:
+  std::string whyRefused(const std::string& fileName) const;
+  void tellRefused(const std::string& fileName, const std::string& why);
+
   FaultInjector& faults_;
   DiskTextFiles files_;
   char decimalSeparator_;

@@ -2,9 +2,13 @@
 
 #include <cerrno>
 #include <cstring>
+#include <exception>
 #include <fcntl.h>
+#include <filesystem>
 #include <fmt/format.h>
+#include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 
 namespace banddesk::host {
 namespace {
@@ -32,10 +36,52 @@ ErrorNumber numberOf(int cause) {
   raise(numberOf(cause), "File", fmt::format("Cannot {} {}: {}.", action, fileName, std::strerror(cause)));
 }
 
+// What a link leads to is replaced, never the link.
+std::string placeOf(const std::string& fileName) {
+  std::error_code trouble;
+  const auto real = std::filesystem::canonical(fileName, trouble);
+  return trouble ? fileName : real.string();
+}
+
+// The cause, or 0.
+int causeOfRefusal(const std::string& place) {
+  const int descriptor = ::open(place.c_str(), O_WRONLY | O_CLOEXEC | O_NONBLOCK);
+  if (descriptor >= 0) return ::close(descriptor), 0;
+  if (errno != ENOENT) return errno == ENXIO ? 0 : errno;  // a pipe that nobody reads yet
+  const auto folder = std::filesystem::path(place).parent_path();
+  return ::faccessat(AT_FDCWD, folder.empty() ? "." : folder.c_str(), W_OK | X_OK, AT_EACCESS) == 0 ? 0
+                                                                                                    : errno;
+}
+
+// A new file beside the place, with the rights of the one that stands there; -1 where there can be none.
+int openBeside(const std::string& place, const struct stat* before, std::int32_t number, std::string& part) {
+  const auto folder = std::filesystem::path(place).parent_path();
+  part = (folder / fmt::format(".banddesk-{}-{}.part", ::getpid(), number)).string();
+  ::unlink(part.c_str());
+  const int descriptor = ::open(part.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+  if (descriptor >= 0 && before != nullptr) {
+    ::fchmod(descriptor, before->st_mode & 07777);
+    [[maybe_unused]] const int owner = ::fchown(descriptor, before->st_uid, before->st_gid);
+  }
+  return descriptor;
+}
+
 }  // namespace
 
+std::string whyNotWritable(const std::string& fileName) {
+  const int cause = causeOfRefusal(placeOf(fileName));
+  return cause == 0 ? std::string() : std::strerror(cause);
+}
+
 DiskTextFiles::~DiskTextFiles() {
-  for (const auto& [number, file] : files_) ::close(file.descriptor);
+  while (!files_.empty()) giveUp(files_.begin()->first);
+}
+
+void DiskTextFiles::giveUp(std::int32_t number) {
+  const auto file = files_.find(number);
+  ::close(file->second.descriptor);
+  if (!file->second.part.empty()) ::unlink(file->second.part.c_str());
+  files_.erase(file);
 }
 
 std::int32_t DiskTextFiles::FreeFile() {
@@ -50,9 +96,18 @@ void DiskTextFiles::OpenForOutput(const std::string& fileName, std::int32_t numb
   if (files_.contains(number)) {
     raise(ErrorNumber::InvalidArgument, "File", fmt::format("The file number {} is in use.", number));
   }
-  const int descriptor = ::open(fileName.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
-  if (descriptor < 0) raiseCause("open", fileName, errno);
-  files_.emplace(number, File{fileName, descriptor, {}});
+  File file{fileName, {}, placeOf(fileName), -1, {}};
+  if (const int cause = causeOfRefusal(file.place); cause != 0) raiseCause("open", fileName, cause);
+  struct stat before {};
+  const bool exists = ::stat(file.place.c_str(), &before) == 0;
+  if (!exists || S_ISREG(before.st_mode))
+    file.descriptor = openBeside(file.place, exists ? &before : nullptr, number, file.part);
+  if (file.descriptor < 0) {
+    file.part.clear();
+    file.descriptor = ::open(file.place.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+  }
+  if (file.descriptor < 0) raiseCause("open", fileName, errno);
+  files_.emplace(number, std::move(file));
 }
 
 void DiskTextFiles::Print(std::int32_t number, std::string_view line) {
@@ -67,13 +122,12 @@ void DiskTextFiles::Print(std::int32_t number, std::string_view line) {
 void DiskTextFiles::Close(std::int32_t number) {
   faults_.check("TextFiles", "Close");
   File& file = at(number);
+  if (std::current_exception() != nullptr && !file.part.empty()) return giveUp(number);
   try {
     flush(file);
+    takePlace(file);
   } catch (const Error& error) {
-    if (error.number() != ErrorNumber::PermissionDenied) {
-      ::close(file.descriptor);
-      files_.erase(number);
-    }
+    if (error.number() != ErrorNumber::PermissionDenied) giveUp(number);
     throw;
   }
   const std::string name = file.name;
@@ -81,6 +135,14 @@ void DiskTextFiles::Close(std::int32_t number) {
   const int cause = errno;
   files_.erase(number);
   if (status != 0) raiseCause("close", name, cause);
+}
+
+// Its content is on the disk before its name is.
+void DiskTextFiles::takePlace(File& file) {
+  if (file.part.empty()) return;
+  if (::fsync(file.descriptor) != 0) raiseCause("write", file.name, errno);
+  if (::rename(file.part.c_str(), file.place.c_str()) != 0) raiseCause("write", file.name, errno);
+  file.part.clear();
 }
 
 DiskTextFiles::File& DiskTextFiles::at(std::int32_t number) {

@@ -95,6 +95,62 @@ TEST_F(TextFile, LosesAndDoublesNothingWhenAWriteIsRepeated) {
   EXPECT_EQ(test::fileText(name), expected);
 }
 
+// The file is opened, written and closed as the page does it.
+TEST_F(TextFile, TakesItsPlaceOnlyWhenItIsWhole) {
+  const std::string name = path("a.csv"), link = path("link.csv");
+  std::ofstream(name) << "former";
+  fs::permissions(name, fs::perms{0640});
+  fs::create_symlink(name, link);
+  const auto names = [&] {
+    return std::distance(fs::directory_iterator(fs::path(name).parent_path()), fs::directory_iterator{});
+  };
+  const auto write = [&](DiskTextFiles& files, bool fails) {
+    files.OpenForOutput(link, 1);
+    files.Print(1, "new");
+    EXPECT_EQ(test::fileText(name), "former");
+    if (!fails) return files.Close(1);
+    try {
+      raise(ErrorNumber::Internal, "Test", "The table ends here.");
+    } catch (const Error&) {
+      files.Close(1);
+    }
+  };
+  DiskTextFiles files(faults_, "UTF-8");
+  write(files, true);
+  EXPECT_EQ(files.FreeFile(), 1) << "given up";
+  {
+    DiskTextFiles leftOpen(faults_, "UTF-8");
+    leftOpen.OpenForOutput(name, 1);
+    leftOpen.Print(1, "new");
+  }
+  EXPECT_EQ(test::fileText(name), "former");
+  EXPECT_EQ(names(), 2) << "nothing is left beside it";
+  write(files, false);
+  EXPECT_EQ(test::fileText(name), "new\r\n");
+  EXPECT_EQ(fs::status(name).permissions(), fs::perms{0640});
+  EXPECT_TRUE(fs::is_symlink(link));
+  EXPECT_EQ(names(), 2);
+}
+
+TEST(Platform, AsksAgainUntilTheFileCanBeWritten) {
+  FaultInjector faults;
+  HostPlatform platform(faults, "UTF-8", '.');
+  const auto folder = fs::temp_directory_path();
+  std::deque<std::string> files = {"/proc/none/a.csv", folder.string(), "study", (folder / "a.csv").string()};
+  platform.whyNotInto = [](const std::string& file) { return file == "study" ? "it is open" : ""; };
+  platform.onShowSave = [&](ui::SaveDialog&) {
+    const SaveAnswer answer{files.front(), 2};
+    files.pop_front();
+    return std::optional(answer);
+  };
+  ui::SaveDialog dialog("dialog");
+  EXPECT_TRUE(platform.ShowSave(dialog));
+  EXPECT_EQ(dialog.FileName.get(), (folder / "a.csv").string());
+  ASSERT_EQ(platform.messages().size(), 3U);
+  EXPECT_THAT(platform.messages()[1].text, testing::HasSubstr("Is a directory"));
+  EXPECT_THAT(platform.messages()[2].text, testing::HasSubstr("it is open"));
+}
+
 TEST(Platform, JoinsPathsOfEitherSlash) {
   FaultInjector faults;
   HostPlatform platform(faults, "UTF-8", '.');
