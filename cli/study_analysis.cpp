@@ -6,6 +6,7 @@
 #include <fstream>
 #include <ostream>
 #include <string_view>
+#include <vector>
 
 #include "cli/output_file.h"
 #include "cli/progress_line.h"
@@ -20,12 +21,27 @@ namespace {
 
 using host::SqliteStore;
 
-// Null if there is none.
+constexpr std::size_t kLongestName = 50;  // characters, as the pages have it
+
+void checkName(const std::string& name) {
+  if (name.find_first_not_of(" \t") == std::string::npos)
+    raise(ErrorNumber::InvalidArgument, "Study", "--name: a name cannot be empty");
+  if (const std::size_t length = characterCount(name); length > kLongestName)
+    raise(ErrorNumber::InvalidArgument, "Study",
+          fmt::format("--name: a name has at most {} characters, and this one has {}", kLongestName, length));
+}
+
+// Null if there is none; an error if there are several.
 std::shared_ptr<AFLP> find(const Session& session, const std::string& name) {
+  std::vector<std::shared_ptr<AFLP>> found;
   for (const auto& analysis : session.study().AFLPs) {
-    if (equalsIgnoringCase(analysis->Name.get(), name)) return analysis;
+    if (equalsIgnoringCase(analysis->Name.get(), name)) found.push_back(analysis);
   }
-  return nullptr;
+  if (found.size() > 1)
+    raise(ErrorNumber::InvalidArgument, "Study",
+          fmt::format("--name: the study has {} analyses named \"{}\": rename one of them in the window",
+                      found.size(), name));
+  return found.empty() ? nullptr : found.front();
 }
 
 // Without a name it is the only one.
@@ -76,6 +92,7 @@ bool isStudyFile(const std::filesystem::path& file) {
 
 void runStudyAnalysis(const AnalyzeArguments& arguments) {
   checkStudy(arguments);
+  if (arguments.name) checkName(*arguments.name);
   const auto started = std::chrono::steady_clock::now();
   ProgressLine bar;
   bar.begin("Analysing");

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "host/framework/services.h"
+#include "plugin/base/text.h"
 
 namespace banddesk::host {
 
@@ -98,9 +99,22 @@ void HostExplorerTree::takeEdit(const std::shared_ptr<IExplorerItemAccess>& item
 
 void HostExplorerTree::endRename(const std::shared_ptr<IExplorerItemAccess>& item, const std::string& text) {
   takeEdit(item);
+  changed();
+  requireFreeName(find(item), text);
   const auto base = find(item)->base;
   base->OnAfterRename.raise(text);
   changed();
+}
+
+void HostExplorerTree::requireFreeName(const std::vector<Node>::iterator& node,
+                                       const std::string& text) const {
+  if (text.find_first_not_of(" \t") == std::string::npos)
+    raise(ErrorNumber::InvalidArgument, "ExplorerTree", "A name cannot be empty.");
+  for (const Node& other : children_) {
+    if (other.item != node->item && equalsIgnoringCase(other.base->displayName(), text))
+      raise(ErrorNumber::InvalidArgument, "ExplorerTree",
+            fmt::format("Another analysis is named \"{}\".", other.base->displayName()));
+  }
 }
 
 void HostExplorerTree::cancelRename(const std::shared_ptr<IExplorerItemAccess>& item) {

@@ -59,7 +59,9 @@ class HostExplorerTree final : public ExplorerTree {
   void RemoveItem(const std::shared_ptr<IExplorerItemAccess>& item) override;
   void BeginRename(const std::shared_ptr<IExplorerItemAccess>& item) override;
 
-  // The user ends the edit in place, with a new text or by giving it up. Error 5 if none is under way.
+  // The user ends the edit in place, with a new text or by giving it up. Error 5 if none is under way, and
+  // for a name that is empty or another item's: two of one name could not be told apart in a save. The label
+  // is then as before; what else a name may be, the item judges.
   void endRename(const std::shared_ptr<IExplorerItemAccess>& item, const std::string& text);
   void cancelRename(const std::shared_ptr<IExplorerItemAccess>& item);
 
@@ -71,6 +73,7 @@ class HostExplorerTree final : public ExplorerTree {
  private:
   Node makeNode(const std::shared_ptr<IExplorerItemAccess>& item);
   std::vector<Node>::iterator find(const std::shared_ptr<IExplorerItemAccess>& item);
+  void requireFreeName(const std::vector<Node>::iterator& node, const std::string& text) const;
   void takeEdit(const std::shared_ptr<IExplorerItemAccess>& item);
   void changed() const;
 

@@ -1,6 +1,7 @@
 #include "host/framework/host.h"
 
 #include <fmt/format.h>
+#include <set>
 #include <utility>
 
 #include "host/binning/default_calculator.h"
@@ -22,6 +23,9 @@ Host::Host(HostSettings settings)
       studyService_(faults_, objects_),
       explorer_(faults_, registry_.itemDefinition()),
       pages_(faults_, platform_) {
+  platform_.whyNotInto = [this](const std::string& file) {
+    return studyService_.liesIn(file) ? std::string("it is the open study") : std::string();
+  };
   hooks_.open = [this](const std::shared_ptr<AFLP>& analysis, bool show) {
     return openAnalysis(analysis, show);
   };
@@ -85,9 +89,32 @@ void Host::closeStudy() {
   failure.raise();
 }
 
-std::vector<std::string> Host::unsaved() const { return unsavedItems(serviceBase()); }
+std::vector<std::string> Host::unsaved() {
+  requireNamesApart();
+  return unsavedItems(serviceBase());
+}
 
-SaveOutcome Host::save(const SaveChoice& choose) { return saveStudy(serviceBase(), pages_, choose); }
+SaveOutcome Host::save(const SaveChoice& choose) {
+  requireNamesApart();
+  return saveStudy(serviceBase(), pages_, choose);
+}
+
+void Host::requireNamesApart() {
+  if (!studyService_.isOpen()) return;
+  const FaultInjector::Pause pause(faults_);
+  Study& study = *studyService_.Study();
+  if (const auto equal = namesakes(study); !equal.empty())
+    raise(ErrorNumber::DuplicateKey, "Host",
+          fmt::format("Two analyses are named \"{}\" and cannot be told apart in a save: rename one of them.",
+                      equal.front()->Name.get()));
+  // What is to leave the file needs its name no more.
+  std::set<std::string> taken;
+  for (const auto& analysis : study.AFLPs.DeletedItems()) {
+    const std::string name = analysis->Name;
+    for (int number = 2; !taken.insert(analysis->Name).second; ++number)
+      analysis->Name = fmt::format("{} ({})", name, number);
+  }
+}
 
 void Host::runNewAnalysis() const {
   if (serviceBase().Commands.Item(kNewAnalysisCommand)->Enabled) service().NewAFLP();

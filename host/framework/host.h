@@ -53,7 +53,8 @@ class Host final : public HostServices, private Application {
   void openStudy(std::shared_ptr<Store> store);  // closes the one that is open
   // Ends all pages first, cancelled; what is unsaved is lost. The study is closed even if something fails.
   void closeStudy();
-  std::vector<std::string> unsaved() const;
+  // Both raise error 457 where two analyses that are to be saved have one name; namesakes() gives them.
+  std::vector<std::string> unsaved();
   SaveOutcome save(const SaveChoice& choose = {});
 
   // ---- what the user does
@@ -102,6 +103,7 @@ class Host final : public HostServices, private Application {
   banddesk::Explorer& Explorer() override;
   banddesk::Progress& Progress() override;
 
+  void requireNamesApart();
   std::string makeReport(const std::shared_ptr<AFLP>& analysis);
   ObjectRef openAnalysis(const std::shared_ptr<AFLP>& analysis, bool show);
 

@@ -1,6 +1,8 @@
 #include "host/framework/save_flow.h"
 
 #include <algorithm>
+#include <map>
+#include <utility>
 
 namespace banddesk::host {
 namespace {
@@ -28,6 +30,19 @@ bool storePages(HostPageManager& pages, const ObjectRef& item) {
 }
 
 }  // namespace
+
+std::vector<std::shared_ptr<AFLP>> namesakes(Study& study) {
+  std::map<std::pair<bool, std::string>, std::vector<std::shared_ptr<AFLP>>> named;
+  for (const auto& analysis : study.AFLPs) {
+    const PersistentState& state = analysis->persistentState();
+    if (state.IsNew || state.IsDirty) named[{state.IsNew, analysis->Name.get()}].push_back(analysis);
+  }
+  std::vector<std::shared_ptr<AFLP>> equal;
+  for (const auto& [name, analyses] : named) {
+    if (analyses.size() > 1) equal.insert(equal.end(), analyses.begin(), analyses.end());
+  }
+  return equal;
+}
 
 std::vector<std::string> unsavedItems(ServiceBase& service) {
   Dictionary<ObjectRef> items;

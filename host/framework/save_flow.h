@@ -20,6 +20,10 @@ struct SaveOutcome {
   std::vector<std::string> refused;  // their page is not valid; they stay unsaved
 };
 
+// Analyses that are to be saved and that a save cannot tell apart, since it goes by what happened to them and
+// by their names. Files of earlier times may hold such.
+std::vector<std::shared_ptr<AFLP>> namesakes(Study& study);
+
 std::vector<std::string> unsavedItems(ServiceBase& service);
 
 // Without a choice everything is saved. An error of one item ends the save and goes to the caller.

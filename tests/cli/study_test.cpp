@@ -198,6 +198,9 @@ TEST(StudyFiles, SayInOneLineWhatIsWrongAndStayAsTheyWere) {
       {{"analyze", study, "--ladder", "R"}, "when files are imported"},
       {{"analyze", in("t.txt"), "--name", "One"}, "only a study file"},
       {{"analyze", study, "--name", "Two", "--max-bin-width", "x"}, "--max-bin-width: \"x\""},
+      {{"analyze", study, "--name", " "}, "--name: a name cannot be empty"},
+      {{"analyze", study, "--name", std::string(51, 'x')}, "at most 50 characters"},
+      {{"import", study, study}, "it is the open study"},
       {{"analyze", study, "--name", "One", "--max-bin-width", "2"}, "decided by hand"},
   };
   for (const auto& [arguments, message] : cases) {

@@ -163,6 +163,48 @@ TEST(Tree, TakesOneNewNameForEachBeginningAndNoItemTwice) {
   EXPECT_THAT(tree.children(), IsEmpty());
 }
 
+// What the item itself does with such names is its own: they would be stored.
+TEST(Tree, RefusesANameThatASaveCouldNotTellApart) {
+  Desk desk;
+  desk.newAnalysis();
+  desk.newAnalysis();
+  auto& tree = desk.host.tree();
+  const auto item = tree.children().at(1).item;
+  const auto rename = [&](const std::string& text) {
+    tree.BeginRename(item);
+    tree.endRename(item, text);
+  };
+  for (const char* const text : {"", "  ", "New AFLP 1", "new aflp 1"}) {
+    EXPECT_THROW(rename(text), Error) << text;
+    EXPECT_EQ(tree.children()[1].base->displayName(), "New AFLP 2");
+    EXPECT_FALSE(tree.children()[1].edited);
+  }
+  rename("NEW aflp 2");
+  EXPECT_EQ(tree.children()[1].base->displayName(), "NEW aflp 2");
+  rename(std::string(51, 'x'));
+  EXPECT_EQ(desk.host.platform().messages().size(), 1U);
+}
+
+TEST(SaveFlow, NamesTheAnalysesThatItCannotTellApart) {
+  Desk desk;
+  desk.newAnalysis();
+  desk.newAnalysis();
+  auto& analyses = desk.host.study().Study()->AFLPs;
+  const auto second = analyses.Item(2);
+  second->Name = "New AFLP 1";
+  EXPECT_THROW(desk.host.save(), Error);
+  EXPECT_EQ(namesakes(*desk.host.study().Study()), (std::vector{analyses.Item(1), second}));
+  second->Name = "Other";
+  EXPECT_EQ(desk.host.save().saved.size(), 2U);
+  desk.host.pages().endAll();
+  for (const auto& analysis : {analyses.Item(1), second}) {
+    analysis->Name = "Gone";
+    desk.host.service().DeleteAFLP(analysis);
+  }
+  EXPECT_EQ(desk.host.save().saved.size(), 2U);
+  EXPECT_THAT(desk.store->analysisIds(), IsEmpty());
+}
+
 TEST(SaveFlow, StoresThePageOfEachChosenItemBeforeItIsSaved) {
   Desk desk;
   desk.newAnalysis();
