@@ -49,8 +49,7 @@ void printResults(SqliteStore& store) {
 
 std::int32_t resultNamed(const banddesk::Study& study, const std::string& name) {
   for (const auto& result : study.Results) {
-    if (!result->IsDeleted.get().value_or(false) && result->Sample->Name.get() == name)
-      return result->ResultID;
+    if (result->Sample->Name.get() == name) return result->ResultID;
   }
   raise(ErrorNumber::InvalidArgument, "Results", fmt::format("The study has no sample named \"{}\".", name));
 }

@@ -23,11 +23,7 @@ Workbench::Workbench(const host::GridPorts& ports)
 
 std::string Workbench::studyName() { return isOpen() ? study()->Name.get() : std::string(); }
 
-std::int32_t Workbench::resultCount() {
-  std::int32_t count = 0;
-  for (const auto& result : study()->Results) count += result->IsDeleted.get().value_or(false) ? 0 : 1;
-  return count;
-}
+std::int32_t Workbench::resultCount() { return study()->Results.Count(); }
 
 bool Workbench::isModified() {
   if (!isOpen()) return false;
@@ -68,6 +64,14 @@ void Workbench::close() {
     throw;
   }
   changed();
+}
+
+host::SaveOutcome Workbench::saveAs(const std::filesystem::path& path) {
+  const std::filesystem::path whole = std::filesystem::absolute(path);
+  host_.study().saveAs(whole.string());
+  path_ = whole;
+  changed();
+  return host_.save();
 }
 
 host::ImportOutcome Workbench::import(const host::ImportRequest& request,

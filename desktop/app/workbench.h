@@ -35,6 +35,10 @@ class Workbench {
   void create(const std::filesystem::path& path);
   void open(const std::filesystem::path& path);
   void close();
+  // Goes on in a new file, in which all is saved, pages included; the former stays as it was saved last.
+  host::SaveOutcome saveAs(const std::filesystem::path& path);
+  // Why the open study cannot be changed; empty where it can, and without one.
+  std::string whyReadOnly() { return host_.study().whyReadOnly(); }
   host::ImportOutcome import(const host::ImportRequest& request, const host::import::Progress& progress);
 
   std::function<void()> onChange;  // another study, or other results in it

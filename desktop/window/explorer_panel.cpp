@@ -88,7 +88,6 @@ void ExplorerPanel::refreshStudy() {
 void ExplorerPanel::fillResults() {
   QList<QTreeWidgetItem*> items;
   for (const auto& result : workbench_.study()->Results) {
-    if (result->IsDeleted.get().value_or(false)) continue;
     const bool isExcluded = result->IsExcluded.get().value_or(false);
     auto* item = new QTreeWidgetItem({toQString(result->Sample->Name.get())});
     item->setData(0, kResultRole, result->ResultID.get());

@@ -48,6 +48,9 @@ MainWindow::MainWindow(Workbench& workbench)
   statusBar()->addPermanentWidget(summary_);
   statusBar()->addPermanentWidget(progress_);
   commands_.tell = [this](const QString& line) { statusBar()->showMessage(line, kMessageTime); };
+  commands_.rename = [this](const auto& analysis) {
+    guard_.run([&] { workbench_.host().service().RenameAFLP(analysis); });
+  };
   workbench_.onChange = [this] { studyChanged(); };
   connectHost();
   connectExplorer();
@@ -78,6 +81,7 @@ MainWindow::~MainWindow() {
   host.reports().onReport = nullptr;
   host.tree().onChange = nullptr;
   host.study().decideStale = nullptr;
+  host.study().options().onChange = nullptr;
   host.pages().selectColumns = nullptr;
   host.pages().sortColumns = nullptr;
   // Before the registry, in which they are.
@@ -342,7 +346,10 @@ void MainWindow::updateState() {
   closePage_->setEnabled(page != nullptr);
   tableMenu_->setEnabled(hasTable);
   updateAnalysisCommands();
-  setWindowTitle(isOpen ? toQString(workbench_.studyName()) + QStringLiteral("[*] - Banddesk")
+  const bool isReadOnly = !workbench_.whyReadOnly().empty();
+  setWindowTitle(isOpen ? toQString(workbench_.studyName()) + QStringLiteral("[*]") +
+                              (isReadOnly ? QStringLiteral(" (read-only)") : QString()) +
+                              QStringLiteral(" - Banddesk")
                         : QStringLiteral("Banddesk"));
   setWindowModified(isModified);
   summary_->setText(isOpen ? counted(workbench_.resultCount(), "result", "results") + QStringLiteral(", ") +

@@ -46,6 +46,7 @@ class MainWindow final : public QMainWindow {
   void makeDocks();
   void makeFileMenu();
   void makeAnalysisMenu();
+  void makeWarningOption(QMenu& menu);
   void makeTableMenu();
   void makeViewMenu();
   void makeHelpMenu();

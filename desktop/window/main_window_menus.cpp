@@ -7,6 +7,7 @@
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QSettings>
 #include <QStatusBar>
 #include <QStyle>
 #include <QToolBar>
@@ -18,6 +19,11 @@
 #include "desktop/window/main_window.h"
 
 namespace banddesk::desktop {
+namespace {
+
+QString warningKey() { return QStringLiteral("warnBeforeDecisionsAreLost"); }
+
+}  // namespace
 
 void MainWindow::makeDocks() {
   explorer_ = new ExplorerPanel(workbench_, this);
@@ -92,6 +98,8 @@ void MainWindow::makeFileMenu() {
   saveAction_ =
       icon(addCommand(menu, QStringLiteral("&Save..."), QKeySequence::Save, [this] { commands_.save(); }),
            QStyle::SP_DialogSaveButton);
+  needStudy_.push_back(
+      addCommand(menu, QStringLiteral("Save &As..."), QKeySequence::SaveAs, [this] { commands_.saveAs(); }));
   needStudy_.push_back(addCommand(menu, QStringLiteral("&Close Study"),
                                   QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_W),
                                   [this] { commands_.close(); }));
@@ -119,12 +127,29 @@ void MainWindow::makeAnalysisMenu() {
   renameAnalysis_ = addCommand(menu, QStringLiteral("&Rename"), {}, onChosen("RenameAFLP"));
   deleteAnalysis_ = addCommand(menu, QStringLiteral("&Delete..."), {}, onChosen("DeleteAFLP"));
   menu.addSeparator();
+  makeWarningOption(menu);
+  menu.addSeparator();
   closePage_ = addCommand(menu, QStringLiteral("&Close Page"), QKeySequence(Qt::CTRL | Qt::Key_W),
                           [this] { closePage(pages_->currentPage()); });
   connect(&menu, &QMenu::aboutToShow, this, [this] { updateAnalysisCommands(); });
   connect(explorer_, &QTreeWidget::currentItemChanged, this, [this] { updateAnalysisCommands(); });
   connect(qApp, &QApplication::focusChanged, this,
           [this](QWidget*, const QWidget* now) { followFocus(now); });
+}
+
+// The page's warning offers to show itself no more; here it comes back. It is the user's choice for all
+// studies.
+void MainWindow::makeWarningOption(QMenu& menu) {
+  host::HostOptions& options = workbench_.host().study().options();
+  options.load(QSettings().value(warningKey(), true).toBool());
+  options.onChange = [](const host::HostOptions& changed) {
+    QSettings().setValue(warningKey(), changed.ShowInclusionWarning());
+  };
+  QAction* warns = menu.addAction(QStringLiteral("&Warn before Decisions Are Lost"));
+  warns->setCheckable(true);
+  connect(warns, &QAction::triggered, this, [&options](bool on) { options.SetShowInclusionWarning(on); });
+  connect(&menu, &QMenu::aboutToShow, warns,
+          [warns, &options] { warns->setChecked(options.ShowInclusionWarning()); });
 }
 
 void MainWindow::makeTableMenu() {

@@ -4,6 +4,7 @@
 #include <QFileInfo>
 #include <QMessageBox>
 #include <QSettings>
+#include <algorithm>
 
 #include "desktop/base/qt_text.h"
 #include "desktop/dialogs/file_dialog.h"
@@ -107,29 +108,74 @@ bool StudyCommands::close() {
 
 bool StudyCommands::saveAsked(SaveOccasion occasion) {
   if (!workbench_.isOpen()) return true;
-  bool mayGo = true;
-  host::SaveOutcome outcome;
-  const bool done = guard_.run([&] {
-    if (workbench_.host().unsaved().empty()) return tell(QStringLiteral("Nothing waits to be saved."));
-    outcome = workbench_.host().save([&](const std::vector<std::string>& descriptions) {
-      const auto chosen = askWhatToSave(descriptions, occasion, &window_);
-      mayGo = chosen.has_value();
-      return chosen.value_or(std::vector<std::string>());
-    });
-  });
-  if (!done) return false;
-  if (!outcome.refused.empty()) {
-    QString names;
-    for (const std::string& name : outcome.refused) names += QLatin1Char('\n') + toQString(name);
-    for (const auto& page : workbench_.host().pages().openPages()) {
-      const QString values = page->control() ? invalidValues(*page->control()) : QString();
-      if (!values.isEmpty()) names += QLatin1Char('\n') + values;
+  Chosen chosen;
+  while (true) {
+    try {
+      return saveChosen(occasion, chosen);
+    } catch (const Error& failure) {
+      switch (askWhatNow(failure, occasion)) {
+        case AfterFailedSave::Retry:
+          continue;
+        case AfterFailedSave::SaveAs:
+          return saveAs();
+        case AfterFailedSave::Rename:
+          renameNamesake();
+          return false;
+        case AfterFailedSave::DontSave:
+          return true;
+        case AfterFailedSave::Stay:
+          return false;
+      }
     }
-    guard_.tell(QStringLiteral("Not saved, because a value on the page is not valid:") + names);
-    return false;
   }
+}
+
+bool StudyCommands::saveChosen(SaveOccasion occasion, Chosen& chosen) {
+  host::Host& host = workbench_.host();
+  const auto unsaved = host.unsaved();
+  if (unsaved.empty()) return tell(QStringLiteral("Nothing waits to be saved.")), true;
+  if (!chosen) chosen = askWhatToSave(unsaved, occasion, &window_);
+  if (!chosen) return false;
+  // Of a save that failed some may be saved.
+  std::erase_if(*chosen, [&](const auto& each) { return std::ranges::find(unsaved, each) == unsaved.end(); });
+  return tellOutcome(host.save([&](const auto&) { return *chosen; }));
+}
+
+bool StudyCommands::tellOutcome(const host::SaveOutcome& outcome) {
   if (!outcome.saved.empty()) tell(QStringLiteral("Saved %1.").arg(outcome.saved.size()));
-  return mayGo;
+  if (outcome.refused.empty()) return true;
+  QString names;
+  for (const std::string& name : outcome.refused) names += QLatin1Char('\n') + toQString(name);
+  for (const auto& page : workbench_.host().pages().openPages()) {
+    const QString values = page->control() ? invalidValues(*page->control()) : QString();
+    if (!values.isEmpty()) names += QLatin1Char('\n') + values;
+  }
+  guard_.tell(QStringLiteral("Not saved, because a value on the page is not valid:") + names);
+  return false;
+}
+
+AfterFailedSave StudyCommands::askWhatNow(const Error& failure, SaveOccasion occasion) {
+  const bool isOfNames = !host::namesakes(*workbench_.study()).empty();
+  return askAfterFailedSave(toQString(failure.description()), isOfNames, occasion, &window_);
+}
+
+void StudyCommands::renameNamesake() {
+  const auto equal = host::namesakes(*workbench_.study());
+  if (!equal.empty() && rename) rename(equal.back());
+}
+
+bool StudyCommands::saveAs() {
+  const QString former = toQString(workbench_.path().string());
+  const QString path = askSaveFile(&window_, QStringLiteral("Save Study As"), former, studyFilter());
+  if (path.isEmpty()) return false;
+  bool isWhole = false;
+  const bool done = guard_.run([&] {
+    isWhole = tellOutcome(workbench_.saveAs(toPath(path)));
+    QSettings().setValue(folderKey(), QFileInfo(path).absolutePath());
+    recent_.add(QFileInfo(path).absoluteFilePath());
+    if (isWhole) tell(QStringLiteral("The study lies in %1 now.").arg(QFileInfo(path).absoluteFilePath()));
+  });
+  return done && isWhole;
 }
 
 }  // namespace banddesk::desktop

@@ -4,11 +4,14 @@
 
 #include <QStringList>
 #include <functional>
+#include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "desktop/app/workbench.h"
 #include "desktop/dialogs/save_choice.h"
+#include "desktop/dialogs/save_failure.h"
 #include "desktop/window/guard.h"
 #include "desktop/window/progress_indicator.h"
 #include "desktop/window/recent_studies.h"
@@ -28,8 +31,11 @@ class StudyCommands {
   bool import(QStringList files = {});
   // Studies open, all else is imported.
   void openFiles(const QStringList& files);
-  // Shows the list of what is unsaved and saves what is chosen.
+  // Shows the list of what is unsaved and saves what is chosen. A save that fails is told with its reason and
+  // a way out.
   bool save();
+  // Asks for a new file, copies the study there and saves all that is unsaved in it; the study goes on there.
+  bool saveAs();
   // Asks about what is unsaved, if anything is; false if the user wants to stay.
   bool mayLeave();
   bool close();
@@ -37,11 +43,20 @@ class StudyCommands {
   const RecentStudies& recent() const { return recent_; }
   void forgetRecent() { recent_.clear(); }
 
-  std::function<void(const QString&)> tell;  // a line for the status bar
+  std::function<void(const QString&)> tell;                           // a line for the status bar
+  std::function<void(const std::shared_ptr<AFLP>& analysis)> rename;  // has the user rename it
 
  private:
+  // What the user has chosen to save, once he was asked.
+  using Chosen = std::optional<std::vector<std::string>>;
+
   bool create(const QString& suggestion);
   bool saveAsked(SaveOccasion occasion);
+  // Whether all is settled; false: the user stays. Raises the failure of a save.
+  bool saveChosen(SaveOccasion occasion, Chosen& chosen);
+  bool tellOutcome(const host::SaveOutcome& outcome);
+  AfterFailedSave askWhatNow(const Error& failure, SaveOccasion occasion);
+  void renameNamesake();
 
   Workbench& workbench_;
   const Guard& guard_;

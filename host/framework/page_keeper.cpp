@@ -1,5 +1,6 @@
 #include "host/framework/page_keeper.h"
 
+#include <algorithm>
 #include <exception>
 #include <fmt/format.h>
 #include <utility>

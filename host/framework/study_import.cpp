@@ -44,12 +44,9 @@ options.isKnown = [&](std::uint64_t size, std::uint64_t hash) { return known.con
 return import::readFiles(request.files, options, progress);
 }  // namespace
 
-// A deleted result's name is free again.
 std::unordered_set<std::string> namesIn(HostStudyService& study) {
   std::unordered_set<std::string> names;
-  for (const auto& result : study.Study()->Results) {
-    if (!result->IsDeleted.get().value_or(false)) names.insert(result->Sample->Name);
-  }
+  for (const auto& result : study.Study()->Results) names.insert(result->Sample->Name);
   return names;
 }
 

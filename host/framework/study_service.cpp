@@ -22,9 +22,7 @@ ResultRecord& resultIn(StudyRecord& record, std::int32_t resultId) {
 }  // namespace
 
 HostStudyService::HostStudyService(FaultInjector& faults, HostObjectManager& objects)
-    : faults_(faults), objects_(objects), options_(faults) {
-  options_.onChange = [this](const HostOptions&) { keepSettings(); };
-}
+    : faults_(faults), objects_(objects), options_(faults) {}
 
 std::shared_ptr<banddesk::Study> HostStudyService::Study() {
   faults_.check("StudyService", "Study");
@@ -74,7 +72,6 @@ void HostStudyService::open(std::shared_ptr<Store> store) {
     const StudyRecord stored = required(store_, "Store").readStudy();
     settings_ = stored.settings;
     fourthDye_ = stored.fourthDye;
-    options_.load(settings_.showInclusionWarning);
     study_ = makeStudy(stored, store_, faults_);
     objects_.attach(store_, study_);
   });
@@ -97,9 +94,9 @@ void HostStudyService::close() {
 void HostStudyService::drop() {
   objects_.detach();
   if (study_) {
-    for (const auto& result : study_->Results) {
+    visitResults(*study_, [](const std::shared_ptr<Result>& result) {
       if (auto* sample = dynamic_cast<HostSample*>(result->Sample.get())) sample->leaveStudy();
-    }
+    });
   }
   study_.reset();
   store_.reset();
@@ -112,15 +109,12 @@ StudyRecord HostStudyService::record() const {
   return record;
 }
 
-void HostStudyService::keepSettings() {
-  settings_.showInclusionWarning = options_.ShowInclusionWarning();
+void HostStudyService::setDisplayViewIndex(std::int16_t index) {
+  settings_.displayViewIndex = index;
   if (isOpen_ && whyReadOnly().empty()) store_->writeStudy(record());
 }
 
-void HostStudyService::setDisplayViewIndex(std::int16_t index) {
-  settings_.displayViewIndex = index;
-  keepSettings();
-}
+void HostStudyService::saveAs(const std::string& file) { required(store_, "Study").saveAs(file); }
 
 std::vector<ImportRecord> HostStudyService::imports() { return required(store_, "Study").readImports(); }
 
@@ -178,7 +172,10 @@ void HostStudyService::deleteResult(std::int32_t resultId) {
         resultIn(record, resultId).isDeleted = true;
         store_->writeStudy(record);
       },
-      [&](banddesk::Study& study) { study.Results.Item(integerText(resultId))->IsDeleted = true; });
+      [&](banddesk::Study& study) {
+        study.Results.Item(integerText(resultId))->IsDeleted = true;
+        study.Results.Remove(integerText(resultId));
+      });
 }
 
 void HostStudyService::changeDye(std::int32_t dye, const std::function<void(DyeRecord&)>& change) {

@@ -51,8 +51,12 @@ class HostStudyService final : public StudyService {
   // Whether the open study lies in this file, whatever name leads there.
   bool liesIn(const std::string& file) const { return store_ && store_->isFile(file); }
 
-  // Both are kept with the study, if it can be written.
+  // Goes on in a new file with all that is saved; what is not is still to be saved, there.
+  void saveAs(const std::string& file);
+
+  // The user's, whichever study is open.
   HostOptions& options() { return options_; }
+  // Kept with the study, if it can be written.
   void setDisplayViewIndex(std::int16_t index);
 
   // Asked when the study's results have changed since an analysis was made; absent: opened as stored.
@@ -63,7 +67,6 @@ class HostStudyService final : public StudyService {
  private:
   void drop();
   StudyRecord record() const;
-  void keepSettings();
   void changeResults(const std::function<void(StudyRecord&)>& changeRecord,
                      const std::function<void(banddesk::Study&)>& changeObjects);
   void changeDye(std::int32_t dye, const std::function<void(DyeRecord&)>& change);

@@ -5,6 +5,7 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <fmt/format.h>
+#include <functional>
 #include <string_view>
 #include <unistd.h>
 
@@ -30,7 +31,8 @@ void writeEmptyStudy(const fs::path& place, const std::string& shownAs, const st
       .prepare(
           "INSERT INTO study(id, name, owner_id, result_stamp, show_inclusion_warning, "
           "display_view_index, fourth_dye) VALUES(1, ?, ?, ?, ?, ?, ?)")
-      .run(std::string_view(studyName), empty.ownerId, empty.resultStamp, empty.settings.showInclusionWarning,
+      .run(std::string_view(studyName), empty.ownerId, empty.resultStamp,
+           true,  // a column that is read no more
            std::int32_t{empty.settings.displayViewIndex}, std::string_view(&empty.fourthDye, 1));
   sqlite::Statement row = database.prepare("INSERT INTO dye(slot, color, is_visible) VALUES(?, ?, ?)");
   std::int32_t slot = 0;
@@ -53,9 +55,8 @@ void syncFolder(const fs::path& folder) {
   ::close(descriptor);
 }
 
-}  // namespace
-
-void SqliteStore::create(const std::string& file, const std::string& studyName) {
+// `write` makes the file beside its place.
+void makeStudyFile(const std::string& file, const std::function<void(const fs::path& part)>& write) {
   std::error_code trouble;
   if (fs::exists(fs::symlink_status(file, trouble)))
     refuse(file, ErrorNumber::PermissionDenied, "there is such a file already");
@@ -68,7 +69,7 @@ void SqliteStore::create(const std::string& file, const std::string& studyName) 
   const fs::path part = folder / fmt::format(".{}.{}.new", fs::path(file).filename().string(), ::getpid());
   fs::remove(part, trouble);
   try {
-    writeEmptyStudy(part, file, studyName);
+    write(part);
     if (!takePlace(part, file)) {
       const int cause = errno;
       refuse(file, ErrorNumber::PermissionDenied,
@@ -80,6 +81,21 @@ void SqliteStore::create(const std::string& file, const std::string& studyName) 
     throw;
   }
   syncFolder(folder);
+}
+
+}  // namespace
+
+void SqliteStore::create(const std::string& file, const std::string& studyName) {
+  makeStudyFile(file, [&](const fs::path& part) { writeEmptyStudy(part, file, studyName); });
+}
+
+void SqliteStore::saveAs(const std::string& file) {
+  makeStudyFile(file, [&](const fs::path& part) {
+    sqlite::Database copy(part.string(), SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, file);
+    copy.execute("PRAGMA synchronous = FULL");
+    database_.copyTo(copy);
+  });
+  opened_ = Opened(file, Access::Write, studySchema());
 }
 
 }  // namespace banddesk::host

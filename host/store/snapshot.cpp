@@ -2,6 +2,7 @@
 
 #include "host/store/snapshot_fields.h"
 #include "host/study/analysis.h"
+#include "host/study/study.h"
 #include "plugin/base/numbers.h"
 
 namespace banddesk::host {
@@ -51,15 +52,15 @@ AnalysisSnapshot snapshotOf(const AFLP& analysis) {
 
 void restore(const AnalysisSnapshot& snapshot, AFLP& analysis) {
   pairFields(analysis, snapshot, put);
-  const Study& study = required(analysis.Study.get(), "Study");
+  Study& study = required(analysis.Study.get(), "Study");
   for (const std::int32_t id : snapshot.resultIds) {
-    const std::string key = integerText(id);
-    if (!study.Results.holdsKey(key)) {
+    const auto result = resultOf(study, id);
+    if (!result) {
       raise(ErrorNumber::InvalidArgument, "ObjectManager",
-            "The analysis \"" + snapshot.name + "\" uses the result " + key +
+            "The analysis \"" + snapshot.name + "\" uses the result " + integerText(id) +
                 ", which the study does not hold.");
     }
-    analysis.Results.Add(study.Results.Item(key));
+    analysis.Results.Add(result);
   }
   for (const BinSnapshot& stored : snapshot.bins) {
     auto bin = std::make_shared<AFLPBin>();

@@ -182,6 +182,15 @@ bool Database::hasMoved() const {
   return code == SQLITE_OK && moved != 0;
 }
 
+void Database::copyTo(Database& other) const {
+  sqlite3_backup* const copying =
+      sqlite3_backup_init(other.connection_.get(), "main", connection_.get(), "main");
+  if (copying == nullptr) other.fail(sqlite3_extended_errcode(other.connection_.get()));
+  sqlite3_backup_step(copying, -1);
+  const int code = sqlite3_backup_finish(copying);
+  if (code != SQLITE_OK) other.fail(code);
+}
+
 void Database::fail(int code) const {
   const Cause cause = causeOf(code, connection_.get());
   raise(cause.number, "Store", fmt::format("{}: {}", file_, cause.text));

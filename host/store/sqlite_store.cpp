@@ -40,46 +40,54 @@ void requireWhole(const sqlite::Database& database, const std::string& file) {
 
 }  // namespace
 
-SqliteStore::SqliteStore(const std::string& file, Access access, SchemaSteps steps)
-    : lock_(existingFile(file), access == Access::Write),
-      database_(file, SQLITE_OPEN_READWRITE, file, lock_.hasLocks()),
-      whyReadOnly_(lock_.whyReadOnly()) {
+SqliteStore::Opened::Opened(const std::string& file, Access access, SchemaSteps steps)
+    : lock(std::make_unique<StudyLock>(existingFile(file), access == Access::Write)),
+      database(file, SQLITE_OPEN_READWRITE, file, lock->hasLocks()),
+      whyReadOnly(lock->whyReadOnly()) {
   // What is found here decides whether the file is ours, before anything could be written to it.
-  requireStudy(database_, steps);
-  requireWhole(database_, file);
-  if (!lock_.isOf(file) || database_.hasMoved())
+  requireStudy(database, steps);
+  requireWhole(database, file);
+  if (!lock->isOf(file) || database.hasMoved())
     raise(ErrorNumber::PermissionDenied, "Store",
           fmt::format("{}: another file took its place while it was opened", file));
-  if (whyReadOnly_.empty() && database_.isReadOnly()) whyReadOnly_ = "the file may not be written";
-  database_.execute("PRAGMA foreign_keys = ON; PRAGMA locking_mode = EXCLUSIVE");
-  if (whyReadOnly_.empty()) {
-    openForWriting(steps);
-  } else {
-    openForReading(steps);
-  }
-  sqlite::Statement last = database_.prepare(
-      "SELECT max(last_analysis_id, (SELECT coalesce(max(id), 0) FROM analysis)) FROM study");
-  if (last.next()) lastAnalysisId_ = last.integer<std::int32_t>(0);
+  if (whyReadOnly.empty() && database.isReadOnly()) whyReadOnly = "the file may not be written";
+  database.execute("PRAGMA foreign_keys = ON; PRAGMA locking_mode = EXCLUSIVE");
+  whyReadOnly.empty() ? forWriting(steps) : forReading(steps);
+}
+
+// The former database closes before its lock goes.
+SqliteStore::Opened& SqliteStore::Opened::operator=(Opened&& other) noexcept {
+  std::swap(lock, other.lock);
+  std::swap(database, other.database);
+  std::swap(whyReadOnly, other.whyReadOnly);
+  return *this;
 }
 
 // Takes the emptied journal away. It would do no harm: the next opening knows it for empty.
-SqliteStore::~SqliteStore() {
-  database_.executeIfPossible("PRAGMA locking_mode = NORMAL; PRAGMA journal_mode = DELETE");
+SqliteStore::Opened::~Opened() {
+  database.executeIfPossible("PRAGMA locking_mode = NORMAL; PRAGMA journal_mode = DELETE");
 }
 
 // The first read takes the shared lock, which the locking mode keeps: all that is read is of one state.
-void SqliteStore::openForReading(SchemaSteps steps) {
-  database_.execute("PRAGMA query_only = ON; SELECT count(*) FROM sqlite_schema");
-  if (isOutdated(database_, steps))
+void SqliteStore::Opened::forReading(SchemaSteps steps) {
+  database.execute("PRAGMA query_only = ON; SELECT count(*) FROM sqlite_schema");
+  if (isOutdated(database, steps))
     raise(ErrorNumber::PermissionDenied, "Store",
           fmt::format("{}: it was made by an earlier version and has to be opened for writing once",
-                      database_.file()));
+                      database.file()));
 }
 
 // In this locking mode the end of a save is synchronised too: the journal is emptied, not unlinked.
-void SqliteStore::openForWriting(SchemaSteps steps) {
-  database_.execute("PRAGMA journal_mode = TRUNCATE; PRAGMA synchronous = FULL; BEGIN EXCLUSIVE; COMMIT");
-  if (isOutdated(database_, steps)) bringUpToDate(database_, steps);
+void SqliteStore::Opened::forWriting(SchemaSteps steps) {
+  database.execute("PRAGMA journal_mode = TRUNCATE; PRAGMA synchronous = FULL; BEGIN EXCLUSIVE; COMMIT");
+  if (isOutdated(database, steps)) bringUpToDate(database, steps);
+}
+
+SqliteStore::SqliteStore(const std::string& file, Access access, SchemaSteps steps)
+    : opened_(file, access, steps) {
+  sqlite::Statement last = database_.prepare(
+      "SELECT max(last_analysis_id, (SELECT coalesce(max(id), 0) FROM analysis)) FROM study");
+  if (last.next()) lastAnalysisId_ = last.integer<std::int32_t>(0);
 }
 
 void SqliteStore::write(const std::function<void()>& work) {
@@ -115,15 +123,14 @@ std::shared_ptr<const SampleFragments> SqliteStore::readFragments(std::int32_t r
 
 StudyRecord SqliteStore::readStudy() {
   StudyRecord record;
-  Statement study = database_.prepare(
-      "SELECT name, owner_id, result_stamp, show_inclusion_warning, display_view_index, fourth_dye FROM "
-      "study");
+  Statement study =
+      database_.prepare("SELECT name, owner_id, result_stamp, display_view_index, fourth_dye FROM study");
   if (!study.next()) database_.failDamaged("it has no study record");
   record.name = study.text(0);
   record.ownerId = study.integer<std::int32_t>(1);
   record.resultStamp = study.integer<std::int32_t>(2);
-  record.settings = {study.number(3) != 0, study.integer<std::int16_t>(4)};
-  record.fourthDye = study.text(5).empty() ? '-' : study.text(5).front();
+  record.settings = {study.integer<std::int16_t>(3)};
+  record.fourthDye = study.text(4).empty() ? '-' : study.text(4).front();
 
   Statement dyes = database_.prepare("SELECT color, is_visible FROM dye ORDER BY slot");
   for (DyeRecord& dye : record.dyes) {
@@ -146,11 +153,10 @@ void SqliteStore::writeStudy(const StudyRecord& record) {
 void SqliteStore::writeRecord(const StudyRecord& record) {
   database_
       .prepare(
-          "UPDATE study SET name = ?, owner_id = ?, result_stamp = ?, show_inclusion_warning = ?, "
+          "UPDATE study SET name = ?, owner_id = ?, result_stamp = ?, "
           "display_view_index = ?, fourth_dye = ?")
       .run(std::string_view(record.name), record.ownerId, record.resultStamp,
-           record.settings.showInclusionWarning, std::int32_t{record.settings.displayViewIndex},
-           std::string_view(&record.fourthDye, 1));
+           std::int32_t{record.settings.displayViewIndex}, std::string_view(&record.fourthDye, 1));
   Statement dye = database_.prepare("UPDATE dye SET color = ?, is_visible = ? WHERE slot = ?");
   for (std::size_t slot = 0; slot < kDyeCount; ++slot)
     dye.run(record.dyes[slot].color, record.dyes[slot].isVisible, static_cast<std::int32_t>(slot));

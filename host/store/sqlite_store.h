@@ -30,10 +30,12 @@ class SqliteStore final : public Store {
                        SchemaSteps steps = studySchema());
   SqliteStore(const SqliteStore&) = delete;
   SqliteStore& operator=(const SqliteStore&) = delete;
-  ~SqliteStore() override;
+  ~SqliteStore() override = default;
 
   std::string whyReadOnly() const override { return whyReadOnly_; }
-  bool isFile(const std::string& file) const override { return lock_.isOf(file); }
+  bool isFile(const std::string& file) const override { return opened_.lock->isOf(file); }
+  // Also where the study was moved or deleted while it was open.
+  void saveAs(const std::string& file) override;
   std::shared_ptr<const SampleFragments> readFragments(std::int32_t resultId) override;
   StudyRecord readStudy() override;
   void writeStudy(const StudyRecord& record) override;
@@ -50,16 +52,29 @@ class SqliteStore final : public Store {
   std::int64_t synchronisation() const { return database_.number("PRAGMA synchronous"); }
 
  private:
-  void openForReading(SchemaSteps steps);
-  void openForWriting(SchemaSteps steps);
+  // A file with the lock on it; the lock goes last.
+  struct Opened {
+    Opened(const std::string& file, Access access, SchemaSteps steps);
+    Opened(const Opened&) = delete;
+    Opened& operator=(Opened&& other) noexcept;
+    ~Opened();
+
+    void forReading(SchemaSteps steps);
+    void forWriting(SchemaSteps steps);
+
+    std::unique_ptr<StudyLock> lock;
+    sqlite::Database database;
+    std::string whyReadOnly;
+  };
+
   void write(const std::function<void()>& work);
   void writeRecord(const StudyRecord& record);
   std::int64_t addImport(const ImportRecord& import);
   ResultRecord addResult(const NewResult& result, std::int64_t importId);
 
-  StudyLock lock_;
-  sqlite::Database database_;
-  std::string whyReadOnly_;
+  Opened opened_;
+  sqlite::Database& database_ = opened_.database;
+  std::string& whyReadOnly_ = opened_.whyReadOnly;
   std::int32_t lastAnalysisId_ = 0;
 };
 

@@ -35,6 +35,10 @@ class Store : public FragmentSource {
   // Whether the study lies in this file, whatever name leads there.
   virtual bool isFile(const std::string&) const { return false; }
 
+  // Makes a copy of all that the store holds in a new file, and goes on with that one, which can be written;
+  // the former stays as it was saved last. Error 70 if there is such a file already.
+  virtual void saveAs(const std::string& file);
+
   virtual StudyRecord readStudy() = 0;
   // Replaces the study's own fields, its settings, its dyes and the marks of its results. The results
   // themselves stay.

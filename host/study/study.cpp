@@ -1,5 +1,7 @@
 #include "host/study/study.h"
 
+#include <algorithm>
+
 #include "plugin/base/numbers.h"
 
 namespace banddesk::host {
@@ -97,12 +99,15 @@ std::shared_ptr<Study> makeStudy(const StudyRecord& record, const std::shared_pt
   study->OwnerId = record.ownerId;
   study->ResultStamp = record.resultStamp;
   for (std::size_t i = 0; i < kDyeCount; ++i) study->Dyes.Add(makeDye(i, record.dyes[i], faults));
-  for (const ResultRecord& result : record.results) study->Results.Add(makeResult(result, source, faults));
+  for (const ResultRecord& result : record.results) {
+    study->Results.Add(makeResult(result, source, faults));
+    if (result.isDeleted) study->Results.Remove(integerText(result.id));
+  }
   settle(*study, faults);
   return study;
 }
 
-StudyRecord recordOf(const Study& study) {
+StudyRecord recordOf(Study& study) {
   StudyRecord record;
   record.name = study.Name;
   record.ownerId = study.OwnerId;
@@ -110,12 +115,25 @@ StudyRecord recordOf(const Study& study) {
   for (const auto& dye : study.Dyes) {
     record.dyes[static_cast<std::size_t>(dye->Index.get())] = {dye->Color, dye->Visible};
   }
-  for (const auto& result : study.Results) {
+  visitResults(study, [&](const std::shared_ptr<Result>& result) {
     record.results.push_back({result->ResultID, result->Sample->Name,
                               result->IsExcluded.get().value_or(false),
                               result->IsDeleted.get().value_or(false)});
-  }
+  });
+  std::ranges::sort(record.results, {}, &ResultRecord::id);
   return record;
+}
+
+void visitResults(Study& study, const std::function<void(const std::shared_ptr<Result>&)>& visit) {
+  for (const auto& result : study.Results) visit(result);
+  for (const auto& result : study.Results.DeletedItems()) visit(result);
+}
+
+std::shared_ptr<Result> resultOf(Study& study, std::int32_t id) {
+  const std::string key = integerText(id);
+  if (study.Results.holdsKey(key)) return study.Results.Item(key);
+  const auto& deleted = study.Results.DeletedItems();
+  return deleted.holdsKey(key) ? deleted.Item(key) : nullptr;
 }
 
 }  // namespace banddesk::host

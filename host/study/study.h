@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -30,7 +31,6 @@ struct ResultRecord {
 
 // What the user has settled for the whole study.
 struct StudySettings {
-  bool showInclusionWarning = true;
   std::int16_t displayViewIndex = 0;
   friend bool operator==(const StudySettings&, const StudySettings&) = default;
 };
@@ -94,12 +94,18 @@ class HostSample final : public Sample, private SampleData, private FragmentHold
   std::shared_ptr<const SampleFragments> fragments_;
 };
 
-// The objects of a stored study, its analyses left out. They are neither new nor dirty.
+// The objects of a stored study, its analyses left out. They are neither new nor dirty. A result that was
+// deleted is none of the study's results any more: it lies among those that were removed, for the analyses
+// that were made of it.
 std::shared_ptr<Study> makeStudy(const StudyRecord& record, const std::shared_ptr<FragmentSource>& source,
                                  FaultInjector& faults);
 std::shared_ptr<Result> makeResult(const ResultRecord& record, const std::shared_ptr<FragmentSource>& source,
                                    FaultInjector& faults);
+// All results, the deleted ones last.
+void visitResults(Study& study, const std::function<void(const std::shared_ptr<Result>&)>& visit);
+// Also a deleted one; null if there is none.
+std::shared_ptr<Result> resultOf(Study& study, std::int32_t id);
 // The record of a study as its objects stand; they know neither its settings nor its fourth dye's letter.
-StudyRecord recordOf(const Study& study);
+StudyRecord recordOf(Study& study);
 
 }  // namespace banddesk::host

@@ -4,10 +4,13 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
+#include <QPointer>
 #include <QRegularExpression>
+#include <QStatusBar>
 #include <QTabBar>
 #include <QTest>
 #include <QTimer>
+#include <filesystem>
 #include <gmock/gmock.h>
 
 #include "desktop/base/qt_text.h"
@@ -21,6 +24,7 @@
 namespace banddesk::test {
 namespace {
 
+namespace fs = std::filesystem;
 using desktop::toQString;
 using ::testing::HasSubstr;
 
@@ -73,6 +77,24 @@ class Window : public desktop::OwnFolder {
     answering.start(1);
   }
 
+  // Runs each act on the next modal dialog, one after the other.
+  using Act = std::function<void(QWidget&)>;
+  void answerAll(std::vector<Act> acts) {
+    auto waiting = std::make_shared<std::vector<Act>>(std::move(acts));
+    auto last = std::make_shared<QPointer<QWidget>>();
+    answering.disconnect();
+    answering.callOnTimeout([=, this] {
+      QWidget* dialog = QApplication::activeModalWidget();
+      if (dialog == nullptr || dialog == *last) return;
+      *last = dialog;
+      const Act act = waiting->front();
+      waiting->erase(waiting->begin());
+      if (waiting->empty()) answering.stop();
+      act(*dialog);
+    });
+    answering.start(1);
+  }
+
   // Renames the analysis that is chosen in the tree by typing over its name.
   void rename(const QString& text) {
     QTest::keyClick(&tree(), Qt::Key_F2);
@@ -121,6 +143,66 @@ TEST_F(Window, SavesWhatIsChosenAndAsksBeforeItCloses) {
   EXPECT_TRUE(window.close());
   EXPECT_FALSE(workbench.isOpen());
   EXPECT_THAT(host::SqliteStore(study, host::SqliteStore::Access::Read).analysisIds(), testing::SizeIs(1));
+}
+
+// Two dialogs one after the other: why it failed, and where to.
+TEST_F(Window, TellsWhyASaveFailedAndSavesTheStudyElsewhere) {
+  newAnalysis();
+  const QString moved = path("moved.study"), other = path("other.study");
+  ASSERT_TRUE(QFile::rename(desktop::toQString(study), moved));
+  QString told;
+  const auto press = [&](const char* text) {
+    return [=, &told](const QWidget& dialog) {
+      told += dialog.property("text").toString();
+      desktop::buttonCalled(dialog, text).click();
+    };
+  };
+  const auto name = [&](QWidget& dialog) {
+    dialog.findChild<QLineEdit*>()->setText(other);
+    static_cast<QDialog&>(dialog).accept();
+  };
+  answerAll({press("Save"), press("Retry"), press("Save As..."), name});
+  QTest::keyClick(&window, Qt::Key_S, Qt::ControlModifier);
+  EXPECT_EQ(told.count(QStringLiteral("the file was moved or deleted while it was open")), 2);
+  EXPECT_EQ(workbench.path(), desktop::toText(other));
+  EXPECT_FALSE(window.isWindowModified());
+  EXPECT_THAT(host::SqliteStore(desktop::toText(moved)).analysisIds(), testing::IsEmpty());
+  workbench.close();
+  EXPECT_THAT(host::SqliteStore(desktop::toText(other)).analysisIds(), testing::SizeIs(1));
+  QFile::setPermissions(other, QFile::ReadOwner);
+  fs::create_hard_link(desktop::toText(moved), desktop::toText(path("link.study")));
+  workbench.open(desktop::toText(moved));
+  EXPECT_EQ(window.windowTitle(), QStringLiteral("Oaks[*] (read-only) - Banddesk"));
+}
+
+TEST_F(Window, LeavesWithoutSavingWhatCannotBeSaved) {
+  newAnalysis();
+  newAnalysis()->Name = "New AFLP 1";
+  answerAll({[](const QWidget& dialog) {
+    EXPECT_THAT(desktop::toText(dialog.property("text").toString()), HasSubstr("named \"New AFLP 1\""));
+    desktop::buttonCalled(dialog, "Rename...").click();
+  }});
+  EXPECT_FALSE(window.close());
+  EXPECT_TRUE(QTest::qWaitFor([&] { return tree().viewport()->findChild<QLineEdit*>() != nullptr; }));
+  answerAll({[](const QWidget& dialog) { desktop::buttonCalled(dialog, "Don't Save").click(); }});
+  EXPECT_TRUE(window.close());
+}
+
+TEST_F(Window, OpensAPageAnewThatItsOwnProcedureLeftHalfMade) {
+  const auto analysis = newAnalysis();
+  newAnalysis();
+  pages().setCurrentIndex(0);
+  const auto former = host().pages().find("AFLP", analysis);
+  host().faults().failAt("GridUtilities", "BuildSortInfo", 1,
+                         Error(ErrorNumber::Internal, "Test", "The disk is away."));
+  host().pages().userEvent(
+      *former, [&] { former->control()->Controls().find<host::GridControl>("grdAFLP")->doubleClick(0, 1); });
+  EXPECT_NE(host().pages().find("AFLP", analysis), former);
+  EXPECT_EQ(pages().count(), 2);
+  EXPECT_EQ(pages().currentIndex(), 0);
+  EXPECT_EQ(pages().currentPage(), host().pages().find("AFLP", analysis));
+  EXPECT_THAT(desktop::toText(window.statusBar()->currentMessage()), HasSubstr("opened anew"));
+  EXPECT_FALSE(desktop::buttonCalled(pages(), "Reopen the page").isVisible());
 }
 
 TEST_F(Window, ListsAFailureOnceAndOpensTheLockedPageAnew) {

@@ -8,6 +8,7 @@ namespace {
 
 using test::Desk;
 using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::IsEmpty;
 
 std::shared_ptr<AFLP> addAnalysis(Desk& desk, const std::string& name) {
@@ -135,26 +136,44 @@ TEST(Study, TellsOfItsChangesAndKeepsThem) {
   yellow.dyes[2] = {{99}, {500}};
   service.addResults({{"Late", yellow}});
   service.setDyeColor(1, 0x123456);
-  service.options().SetShowInclusionWarning(false);
   service.setDisplayViewIndex(2);
   EXPECT_THROW(service.deleteResult(77), Error);
 
   EXPECT_EQ(resultChanges, 3);
   EXPECT_THAT(dyes, ElementsAre(2, 1));
   desk.host.openStudy(std::make_shared<MemoryStore>("Other"));
-  EXPECT_TRUE(service.options().ShowInclusionWarning());
   EXPECT_EQ(service.DisplayViewIndex(), 0);
   desk.openStudy();
-  EXPECT_FALSE(service.options().ShowInclusionWarning());
   EXPECT_EQ(service.DisplayViewIndex(), 2);
   study = service.Study();
   EXPECT_EQ(study->ResultStamp, stamp + 3);
   EXPECT_EQ(study->Results.Item("2")->IsExcluded.get(), true);
-  EXPECT_EQ(study->Results.Item("3")->IsDeleted.get(), true);
+  EXPECT_FALSE(study->Results.holdsKey("3"));
   EXPECT_EQ(study->Results.Item("4")->Sample->Name.get(), "Late");
   EXPECT_EQ(study->Dyes.Item("1")->Color, Colour{0x123456});
   EXPECT_TRUE(study->Dyes.Item("2")->Visible);
   EXPECT_FALSE(study->Dyes.Item("3")->Visible);
+}
+
+TEST(Study, CountsDeletedResultsNoMoreAndKeepsThemForTheirAnalyses) {
+  Desk desk;
+  desk.newAnalysis();
+  desk.host.save();
+  for (const std::int32_t id : {1, 2, 3}) desk.host.study().deleteResult(id);
+  for (const bool isOpenedAgain : {false, true}) {
+    SCOPED_TRACE(isOpenedAgain);
+    if (isOpenedAgain) desk.openStudy();
+    const auto study = desk.host.study().Study();
+    EXPECT_EQ(study->Results.Count(), 0);
+    desk.reopen(study->AFLPs.Item(1));
+    EXPECT_EQ(desk.analysis().Results.Count(), 3);
+    desk.host.pages().endAll();
+    desk.host.runNewAnalysis();
+    EXPECT_THAT(desk.host.pages().openPages(), IsEmpty());
+    EXPECT_THAT(desk.host.platform().messages().back().text, HasSubstr("Please add results"));
+    desk.host.closeStudy();
+  }
+  EXPECT_EQ(desk.store->readStudy().results.size(), 3U);
 }
 
 TEST(Study, AsksAboutAnAnalysisWhoseResultsHaveChanged) {

@@ -530,6 +530,34 @@ TEST(StudyFile, IsNotSavedIntoNothingWhenItsFileOrFolderGoesAwayWhileOpen) {
   }
 }
 
+// Whatever has become of the file that is open.
+TEST(StudyFile, GoesOnInACopy) {
+  for (const char* const fate : {"as it was", "moved", "deleted", "for reading"}) {
+    SCOPED_TRACE(fate);
+    StoreFolder folder;
+    const std::string file = studyAfter(folder, 8), copy = folder.file("copy.study");
+    const bool isRead = fate == std::string("for reading");
+    SqliteStore store(file, isRead ? SqliteStore::Access::Read : SqliteStore::Access::Write);
+    const StudyState before = stateOf(store);
+    if (fate == std::string("moved")) fs::rename(file, folder.file("moved.study"));
+    if (fate == std::string("deleted")) fs::remove(file);
+    EXPECT_THAT(messageOf([&] { store.saveAs(folder.file("no/copy.study")); }), HasSubstr("no such folder"));
+    store.saveAs(copy);
+    EXPECT_TRUE(stateOf(store) == before);
+    EXPECT_THAT(store.whyReadOnly(), IsEmpty());
+    EXPECT_TRUE(store.isFile(copy));
+    takeStep(store, 8);
+    EXPECT_EQ(store.synchronisation(), 2);
+    EXPECT_THAT(messageOf([&] { SqliteStore second(copy); }), HasSubstr("open in another program"));
+    if (fs::exists(file)) {
+      SqliteStore former(file);
+      EXPECT_TRUE(stateOf(former) == before) << "its lock is free, and it is as it was";
+      EXPECT_THAT(messageOf([&] { store.saveAs(file); }), HasSubstr("such a file already"));
+      takeStep(store, 9);
+    }
+  }
+}
+
 TEST(StudyFile, IsBroughtUpToDateInOneTransaction) {
   StoreFolder folder;
   const std::string file = studyAfter(folder, 5);

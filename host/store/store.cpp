@@ -1,0 +1,12 @@
+#include "host/store/store.h"
+
+#include "plugin/base/error.h"
+
+namespace banddesk::host {
+
+void Store::saveAs(const std::string& file) {
+  raise(ErrorNumber::InvalidArgument, "Store",
+        file + ": this study lies in no file and cannot be copied to one");
+}
+
+}  // namespace banddesk::host
