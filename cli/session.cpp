@@ -33,9 +33,9 @@ Session::Session(std::function<void(double)> onProgress) : host_(settings()) {
   host::PageKeeper& keeper = host_.keepTablesWhole();
   keeper.onReopened = [this](host::HostPage&, const std::string& line) {
     takePage();
-    if (!isQuiet_) warn(line);
+    reopened_ = line;
   };
-  keeper.onLeftHalfMade = [](const host::HostPage&, const std::string& line) { warn(line); };
+  keeper.onLeftHalfMade = [this](const host::HostPage&, const std::string& line) { reopened_ = line; };
   host_.loadComponent();
 }
 
@@ -203,14 +203,25 @@ void Session::save() {
 // What a user does to the results page, and the pause after it in which the delayed work runs.
 void Session::act(const std::function<void()>& action) {
   const std::size_t reportsBefore = host_.framework().reports().size();
+  reopened_.clear();
   host_.pages().userEvent(*hostPage_, action);
   host_.pages().fireTimers();
   // Handlers end with their report; here it is the only sign that something failed.
   const auto& reports = host_.framework().reports();
   if (reports.size() > reportsBefore) throw reports.back().error;
+  tellReopened();
 }
 
-void Session::procedure(const std::function<void()>& work) { host_.pages().procedure(*hostPage_, work); }
+void Session::procedure(const std::function<void()>& work) {
+  reopened_.clear();
+  host_.pages().procedure(*hostPage_, work);
+  tellReopened();
+}
+
+// A command that fails has its own line.
+void Session::tellReopened() {
+  if (!reopened_.empty()) warn(std::exchange(reopened_, {}));
+}
 
 host::GridControl& Session::grid() const { return control<host::GridControl>(page_->Controls(), "grdAFLP"); }
 
@@ -221,9 +232,7 @@ void Session::exportNts(const std::filesystem::path& path) { exportBy(path, kNts
 // It rebuilds the table, which would lose what was decided about bins. Of that the page warns, and here that
 // is no: the page is opened anew as it was. The file is whole by then.
 void Session::exportXlsx(const std::filesystem::path& path) {
-  isQuiet_ = true;
-  procedure([&] { page_->ExportExcel(path.string()); });
-  isQuiet_ = false;
+  host_.pages().procedure(*hostPage_, [&] { page_->ExportExcel(path.string()); });
 }
 
 void Session::exportBy(const std::filesystem::path& path, std::int32_t filterIndex) {

@@ -65,6 +65,7 @@ class Session {
   void act(const std::function<void()>& action);
   // Of the page, without being an act of the user.
   void procedure(const std::function<void()>& work);
+  void tellReopened();
   void chooseFromMenu(std::int32_t row, std::int32_t col, const char* item);
   void exportBy(const std::filesystem::path& path, std::int32_t filterIndex);
 
@@ -73,7 +74,7 @@ class Session {
   std::shared_ptr<AFLP> analysis_;
   std::shared_ptr<IAFLPResultsPage> page_;
   std::shared_ptr<host::HostPage> hostPage_;
-  bool isQuiet_ = false;  // about pages that are opened anew
+  std::string reopened_;  // what is to be said of a page that was opened anew, if the command goes on
 };
 
 // A control of a page by its name; a missing one is an Error.

@@ -156,6 +156,7 @@ void HostPageManager::endAll() {
 }
 
 void HostPageManager::userEvent(const HostPage& page, const std::function<void()>& action) const {
+  const auto held = shared(page);  // another may stand in its place afterwards
   procedure(page, [&] {
     markIfPersistent(page.bound());
     action();

@@ -62,7 +62,7 @@ class Shown {
     QTest::keyClicks(&of(box), QString::fromLatin1(text));
   }
   std::size_t analyses() const { return desk.calculators->calculated.size() / 4; }
-  bool isChanged() const { return !desk.host.unsaved().empty(); }
+  bool isChanged() { return !desk.host.unsaved().empty(); }
 
   test::Desk desk;
   WidgetRegistry registry;

@@ -1,5 +1,6 @@
 // The window over the real component and a study file: the tree, its names, the pages, saving, failures.
 #include <QApplication>
+#include <QDialog>
 #include <QDockWidget>
 #include <QLineEdit>
 #include <QMenu>
