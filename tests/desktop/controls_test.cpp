@@ -196,7 +196,7 @@ TEST(Widgets, EndInAnyOrderWithTheirControlsAndBinder) {
   auto tick = std::make_unique<ui::CheckBox>("chk", "Tick");
   auto binder = std::make_unique<ControlBinder>(registry, run, life);
   check = binder->make(*tick, &parent);
-  binder->drive(*timer);
+  binder->drive(*timer, [](const auto& work) { work(); });
   timer->Enabled = true;
   life.reset();
   tick.reset();
