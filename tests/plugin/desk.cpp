@@ -1,5 +1,6 @@
 #include "tests/plugin/desk.h"
 
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <numeric>
@@ -91,13 +92,13 @@ Desk::Desk(Script script, const std::vector<std::string>& samples) : host(settin
     for (auto& dye : result.fragments.dyes) dye = {{100 + static_cast<double>(results.size())}, {500}};
   }
   store = std::make_shared<host::MemoryStore>("Plants", std::move(results));
-  host.loadComponent(BANDDESK_PLUGIN);
+  host.loadComponent(componentFile());
 }
 
 Desk::Desk(std::vector<host::NewResult> results)
     : store(std::make_shared<host::MemoryStore>("Plants", std::move(results))),
       host(settings(nullptr, guards_)) {
-  host.loadComponent(BANDDESK_PLUGIN);
+  host.loadComponent(componentFile());
 }
 
 void Desk::openStudy() { host.openStudy(store); }
@@ -165,6 +166,11 @@ std::string Desk::visibleTable() {
     text += line + "\n";
   }
   return text;
+}
+
+std::string componentFile() {
+  const char* const other = std::getenv("BANDDESK_COMPONENT");
+  return other == nullptr ? BANDDESK_PLUGIN : other;
 }
 
 std::string fileText(const std::string& path) {

@@ -92,6 +92,8 @@ class Desk {
   host::Host host;
 };
 
+// The component under test; tools/mutants puts a broken one in its place.
+std::string componentFile();
 // The whole of a text file.
 std::string fileText(const std::string& path);
 // A path in the folder of this test; no file is there.
