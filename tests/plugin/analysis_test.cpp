@@ -1,6 +1,7 @@
-// From fragments to the filtered table: the run, exclusion by filters, by dyes and by
-// hand, and what is kept of it.
+// The run of an analysis: what the calculators are handed and asked, and the table and records that come of
+// it.
 #include <gmock/gmock.h>
+#include <sstream>
 
 #include "tests/plugin/desk.h"
 
@@ -9,62 +10,118 @@ namespace {
 
 using ::testing::ElementsAre;
 
-// Two dyes: bins of 122.5 and 123.5 nt in D1 (ties to even), one of 80.125 in D3.
+// Two dyes: bins of 122.5 and 123.5 nt in D1 (ties to even), one of 80.125 in D3; heights that round to even.
 const Script kScript{{0, {{122.5, {1, 0, 2}, {10, 0, 20.5}}, {123.5, {0, 3, 0}, {0, 0.5, 0}}}},
-                     {2, {{80.125, {1, 1, 0}}}}};
+                     {2, {{80.125, {1, 1, 0}, {1.5, 7, 0}}}}};
 
 void uncheckFilters(Desk& desk) {
-  for (const char* name : {"chkExcludeFullBins", "chkExcludeEmptySamples"}) {
+  for (const char* name : {"chkExcludeFullBins", "chkExcludeEmptySamples"})
     desk.control<ui::CheckBox>(name).Value = 0;
-  }
   desk.wait();
 }
 
-void hideColumns(Desk& desk, std::initializer_list<std::int32_t> columns) {
-  for (const auto col : columns) desk.page().HideCols(col, col, true);
+std::string rowOf(IAFLPResultsPage& page, std::int32_t row) {
+  std::string text;
+  for (const char* key : {"6", "7", "8", "119", "9", "10", "83", "84", "85", "-1", "-2", "-3"}) {
+    text += page.CellText(key, row) + " ";
+  }
+  return text + std::to_string(page.Bin(row));
 }
 
 TEST(Analyze, LaysTheBinsOfEachDyeAsRowsWithTheirTexts) {
-  Desk desk(kScript);
-  IAFLPResultsPage& page = desk.newAnalysis();
-  const auto row = [&](std::int32_t r) {
-    std::string text;
-    for (const char* key : {"6", "7", "8", "119", "9", "10", "83", "84", "85", "-1", "-2", "-3"}) {
-      text += page.CellText(key, r) + " ";
+  for (const bool transposed : {false, true}) {
+    Desk desk(kScript);
+    IAFLPResultsPage& page = desk.newAnalysis();
+    if (transposed) {
+      page.SetTranspose(true);
+      page.Analyze(true);
     }
-    return text + std::to_string(page.Bin(r));
+    EXPECT_EQ(page.NumRows(), 3);
+    EXPECT_EQ(page.NumCols(), 12);
+    EXPECT_EQ(rowOf(page, 1), "122 D1 2 3 122.25 122.75 122.5 1.25E-06 0.333333333333333 1 0 2 1");
+    EXPECT_EQ(rowOf(page, 2), "124 D1 1 3 123.25 123.75 123.5 1.25E-06 0.333333333333333 0 3 0 2");
+    EXPECT_EQ(rowOf(page, 3), "80 D3 2 2 79.875 80.375 80.125 1.25E-06 0.333333333333333 1 1 0 3");
+  }
+}
+
+TEST(Analyze, ShowsCountsPresenceOrHeightsWithTheStyleOfTheCount) {
+  struct Mode {
+    const char* option;
+    std::int32_t stored;
+    const char *first, *second, *third;
   };
-  EXPECT_EQ(page.NumRows(), 3);
-  EXPECT_EQ(page.NumCols(), 12);
-  EXPECT_EQ(row(1), "122 D1 2 3 122.25 122.75 122.5 1.25E-06 0.333333333333333 1 0 2 1");
-  EXPECT_EQ(row(2), "124 D1 1 3 123.25 123.75 123.5 1.25E-06 0.333333333333333 0 3 0 2");
-  EXPECT_EQ(row(3), "80 D3 2 2 79.875 80.375 80.125 1.25E-06 0.333333333333333 1 1 0 3");
+  for (const Mode& m :
+       {Mode{"optSampleBin(1)", 1, "101", "010", "110"}, Mode{"optSampleBin(2)", 2, "10020", "000", "270"},
+        Mode{"optSampleBin(0)", 0, "102", "030", "110"}}) {
+    Desk desk(kScript);
+    IAFLPResultsPage& page = desk.newAnalysis();
+    const auto styles = [&] {
+      std::string text;
+      for (std::int32_t row = 1; row <= 3; ++row) {
+        for (std::int32_t col = 10; col <= 12; ++col) {
+          GridStyle style;
+          desk.grid().GridParam().GetData().GetStyleRowCol(row, col, style, StyleMode::Copy, 1);
+          text += desk.grid().looks().registeredName(style.attributes().baseStyle.value_or(0)) + ",";
+        }
+      }
+      return text;
+    };
+    const auto name = [&](std::int32_t order) {
+      return desk.analysis().StyleGrid->Columns.Item(order)->ToolTip.get() + " Style,";
+    };
+    const std::string expected =
+        name(1) + name(3) + name(2) + name(3) + name(2) + name(3) + name(1) + name(1) + name(3);
+    EXPECT_EQ(styles(), expected);
+    desk.control<ui::OptionButton>("optSampleBin(2)").Value = true;
+    desk.control<ui::OptionButton>(m.option).Value = true;
+    EXPECT_EQ(desk.analysis().SampleBinOption, m.stored);
+    desk.wait();
+    std::vector<std::string> rows;
+    for (std::int32_t row = 1; row <= 3; ++row) {
+      rows.push_back(page.CellText("-1", row) + page.CellText("-2", row) + page.CellText("-3", row));
+    }
+    EXPECT_THAT(rows, ElementsAre(m.first, m.second, m.third)) << m.option;
+    EXPECT_EQ(styles(), expected);
+    const std::string before = page.CellText("-3", 1);
+    page.Analyze(true);
+    EXPECT_EQ(page.CellText("-3", 1), before) << "an analysis forgot what is shown";
+  }
 }
 
 TEST(Analyze, GivesEveryCalculatorItsFragmentsOnceAndItsParametersEachTime) {
   Desk desk(kScript);
   IAFLPResultsPage& page = desk.newAnalysis();
-  EXPECT_EQ(desk.calculators->added.size(), 12U);
+  ASSERT_EQ(desk.calculators->added.size(), 12U);
   EXPECT_EQ(desk.calculators->added[5].dye, 1);
   EXPECT_EQ(desk.calculators->added[5].result, 1);
+  EXPECT_THAT(desk.calculators->added[5].sizes, ElementsAre(102));
   page.Analyze(false);  // nothing changed
   EXPECT_EQ(desk.calculators->calculated.size(), 4U);
-  desk.control<ui::TextBox>("txtYThreshold").Text = "75";
+  desk.control<ui::TextBox>("txtYThreshold").Text = "75 ";
   page.Analyze(false);
-  EXPECT_THAT(std::vector(desk.calculators->calculated.end() - 4, desk.calculators->calculated.end()),
-              ::testing::Each(std::pair(1.0, 75.0)));
-  EXPECT_EQ(desk.calculators->added.size(), 12U);
+  EXPECT_THAT(
+      std::vector(desk.calculators->calculated.begin() + 4, desk.calculators->calculated.end()),
+      ElementsAre(std::pair(1.0, 75.0), std::pair(1.0, 75.0), std::pair(1.0, 75.0), std::pair(1.0, 75.0)));
+  desk.control<ui::TextBox>("txtMaxBinWidth").Text = "1.5x";
+  page.Analyze(false);
+  EXPECT_EQ(desk.calculators->calculated.back(), std::pair(1.5, 75.0));
   page.Analyze(true);
-  EXPECT_EQ(desk.calculators->calculated.size(), 12U);
+  EXPECT_EQ(desk.calculators->calculated.size(), 16U);
+  EXPECT_EQ(desk.calculators->added.size(), 12U);
 }
 
 TEST(Analyze, StopsAtABadNumberAndWithoutResults) {
   Desk desk(kScript);
   IAFLPResultsPage& page = desk.newAnalysis();
-  desk.control<ui::TextBox>("txtMaxBinWidth").Text = "99";
-  page.Analyze(true);
+  for (const auto& [box, text] : {std::pair("txtMaxBinWidth", "99"), {"txtYThreshold", "no"}}) {
+    const std::string before = desk.control<ui::TextBox>(box).Text;
+    desk.control<ui::TextBox>(box).Text = text;
+    page.Analyze(true);
+    EXPECT_EQ(desk.control<ui::TextBox>(box).BackColor, ui::kYellow);
+    desk.control<ui::TextBox>(box).Text = before;
+  }
   EXPECT_EQ(desk.calculators->calculated.size(), 4U);
-  EXPECT_EQ(desk.host.platform().beeps(), 1);
+  EXPECT_EQ(desk.host.platform().beeps(), 2);
 
   Desk empty(kScript, {"only"});
   empty.newAnalysis();
@@ -74,6 +131,7 @@ TEST(Analyze, StopsAtABadNumberAndWithoutResults) {
   EXPECT_EQ(empty.reopen(analysis).NumRows(), 0);
   empty.page().Analyze(true);
   EXPECT_EQ(empty.calculators->calculated.size(), 4U);
+  EXPECT_TRUE(empty.page().Bins()->Count() == 0 && empty.page().AFLPStudyResults()->Count() == 0);
 }
 
 TEST(Analyze, KeepsAResultsDataUnderItsOwnNameWhenItComesBackIntoTheStudy) {
@@ -94,162 +152,52 @@ TEST(Analyze, KeepsAResultsDataUnderItsOwnNameWhenItComesBackIntoTheStudy) {
   EXPECT_THAT(handed, ElementsAre(std::pair(0, 101.0), std::pair(2, 102.0), std::pair(1, 103.0)));
 }
 
-TEST(Records, ReadOnePlaceToTheLeftBehindAHiddenSample) {
-  Desk desk(kScript);
-  IAFLPResultsPage& page = desk.newAnalysis();
-  uncheckFilters(desk);
-  hideColumns(desk, {10});
+// The records of the visible rows, a line each.
+std::vector<std::string> records(IAFLPResultsPage& page) {
+  std::vector<std::string> lines;
   const auto bins = page.Bins();
-  ASSERT_EQ(bins->Count(), 3);
-  const auto& first = *bins->Item(1);
-  EXPECT_EQ(first.BinNumber, 122);
-  EXPECT_EQ(first.Dye, "D1");
-  EXPECT_FLOAT_EQ(first.XMin, 122.25F);
-  EXPECT_FLOAT_EQ(first.YMean, 1.25e-6F);
-  ASSERT_EQ(first.AFLPResults.Count(), 2);
-  EXPECT_EQ(first.AFLPResults.Item(1).FragmentCount, 1);  // of the hidden sample
-  EXPECT_EQ(first.AFLPResults.Item(2).FragmentCount, 0);
+  for (const auto& bin : *bins) {
+    std::ostringstream line;
+    line << bin->BinNumber << " " << bin->Dye << " " << bin->SampleCount << " " << bin->FragmentCount << " "
+         << bin->XMin << " " << bin->XMax << " " << bin->XMean << " " << bin->XVariance << " " << bin->YMean;
+    for (const AFLPResult& result : bin->AFLPResults) {
+      line << " " << result.FragmentCount << "/" << result.BinaryPresence << "/" << result.MaxYHeight;
+    }
+    lines.push_back(line.str());
+  }
+  return lines;
+}
+
+std::string namesOf(IAFLPResultsPage& page) {
+  std::string names;
   const auto samples = page.AFLPStudyResults();
-  ASSERT_EQ(samples->Count(), 2);
-  EXPECT_EQ(samples->Item(1)->Name, "b");
+  for (const auto& sample : *samples) names += sample->Name + "|";
+  return names;
 }
 
-TEST(Filters, TakeTurnsUntilNothingChanges) {
-  // b's only bin is full once c, which has none, is out; then b has none left.
-  Desk desk({{0, {{100, {1, 1, 0}}, {200, {1, 0, 0}}}}});
-  desk.newAnalysis();
-  hideColumns(desk, {1, 2, 3, 4, 5, 6, 7, 8, 9});
-  const AnalysisView view = desk.page().Analysis();
-  EXPECT_THAT(std::vector<int>(view.autoExcluded.begin() + 1, view.autoExcluded.end()), ElementsAre(1, 1));
-  desk.control<ui::CheckBox>("chkShowExcluded").click();
-  desk.wait();
-  EXPECT_EQ(desk.visibleTable(), "1 2 3\n1* 1* 0*\n1* 0* 0*\n");
-  desk.control<ui::CheckBox>("chkExcludeEmptySamples").click();
-  desk.wait();
-  EXPECT_EQ(desk.visibleTable(), "1 2 3\n1 1 0\n1 0 0\n");
-}
-
-TEST(Filters, TakeNoNoticeOfBinsWhoseDyeIsHidden) {
-  Desk desk({{0, {{100, {1, 0, 0}}, {200, {0, 1, 0}}}}, {1, {{150, {0, 0, 1}}, {250, {1, 1, 1}}}}});
-  desk.newAnalysis();
-  desk.control<ui::CheckBox>("chkDye(1)").click();
-  desk.wait();
-  const AnalysisView view = desk.page().Analysis();
-  EXPECT_THAT(std::vector<int>(view.autoExcluded.begin() + 1, view.autoExcluded.end()),
-              ElementsAre(0, 0, 0, 0));
-  EXPECT_TRUE(desk.analysis().SampleGrid->Columns.Item("-3")->IsAutoExcluded);
-}
-
-TEST(Dyes, HideTheirRowsWithoutGreyAndFollowTheStudy) {
-  Desk desk(kScript);
+TEST(Records, HoldTheVisibleBinsAndReadOnePlaceToTheLeftBehindAHiddenSample) {
+  Desk desk(kScript, {" a", "b  ", "c"});
   IAFLPResultsPage& page = desk.newAnalysis();
   uncheckFilters(desk);
-  desk.host.study().setDyeVisible(0, false);
-  desk.wait();
-  EXPECT_TRUE(page.IsRowHidden(1) && page.IsRowHidden(2));
-  EXPECT_FALSE(page.IsRowHidden(3));
-  const auto& dye = desk.analysis().DyeGrid->Columns.Item("0");
-  EXPECT_FALSE(dye->IsVisible);
-  desk.host.study().setDyeColor(0, 0x00F0F0);
-  EXPECT_EQ(desk.control<ui::CheckBox>("chkDye(0)").BackColor, 0x00F0F0U);
-  EXPECT_EQ(dye->InteriorBkColor, 0x00F0F0U);
-  EXPECT_FALSE(dye->IsVisible);
-}
-
-void excludeBin(Desk& desk, std::int32_t row) { desk.chooseAt(row, 1, "mnuExcludeBin"); }
-
-TEST(ByHand, ABinIsExcludedBroughtBackAndBoth) {
-  Desk desk({{0, {{100, {1, 1, 1}}, {200, {1, 0, 1}}, {300, {0, 1, 1}}}}});
-  IAFLPResultsPage& page = desk.newAnalysis();
-  const auto flags = [&](std::int32_t bin) {
-    const AnalysisView view = page.Analysis();
-    const auto at = static_cast<std::size_t>(bin);
-    return std::string(view.manualExcluded[at] ? "X" : "-") + (view.manualIncluded[at] ? "I" : "-") +
-           (view.autoExcluded[at] ? "A" : "-") + (page.IsRowHidden(bin) ? "h" : "v");
-  };
-  EXPECT_EQ(flags(1), "--Ah");
-  excludeBin(desk, 1);  // the item is checked: the bin comes back
-  EXPECT_EQ(flags(1), "-IAv");
-  EXPECT_TRUE(page.AnyManualExclusions());
-  excludeBin(desk, 1);
-  EXPECT_EQ(flags(1), "--Ah");
-  EXPECT_FALSE(page.AnyManualExclusions());
-  excludeBin(desk, 2);
-  EXPECT_EQ(flags(2), "X--h");
-  excludeBin(desk, 2);
-  EXPECT_EQ(flags(2), "---v");
-}
-
-TEST(ByHand, DecisionsAreStoredByDyeAndMeanAndFoundOncePerPage) {
-  Desk desk({{0, {{100.5, {1, 1, 1}}, {200, {1, 0, 1}}, {300, {0, 1, 1}}}}});
-  desk.newAnalysis();
-  excludeBin(desk, 1);
-  excludeBin(desk, 3);
-  desk.host.save();
-  const auto analysis = desk.host.study().Study()->AFLPs.Item(1);
-  EXPECT_EQ(analysis->AFLPBins.Count(), 2);
-  EXPECT_TRUE(analysis->AFLPBins.Item("D1-100.5")->ManuallyIncluded);
-  EXPECT_TRUE(analysis->AFLPBins.Item("D1-300")->ManuallyExcluded);
-
-  IAFLPResultsPage& page = desk.reopen(analysis);
-  EXPECT_EQ(page.Analysis().manualIncluded[1], 1);
-  EXPECT_EQ(page.Analysis().manualExcluded[3], 1);
-  desk.host.study().options().SetShowInclusionWarning(false);
-  page.Analyze(true);
-  EXPECT_FALSE(page.AnyManualExclusions());
-  desk.host.pages().userEvent(*desk.pageNamed("AFLP"), [] {});
-  desk.host.save();
-  EXPECT_EQ(analysis->AFLPBins.Count(), 0);
-}
-
-TEST(Warning, GuardsDecisionsAndPutsTheParametersBack) {
-  Desk desk({{0, {{100, {1, 1, 1}}, {200, {1, 0, 1}}}}});
-  IAFLPResultsPage& page = desk.newAnalysis();
-  excludeBin(desk, 2);
-  const auto runWith = [&](const char* button, const char* threshold, bool dontShow) {
-    desk.host.platform().formAnswers.emplace_back([=](ui::Form& form) {
-      EXPECT_EQ(form.Caption(), "Inclusion/Exclusion Warning");
-      if (dontShow) form.Controls().find<ui::CheckBox>("chkDontShow")->click();
-      if (button != nullptr) form.Controls().find<ui::CommandButton>(button)->Click.raise();
-    });
-    desk.control<ui::TextBox>("txtMaxBinWidth").Text = "2.5";
-    desk.control<ui::TextBox>("txtYThreshold").Text = threshold;
-    page.Analyze(false);
-  };
-  runWith("btnCancel", "12.5", false);
-  EXPECT_EQ(desk.control<ui::TextBox>("txtMaxBinWidth").Text.get(), "1.00");
-  EXPECT_EQ(desk.control<ui::TextBox>("txtYThreshold").Text.get(), "0");
-  EXPECT_TRUE(page.AnyManualExclusions());
-  runWith("btnOK", "12.5", false);
-  EXPECT_FALSE(page.AnyManualExclusions());
-  EXPECT_EQ(page.Analysis().yThreshold, 12.5);
-
-  excludeBin(desk, 2);
-  runWith(nullptr, "13", false);  // closed by its frame: as it was answered last
-  EXPECT_FALSE(page.AnyManualExclusions());
-  excludeBin(desk, 2);
-  runWith("btnCancel", "14", true);
-  EXPECT_FALSE(desk.host.study().options().ShowInclusionWarning());
-  EXPECT_TRUE(page.AnyManualExclusions());
-}
-
-TEST(Columns, ASampleIsExcludedAndABinColumnHidden) {
-  Desk desk(kScript);
-  IAFLPResultsPage& page = desk.newAnalysis();
-  uncheckFilters(desk);
-  const auto exclude = [&](std::int32_t col, const std::string& caption) {
-    desk.chooseAt(0, col, "mnuExcludeColumn");
-    EXPECT_EQ(desk.control<ui::MenuItem>("mnuExcludeColumn").Caption.get(), caption);
-  };
-  exclude(12, "&Exclude Column");
-  exclude(5, "&Hide Column");
-  EXPECT_TRUE(page.IsColHidden(12) && page.IsColHidden(5));
-  EXPECT_TRUE(desk.analysis().SampleGrid->Columns.Item("-3")->IsExcluded);
-  EXPECT_FALSE(desk.analysis().BinGrid->Columns.Item("9")->IsExcluded);
-  hideColumns(desk, {1, 2, 3, 4, 6, 7, 8, 9});
-  desk.control<ui::CheckBox>("chkShowExcluded").click();
-  desk.wait();
-  EXPECT_EQ(desk.visibleTable(), "1 2 3*\n1 0 2*\n0 3 0*\n1 1 0*\n");
+  const char* const first = "122 D1 2 3 122.25 122.75 122.5 0.333333 1.25e-06";
+  const char* const third = "80 D3 2 2 79.875 80.375 80.125 0.333333 1.25e-06";
+  EXPECT_THAT(records(page),
+              ElementsAre(first + std::string(" 1/1/10 0/0/0 2/1/20.5"),
+                          "124 D1 1 3 123.25 123.75 123.5 0.333333 1.25e-06 0/0/0 3/1/0.5 0/0/0",
+                          third + std::string(" 1/1/1.5 1/1/7 0/0/0")));
+  EXPECT_EQ(namesOf(page), " a|b|c|");
+  page.HideCols(10, 10, true);
+  page.HideRows(2, 2, true);
+  EXPECT_THAT(records(page),
+              ElementsAre(first + std::string(" 1/1/10 0/0/0"), third + std::string(" 1/1/1.5 1/1/7")));
+  EXPECT_EQ(namesOf(page), "b|c|");
+  page.SortCol(1);
+  page.SetTranspose(true);
+  EXPECT_THAT(records(page)[0], ::testing::StartsWith(third + std::string(" 1/1/1.5 1/1/7")));
+  page.SetCellText("6", 1, "7.5 nt");
+  EXPECT_THAT(records(page)[0], ::testing::StartsWith("8 D3"));
+  page.HideRows(1, 3, true);
+  EXPECT_EQ(page.Bins()->Count(), 0);
 }
 
 }  // namespace

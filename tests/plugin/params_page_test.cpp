@@ -1,8 +1,12 @@
 // The parameters page of a new analysis.
+#include <gmock/gmock.h>
+
 #include "tests/plugin/desk.h"
 
 namespace banddesk::test {
 namespace {
+
+using ::testing::ElementsAre;
 
 const Script kOneBin{{0, {{100, {1, 1, 0}}}}};
 
@@ -13,6 +17,43 @@ struct Boxes {
   ui::TextBox& width;
   ui::TextBox& threshold;
 };
+
+// The page's boxes and swatches, each with its caption and value or colour.
+std::string designOf(const IPageControl& page) {
+  std::string text;
+  for (const ui::Control* control : page.Controls().all()) {
+    if (const auto* box = dynamic_cast<const ui::CheckBox*>(control)) {
+      text += box->Caption.get() + "=" + std::to_string(box->Value) + "|";
+    } else if (const auto* label = dynamic_cast<const ui::Label*>(control)) {
+      text += label->Caption.get() + "|";
+    } else if (const auto* frame = dynamic_cast<const ui::Frame*>(control)) {
+      text += frame->Caption.get() + "|";
+    } else if (const auto* input = dynamic_cast<const ui::TextBox*>(control)) {
+      text += input->Text.get() + (input->RightAligned ? " right|" : "|");
+    } else if (const auto* swatch = dynamic_cast<const ui::PictureBox*>(control)) {
+      text += std::to_string(swatch->BackColor) + "|";
+    }
+  }
+  return text;
+}
+
+TEST(ParamsPage, KeepsItsDesignWithoutAStudyAndTakesTheDyesOfTheNextOne) {
+  Desk desk(kOneBin);
+  desk.host.pages().OpenPage("AFLPParams", nullptr, nullptr, true, true, true, true, true, true, nullptr,
+                             false, 0);
+  const auto page = desk.pageNamed("AFLPParams");
+  EXPECT_EQ(designOf(*page->control()),
+            "Analysis Parameters|Maximum Bin &Width|1.00 right|nt|&Y Threshold|0 right|RFU|Exclude &Fully "
+            "Populated "
+            "Bins=1|Exclude Samples w/o &Qualifying "
+            "Peaks=1|Dyes|D&1=0|D&2=1|D&3=1|D&4=1|255|2147483663|49152|16711680|");
+  EXPECT_TRUE(desk.host.platform().messages().empty());
+  const auto& picture = Desk::control<ui::Image>(*page->control(), "imgAFLP");
+  EXPECT_TRUE(picture.Width == 425 && picture.Height == 88);
+  desk.host.study().open(desk.store);
+  desk.host.study().setDyeColor(2, 0x123456);
+  EXPECT_EQ(Desk::control<ui::PictureBox>(*page->control(), "picDye(2)").BackColor, 0x123456U);
+}
 
 TEST(ParamsPage, ChecksItsTwoNumbers) {
   Desk desk(kOneBin);
@@ -31,8 +72,8 @@ TEST(ParamsPage, ChecksItsTwoNumbers) {
     boxes.threshold.Text = c.threshold;
     EXPECT_EQ(desk.host.pages().validate(*page), c.widthIsGood && c.thresholdIsGood)
         << c.width << "|" << c.threshold;
-    EXPECT_EQ(boxes.width.BackColor, c.widthIsGood ? ui::kWhite : ui::kYellow) << c.width;
-    EXPECT_EQ(boxes.threshold.BackColor, c.thresholdIsGood ? ui::kWhite : ui::kYellow) << c.threshold;
+    EXPECT_EQ(boxes.width.BackColor, c.widthIsGood ? 0xFFFFFFU : 0x00FFFFU) << c.width;
+    EXPECT_EQ(boxes.threshold.BackColor, c.thresholdIsGood ? 0xFFFFFFU : 0x00FFFFU) << c.threshold;
   }
 }
 
@@ -46,8 +87,9 @@ TEST(ParamsPage, BeepsForTheUserWhoLeavesABadBoxAndNotForTheHost) {
   EXPECT_EQ(desk.host.platform().beeps(), 0);
   EXPECT_EQ(desk.host.platform().focus(), "txtYThreshold");
   EXPECT_FALSE(boxes.width.leave());
-  EXPECT_EQ(desk.host.platform().beeps(), 1);
   EXPECT_EQ(desk.host.platform().focus(), "txtMaxBinWidth");
+  EXPECT_FALSE(boxes.threshold.leave());
+  EXPECT_EQ(desk.host.platform().beeps(), 2);
 }
 
 TEST(ParamsPage, StepsTheWidthByFiveHundredthsAndTheThresholdByItsBuddy) {
@@ -68,36 +110,70 @@ TEST(ParamsPage, StepsTheWidthByFiveHundredthsAndTheThresholdByItsBuddy) {
     EXPECT_EQ(boxes.width.Text.get(), c.to);
   }
   auto& buddy = Desk::control<ui::UpDown>(*page->control(), "udYThreshold");
-  buddy.up();
-  EXPECT_EQ(boxes.threshold.Text.get(), "100");
-  buddy.down();
-  buddy.down();
-  EXPECT_EQ(boxes.threshold.Text.get(), "0");
+  for (const auto& [from, up, to] : {std::tuple("0", true, "100"),
+                                     {"100", false, "0"},
+                                     {"0", false, "0"},
+                                     {"2147483600", true, "2147483647"}}) {
+    boxes.threshold.Text = from;
+    up ? buddy.up() : buddy.down();
+    EXPECT_EQ(boxes.threshold.Text.get(), to);
+  }
+}
+
+TEST(ParamsPage, IsMarkedChangedByWhatIsTyped) {
+  for (const char* box : {"txtMaxBinWidth", "txtYThreshold"}) {
+    Desk desk(kOneBin);
+    const auto page = desk.parametersPage();
+    auto& state = dynamic_cast<AFLP&>(*page->bound()).Persistent();
+    state.IsDirty = false;
+    Desk::control<ui::TextBox>(*page->control(), box).Text = "3";
+    EXPECT_TRUE(state.IsDirty) << box;
+  }
 }
 
 TEST(ParamsPage, WritesTheWholeFirstConfiguration) {
-  Desk desk(kOneBin);
-  const auto page = desk.parametersPage();
-  Boxes boxes(page);
-  boxes.width.Text = "1.25";
-  boxes.threshold.Text = "50.5";
-  Desk::control<ui::CheckBox>(*page->control(), "chkExcludeFullBins").click();
-  Desk::control<ui::CheckBox>(*page->control(), "chkDye(1)").click();
-  desk.accept(page);
-  AFLP& analysis = desk.analysis();
-  EXPECT_EQ(analysis.MaxBinWidth, 1.25);
-  EXPECT_EQ(analysis.YThreshold, 50);  // ties to even
-  EXPECT_FALSE(analysis.ExcludeFullBins);
-  EXPECT_TRUE(analysis.ExcludeEmptySamples);
-  EXPECT_TRUE(analysis.ShowWellID);
-  EXPECT_FALSE(analysis.ShowTimestamp || analysis.ShowExcluded || analysis.SamplesInRows);
-  EXPECT_EQ(analysis.ResultStamp, desk.host.study().Study()->ResultStamp);
-  std::string dyes;
-  for (const auto& column : analysis.DyeGrid->Columns) {
-    dyes += column->Key.get() + column->Header.get() + column->ToolTip.get() +
-            (column->IsVisible ? "+" : "-") + std::to_string(column->TypeCode) + " ";
+  struct Case {
+    const char *width, *threshold;
+    double maxBinWidth;
+    std::int32_t yThreshold;
+  };
+  for (const Case& c : {Case{"1.25", "50.5", 1.25, 50}, Case{"10", "51.5", 10, 52}}) {  // ties to even
+    Desk desk(kOneBin);
+    desk.openStudy();
+    desk.host.study().setDyeColor(3, 0x101010);
+    desk.host.study().Study()->ResultStamp = 77;
+    const auto page = desk.parametersPage();
+    Boxes boxes(page);
+    boxes.width.Text = c.width;
+    boxes.threshold.Text = c.threshold;
+    const bool turnsFull = c.yThreshold == 50;
+    Desk::control<ui::CheckBox>(*page->control(), turnsFull ? "chkExcludeFullBins" : "chkExcludeEmptySamples")
+        .click();
+    Desk::control<ui::CheckBox>(*page->control(), "chkDye(1)").click();
+    const auto bound = std::dynamic_pointer_cast<AFLP>(page->bound());
+    bound->ShowExcluded = bound->ShowTimestamp = bound->SamplesInRows = true;
+    bound->ShowWellID = false;
+    bound->SampleBinOption = 2;
+    page->base()->Save.raise();
+    EXPECT_EQ(bound->MaxBinWidth, c.maxBinWidth);
+    EXPECT_EQ(bound->YThreshold, c.yThreshold);
+    EXPECT_EQ(bound->ExcludeFullBins, !turnsFull);
+    EXPECT_EQ(bound->ExcludeEmptySamples, turnsFull);
+    EXPECT_TRUE(bound->ShowWellID && bound->IsPending);
+    EXPECT_FALSE(bound->ShowTimestamp || bound->ShowExcluded || bound->SamplesInRows);
+    EXPECT_EQ(bound->SampleBinOption, 0);
+    EXPECT_EQ(bound->ResultStamp, 77);
+    std::string dyes;
+    for (const auto& column : bound->DyeGrid->Columns) {
+      dyes += column->Key.get() + column->Header.get() + column->ToolTip.get() +
+              (column->IsVisible ? "+" : "-") + std::to_string(column->TypeCode) + "@" +
+              std::to_string(column->ColumnOrder) + " ";
+      const Colour colour = desk.host.study().Study()->Dyes.Item(column->Key.get())->Color;
+      EXPECT_TRUE(column->InteriorColor == colour && column->InteriorBkColor == colour);
+      EXPECT_EQ(column->TextColor, desk.host.GridUtilities().ContrastColor(colour));
+    }
+    EXPECT_EQ(dyes, "0D1Dye 1+306@1 1D2Dye 2-306@2 2D3Dye 3+306@3 3D4Dye 4+306@4 ");
   }
-  EXPECT_EQ(dyes, "0D1Dye 1+306 1D2Dye 2-306 2D3Dye 3+306 3D4Dye 4+306 ");
 }
 
 TEST(ParamsPage, ReadsStrictlyWhenItSaves) {
@@ -123,15 +199,41 @@ TEST(ParamsPage, ReadsStrictlyWhenItSaves) {
 
 TEST(ParamsPage, FollowsTheStudysDyesByColourOrByVisibility) {
   Desk desk(kOneBin);
+  desk.openStudy();
+  desk.host.study().setDyeVisible(0, false);
   const auto page = desk.parametersPage();
+  for (int i = 0; i < 4; ++i) {
+    const std::string number = "(" + std::to_string(i) + ")";
+    EXPECT_EQ(Desk::control<ui::CheckBox>(*page->control(), "chkDye" + number).Value, i == 0 ? 0 : 1);
+    EXPECT_EQ(Desk::control<ui::PictureBox>(*page->control(), "picDye" + number).BackColor,
+              desk.host.study().Study()->Dyes.Item(std::to_string(i))->Color);
+  }
   auto& box = Desk::control<ui::CheckBox>(*page->control(), "chkDye(2)");
   auto& swatch = Desk::control<ui::PictureBox>(*page->control(), "picDye(2)");
-  EXPECT_EQ(box.Value, 1);
-  desk.host.study().setDyeVisible(2, false);
-  EXPECT_EQ(box.Value, 0);
-  desk.host.study().setDyeColor(2, 0x123456);
-  EXPECT_EQ(swatch.BackColor, 0x123456U);
-  EXPECT_EQ(box.Value, 0);
+  Dye dye;
+  const auto follow = [&](std::int32_t index, Colour colour, bool isVisible) {
+    dye.Index = index;
+    dye.Color = colour;
+    dye.Visible = isVisible;
+    desk.host.study().Study()->DyeVisibibilityChanged.raise(dye);
+    return std::pair(box.Value.get(), swatch.BackColor.get());
+  };
+  const Colour first = swatch.BackColor;
+  EXPECT_EQ(follow(2, first, false), std::pair(0, first));
+  EXPECT_EQ(follow(2, 0x123456, true), std::pair(0, Colour{0x123456})) << "both at once: the colour alone";
+  EXPECT_EQ(follow(2, 0x123456, true), std::pair(1, Colour{0x123456}));
+  for (const std::int32_t index : {-1, 4}) EXPECT_EQ(follow(index, 0, false), std::pair(1, Colour{0x123456}));
+  EXPECT_TRUE(desk.host.framework().reports().empty());
+}
+
+TEST(ParamsPage, CannotOpenOverAStudyWithoutOneOfTheDyes) {
+  Desk desk(kOneBin);
+  desk.openStudy();
+  desk.host.study().Study()->Dyes.Remove("2");
+  EXPECT_THROW(desk.parametersPage(), Error);
+  std::vector<std::string> procedures;
+  for (const auto& report : desk.host.framework().reports()) procedures.push_back(report.procedure);
+  EXPECT_THAT(procedures, ElementsAre("InitDyes", "m_oPageBase_Initialize", "NewAFLP", "NewAFLP"));
 }
 
 }  // namespace
