@@ -43,6 +43,7 @@ const std::vector<Module> modules = {
     {"binning", {"host/binning/"}, {"contracts"}},
     {"quality", {"host/quality/"}, {"contracts"}},
     {"simulation", {"host/simulation/"}, {"contracts"}},
+    {"runs", {"host/runs/"}, {}},
     {"import", {"host/import/"}, {"contracts"}},
     {"study", {"host/study/"}, {"contracts"}},
     {"store", {"host/store/"}, {"study"}},

@@ -1,0 +1,269 @@
+#include "host/runs/ladder.h"
+
+#include <algorithm>
+#include <cmath>
+#include <fmt/format.h>
+
+#include "host/runs/ladder_fit.h"
+
+namespace banddesk::host::runs {
+namespace {
+
+constexpr std::size_t kMostCandidates = 70;
+constexpr std::size_t kProposals = 5;
+constexpr double kSatelliteScans = 15;  // a shoulder so near to a taller peak belongs to it
+constexpr double kSatelliteWidths = 2;
+constexpr double kSatelliteRatio = 2;
+constexpr double kShadowRatio = 8;  // another dye's peak so much taller at the same scan throws a shadow
+constexpr double kUsualJitter = 0.3, kUnreliableJitter = 1.0;  // nt
+constexpr std::size_t kFewestPeaks = 5;
+constexpr double kLeastScorePerPeak = 0.9;  // chance alone does not reach it
+constexpr double kLeastScore = 9;
+constexpr double kLeastMargin = 6;    // over a different assignment
+constexpr double kMostMissing = 0.3;  // of the sizes
+constexpr double kMostMissingWithin = 0.12;
+constexpr double kMostSpread = 0.8;  // nt
+constexpr double kWeakHeight = 100;  // RFU
+
+/// Where the fragments of 250 and 340 nt are usually seen.
+double apparentSize(double size) {
+  if (size == 250) return 247.2;
+  if (size == 340) return 339.0;
+  return size;
+}
+
+std::vector<ExpectedSize> expectedSizes(const SizeStandard& standard) {
+  std::vector<ExpectedSize> expected;
+  for (const double size : standard.sizes) {
+    const bool strays = standard.isUnreliable(size);
+    expected.push_back({size, strays ? apparentSize(size) : size, strays ? kUnreliableJitter : kUsualJitter});
+  }
+  return expected;
+}
+
+double middleOf(std::vector<double> values) {
+  if (values.empty()) return 0;
+  const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+  std::ranges::nth_element(values, middle);
+  return *middle;
+}
+
+/// From the size that the others give a peak, by the method that sizes everything else.
+void addResiduals(LadderAssignment& ladder) {
+  const std::vector<LadderPoint> points = ladder.points();
+  std::vector<double> sizes;
+  for (LadderPeak& peak : ladder.peaks) {
+    peak.residual = 0;
+    std::vector<LadderPoint> others = points;
+    std::erase_if(others, [&](const LadderPoint& point) { return point.size == peak.size; });
+    const auto called = SizingCurve(others, SizeMethod::LocalSouthern).at(peak.scan, OutsideLadder::NoSize);
+    if (!called) continue;
+    peak.residual = called->size - peak.size;
+    if (peak.takesPart) sizes.push_back(std::abs(peak.residual));
+  }
+  ladder.medianResidual = middleOf(sizes);
+  ladder.worstResidual = sizes.empty() ? 0 : *std::ranges::max_element(sizes);
+}
+
+void addMissing(LadderAssignment& ladder) {
+  ladder.missing.clear();
+  for (const double size : ladder.standard.sizes)
+    if (ladder.peakOf(size) == nullptr) ladder.missing.push_back(size);
+}
+
+LadderAssignment assignmentOf(std::span<const LadderCandidate> candidates, const SizeStandard& standard,
+                              const LadderPath& matches, bool usesUnreliable) {
+  LadderAssignment ladder;
+  ladder.standard = standard;
+  std::vector<double> heights;
+  for (const LadderMatch& match : matches) {
+    const double size = standard.sizes[match.size];
+    const LadderCandidate& peak = candidates[match.candidate];
+    ladder.peaks.push_back({size, static_cast<int>(std::lround(peak.scan)), peak.height, 0,
+                            usesUnreliable || !standard.isUnreliable(size)});
+    heights.push_back(peak.height);
+  }
+  ladder.medianHeight = middleOf(std::move(heights));
+  addMissing(ladder);
+  addResiduals(ladder);
+  return ladder;
+}
+
+std::size_t missingWithin(const LadderAssignment& ladder) {
+  return static_cast<std::size_t>(std::ranges::count_if(ladder.missing, [&](double size) {
+    return size > ladder.peaks.front().size && size < ladder.peaks.back().size;
+  }));
+}
+
+void doubt(LadderAssignment& ladder, std::string reason) {
+  ladder.reasons.push_back(std::move(reason));
+  if (ladder.quality == LadderQuality::Sized) ladder.quality = LadderQuality::LookAtIt;
+}
+
+void refuse(LadderAssignment& ladder, std::string reason) {
+  ladder.reasons.push_back(std::move(reason));
+  ladder.quality = LadderQuality::NotSized;
+}
+
+void judge(LadderAssignment& ladder, const LadderFit& fit, std::size_t candidates) {
+  const auto found = static_cast<double>(ladder.peaks.size());
+  const auto wanted = static_cast<double>(ladder.standard.sizes.size());
+  ladder.quality = LadderQuality::Sized;
+  if (ladder.peaks.size() < kFewestPeaks) return refuse(ladder, "no ladder was found");
+  if (ladder.score < kLeastScore || ladder.score < kLeastScorePerPeak * found || 2 * found < wanted)
+    return refuse(ladder, fmt::format("{} of {} sizes fit, not better than by chance", found, wanted));
+  const std::size_t within = missingWithin(ladder);
+  if (static_cast<double>(within) > kMostMissingWithin * wanted || wanted - found > kMostMissing * wanted)
+    doubt(ladder, fmt::format("{} of {} sizes were found", found, wanted));
+  for (const std::size_t size : fit.doubted)
+    doubt(ladder, fmt::format("two peaks may be {:g} nt", ladder.standard.sizes[size]));
+  if (fit.spread > kMostSpread) doubt(ladder, fmt::format("its peaks stray by {:.1f} nt", fit.spread));
+  if (ladder.medianHeight < kWeakHeight)
+    doubt(ladder, fmt::format("its peaks are low: {:.0f} RFU", ladder.medianHeight));
+  if (candidates >= kMostCandidates) doubt(ladder, "its dye has very many peaks");
+}
+
+struct Fitted {
+  LadderFit fit;
+  LadderAssignment ladder;
+};
+
+/// All that the list's proposals come to, the best first; equal ones once.
+std::vector<Fitted> fitAll(std::span<const LadderCandidate> candidates, const SizeStandard& standard,
+                           bool usesUnreliable) {
+  const std::vector<ExpectedSize> expected = expectedSizes(standard);
+  std::vector<Fitted> all;
+  for (const LadderPath& proposal : findLadderPaths(candidates, expected, kProposals)) {
+    LadderFit fit = fitLadder(candidates, expected, proposal);
+    if (fit.matches.empty()) continue;
+    if (std::ranges::any_of(all, [&](const Fitted& one) { return one.fit.matches == fit.matches; })) continue;
+    LadderAssignment ladder = assignmentOf(candidates, standard, fit.matches, usesUnreliable);
+    ladder.score = fit.score;
+    all.push_back({std::move(fit), std::move(ladder)});
+  }
+  std::ranges::stable_sort(all, std::greater<>{}, [](const Fitted& one) { return one.fit.score; });
+  return all;
+}
+
+/// All sizes of one are found in the other on the same peaks.
+bool isPartOf(const LadderAssignment& part, const LadderAssignment& whole) {
+  return std::ranges::all_of(part.peaks, [&](const LadderPeak& peak) {
+    const LadderPeak* other = whole.peakOf(peak.size);
+    return other != nullptr && other->scan == peak.scan;
+  });
+}
+
+}  // namespace
+
+std::vector<LadderPoint> LadderAssignment::points() const {
+  std::vector<LadderPoint> all;
+  for (const LadderPeak& peak : peaks)
+    if (peak.takesPart) all.push_back({static_cast<double>(peak.scan), peak.size});
+  return all;
+}
+
+const LadderPeak* LadderAssignment::peakOf(double size) const {
+  const auto found = std::ranges::lower_bound(peaks, size, {}, &LadderPeak::size);
+  return found != peaks.end() && found->size == size ? &*found : nullptr;
+}
+
+bool agree(const LadderAssignment& a, const LadderAssignment& b) {
+  return std::ranges::all_of(a.peaks, [&](const LadderPeak& peak) {
+    const LadderPeak* other = b.peakOf(peak.size);
+    return other == nullptr || other->scan == peak.scan;
+  });
+}
+
+std::vector<LadderCandidate> ladderCandidates(std::span<const Peak> peaks, std::span<const Peak> others,
+                                              double typicalWidth) {
+  const double reach = std::max(kSatelliteScans, kSatelliteWidths * typicalWidth);
+  std::vector<LadderCandidate> candidates;
+  for (const Peak& peak : peaks) {
+    const auto near = [&](const Peak& other) { return std::abs(other.scan - peak.scan) <= reach; };
+    if (std::ranges::any_of(peaks, [&](const Peak& other) {
+          return near(other) && other.height >= kSatelliteRatio * peak.height;
+        }))
+      continue;
+    const bool isShadow = std::ranges::any_of(others, [&](const Peak& other) {
+      return std::abs(other.scan - peak.scan) <= 1 && other.height >= kShadowRatio * peak.height;
+    });
+    candidates.push_back({static_cast<double>(peak.scan), peak.height, isShadow});
+  }
+  if (candidates.size() > kMostCandidates) {
+    std::ranges::stable_sort(candidates, std::greater<>{}, &LadderCandidate::height);
+    candidates.resize(kMostCandidates);
+    std::ranges::sort(candidates, {}, &LadderCandidate::scan);
+  }
+  return candidates;
+}
+
+LadderAssignment assignLadder(std::span<const LadderCandidate> candidates, const SizeStandard& standard,
+                              bool usesUnreliable) {
+  std::vector<Fitted> all = fitAll(candidates, standard, usesUnreliable);
+  if (all.empty()) {
+    LadderAssignment none;
+    none.standard = standard;
+    none.missing = standard.sizes;
+    refuse(none, "no ladder was found");
+    return none;
+  }
+  Fitted& best = all.front();
+  judge(best.ladder, best.fit, candidates.size());
+  const bool hasRival = std::any_of(all.begin() + 1, all.end(), [&](const Fitted& other) {
+    return other.fit.score > best.fit.score - kLeastMargin;
+  });
+  if (hasRival) doubt(best.ladder, "its peaks fit the sizes in two ways");
+  return std::move(best.ladder);
+}
+
+LadderAssignment assignBestLadder(std::span<const LadderCandidate> candidates,
+                                  std::span<const SizeStandard> standards, std::string_view operatorsWord,
+                                  bool usesUnreliable) {
+  std::vector<LadderAssignment> all;
+  for (const SizeStandard& standard : standards) {
+    // Makers sell the same sizes under several names.
+    const auto same = std::ranges::find_if(
+        all, [&](const LadderAssignment& one) { return one.standard.sizes == standard.sizes; });
+    if (same == all.end())
+      all.push_back(assignLadder(candidates, standard, usesUnreliable));
+    else if (hintMatch(operatorsWord, standard) > hintMatch(operatorsWord, same->standard))
+      same->standard = standard;
+  }
+  if (all.empty()) return {};
+  const auto best = std::ranges::max_element(all, {}, &LadderAssignment::score);
+  // A shorter list whose sizes are on the same peaks is the better one when the operator speaks of it.
+  auto chosen = best;
+  for (auto one = all.begin(); one != all.end(); ++one)
+    if (one->quality == LadderQuality::Sized && isPartOf(*one, *best) &&
+        hintMatch(operatorsWord, one->standard) > hintMatch(operatorsWord, chosen->standard))
+      chosen = one;
+  for (const LadderAssignment& other : all)
+    if (other.quality != LadderQuality::NotSized && other.score > best->score - kLeastMargin &&
+        !agree(other, *chosen))
+      doubt(*chosen, fmt::format("it fits {} nearly as well", other.standard.name));
+  return std::move(*chosen);
+}
+
+LadderAssignment ladderByHand(const SizeStandard& standard, int channel, std::vector<LadderPeak> peaks,
+                              bool usesUnreliable) {
+  LadderAssignment ladder;
+  ladder.standard = standard;
+  ladder.channel = channel;
+  ladder.peaks = std::move(peaks);
+  std::ranges::sort(ladder.peaks, {}, &LadderPeak::size);
+  std::vector<double> heights;
+  for (LadderPeak& peak : ladder.peaks) {
+    peak.takesPart = usesUnreliable || !standard.isUnreliable(peak.size);
+    heights.push_back(peak.height);
+  }
+  ladder.medianHeight = middleOf(std::move(heights));
+  addMissing(ladder);
+  addResiduals(ladder);  // throws when they do not ascend
+  ladder.isByHand = true;
+  ladder.quality = ladder.points().size() < 3 ? LadderQuality::NotSized : LadderQuality::Sized;
+  if (ladder.quality == LadderQuality::NotSized)
+    ladder.reasons.emplace_back("fewer than three peaks were given");
+  return ladder;
+}
+
+}  // namespace banddesk::host::runs
