@@ -21,7 +21,7 @@ constexpr double kMostPredictionError =
 constexpr double kReach = 5;  // spreads from the prediction
 constexpr double kTails = 4;
 constexpr double kHeightSpread = 0.7;
-constexpr double kMostHeightCost = 4;
+constexpr double kMostHeightCost = 9;
 constexpr double kSuspectCost = 2;
 constexpr double kMissingCost = 2, kMissingAtEndCost = 1;
 // Two candidates whose evidence differs by less are hard to tell apart. At the ends, where nothing beyond
@@ -94,6 +94,7 @@ class Refinement {
       if (!improve(round == 0)) return {};
       if (round > 0 && matches_ == before) break;
     }
+    if (matches_.size() >= kFewestMatches) dropDoubtfulEnds();
     return matches_.size() >= kFewestMatches ? result() : LadderFit{};
   }
 
@@ -102,7 +103,7 @@ class Refinement {
     std::optional<std::size_t> candidate;
     double gain = 0;
     double residual = 0;
-    bool isDoubted = false;
+    double margin = 0;  // of its gain over that of the next peak
   };
 
   bool improve(bool isFirst);
@@ -112,6 +113,13 @@ class Refinement {
   bool isInside(std::size_t size) const {
     return size > matches_.front().size && size < matches_.back().size;
   }
+  /// It is free again when that size turns out not to fit it.
+  bool isOfOther(std::size_t candidate, std::size_t size) const {
+    return std::ranges::any_of(
+        matches_, [&](const LadderMatch& match) { return match.candidate == candidate && match.size != size; });
+  }
+  double missingCost(std::size_t size) const { return isInside(size) ? kMissingCost : kMissingAtEndCost; }
+  void dropDoubtfulEnds();
   double gainOf(const LadderCandidate& candidate, double residual, double spread, double lnHeight) const;
   double usualLnHeight(std::size_t size) const;
   double candidatesPerNt(double scansPerNt) const;
@@ -167,18 +175,15 @@ Refinement::Choice Refinement::choose(std::size_t size, const Prediction& predic
   Choice best;
   double second = -HUGE_VAL;
   for (; at != candidates_.end() && at->scan <= prediction.scan + reach; ++at) {
+    const auto candidate = static_cast<std::size_t>(at - candidates_.begin());
+    if (isOfOther(candidate, size)) continue;
     const double residual = (at->scan - prediction.scan) / prediction.scansPerNt;
     const double gain = base + gainOf(*at, residual, prediction.spread, lnHeight);
-    if (!best.candidate || gain > best.gain) {
-      second = best.candidate ? best.gain : second;
-      best = {static_cast<std::size_t>(at - candidates_.begin()), gain, residual, false};
-    } else {
-      second = std::max(second, gain);
-    }
+    second = std::max(second, std::min(gain, best.candidate ? best.gain : -HUGE_VAL));
+    if (!best.candidate || gain > best.gain) best = {candidate, gain, residual, 0};
   }
-  if (best.candidate && (best.gain <= 0 || (!isInside(size) && best.gain - second < kDoubtfulAtEnd)))
-    return {};
-  best.isDoubted = best.candidate && best.gain - second < kDoubtful;
+  if (!best.candidate || best.gain <= -missingCost(size)) return {};
+  best.margin = best.gain - second;
   return best;
 }
 
@@ -198,7 +203,7 @@ void Refinement::estimateSpread(MobilityCurve& curve, std::size_t terms) {
 /// Within the matches by the close curve; outside by a cubic, which strays less there.
 std::optional<Prediction> Refinement::predict(std::size_t size, MobilityCurve& inner, MobilityCurve& outer) {
   MobilityCurve& curve = isInside(size) ? inner : outer;
-  const double base = isInside(size) ? spread_ : std::max(spread_, kWideSpread / 2);
+  const double base = isInside(size) ? spread_ : std::max(spread_, kWideSpread);
   const ExpectedSize& expected = sizes_[size];
   Prediction prediction{curve.scanAt(expected.apparent), curve.scansPerNt(expected.apparent), 0};
   if (!(prediction.scansPerNt > 0.5)) return {};
@@ -253,6 +258,16 @@ bool Refinement::improve(bool isFirst) {
   return true;
 }
 
+void Refinement::dropDoubtfulEnds() {
+  const auto isDoubtful = [&](const LadderMatch& match) { return choices_[match.size].margin < kDoubtfulAtEnd; };
+  const auto drop = [&](LadderPath::iterator match) {
+    choices_[match->size] = {};
+    matches_.erase(match);
+  };
+  while (!matches_.empty() && isDoubtful(matches_.front())) drop(matches_.begin());
+  while (!matches_.empty() && isDoubtful(matches_.back())) drop(std::prev(matches_.end()));
+}
+
 LadderFit Refinement::result() const {
   LadderFit fit{matches_, {}, {}, 0, spread_};
   for (std::size_t size = 0; size < sizes_.size(); ++size) {
@@ -260,9 +275,9 @@ LadderFit Refinement::result() const {
     if (choice.candidate) {
       fit.score += choice.gain;
       fit.residuals.push_back(choice.residual);
-      if (choice.isDoubted) fit.doubted.push_back(size);
+      if (choice.margin < kDoubtful) fit.doubted.push_back(size);
     } else {
-      fit.score -= isInside(size) ? kMissingCost : kMissingAtEndCost;
+      fit.score -= missingCost(size);
     }
   }
   return fit;

@@ -23,7 +23,7 @@ struct PeakSettings {
   int polynomialWindow = 15;  // scans; it grows with the peaks' width where an instrument has wide ones
   int polynomialDegree = 3;
   bool doesWindowFollowWidth = true;
-  std::array<double, kMostDyes> leastHeight{50, 50, 50, 50, 50, 50};  // RFU, by channel
+  std::array<double, kMostDyes> leastHeight{50, 50, 50, 50, 50, 50};  // RFU as heights are shown, by channel
   double leastWidth = 2;                                              // scans at half height
   double leastSize = 0;                                               // nt; both ends belong to the range
   double largestSize = 100'000;

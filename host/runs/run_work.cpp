@@ -180,8 +180,11 @@ void RunWork::findAllPeaks() {
   out_.peaks.clear();
   for (const RunDye& dye : out_.run.dyes) {
     const double least = settings_.peaks.leastHeight[static_cast<std::size_t>(dye.channel - 1)];
-    const auto peaks = peaksOf(dye, least, out_.window);
-    out_.peaks.insert(out_.peaks.end(), peaks.begin(), peaks.end());
+    for (Peak peak : peaksOf(dye, least / out_.heightFactor, out_.window)) {
+      peak.height *= out_.heightFactor;
+      peak.area *= out_.heightFactor;
+      out_.peaks.push_back(peak);
+    }
   }
 }
 
@@ -189,7 +192,7 @@ void RunWork::sizePeaks() {
   if (out_.isSized()) out_.curve = SizingCurve(out_.ladder.points(), settings_.method);
   for (Peak& peak : out_.peaks) {
     const auto called = out_.curve.at(peak.scan, settings_.outside);
-    if (!called) continue;
+    if (!called || called->size <= 0) continue;  // a straight line goes below any length
     peak.size = called->size;
     peak.isOutsideLadder = called->isOutsideLadder;
     const auto from = out_.curve.at(peak.scan - peak.width / 2, OutsideLadder::StraightLine);
@@ -218,24 +221,20 @@ void RunWork::flagPeaks() {
   for (std::size_t i = 0; i < isShadow.size(); ++i) out_.peaks[i].isPullUp = isShadow[i];
 }
 
-void RunWork::normalise() {
+// Least heights are meant as heights are shown, so the factor is known before peaks are found.
+void RunWork::findHeightFactor() {
   const Normalisation wish = settings_.normalisation;
-  if (wish == Normalisation::Never || (wish == Normalisation::AsTheFileSays && !out_.run.isNormalised))
-    return;
+  if (wish == Normalisation::Never || (wish == Normalisation::AsTheFileSays && !out_.run.isNormalised)) return;
   const auto factor = out_.run.normalisation ? out_.run.normalisation : ladderFactor(out_.ladder);
   out_.heightFactor = factor.value_or(1);
-  for (Peak& peak : out_.peaks) {
-    peak.height *= out_.heightFactor;
-    peak.area *= out_.heightFactor;
-  }
 }
 
 ProcessedRun RunWork::finish() {
   measureWidth();
+  findHeightFactor();
   findAllPeaks();
   flagPeaks();
   sizePeaks();
-  normalise();
   return std::move(out_);
 }
 

@@ -35,10 +35,10 @@ class RunWork {
   LadderAssignment bestOfLists(const std::vector<LadderCandidate>& candidates, const RunDye& dye) const;
   std::vector<Peak> peaksOf(const RunDye& dye, double leastHeight, int window) const;
   void measureWidth();
+  void findHeightFactor();
   void findAllPeaks();
   void sizePeaks();
   void flagPeaks();
-  void normalise();
 
   ProcessedRun out_;
   const RunSettings& settings_;
