@@ -2,9 +2,11 @@
 // or ../shared beside the source tree), with and without the results that those programs left in the files.
 #include <CLI/CLI.hpp>
 #include <chrono>
+#include <ctime>
 #include <fmt/format.h>
 
 #include "bench/run_figures.h"
+#include "bench/run_stress.h"
 #include "host/runs/run_error.h"
 
 namespace banddesk::bench {
@@ -68,32 +70,60 @@ double secondsOf(const auto& work) {
   return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 
+/// Of this process, whatever else the machine does.
+double processorSecondsOf(const auto& work) {
+  const std::clock_t start = std::clock();
+  work();
+  return static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
+}
+
 void printSpeed(const fs::path& folder) {
   std::vector<std::string> files;
   for (const std::string& file : filesBelow(folder))
     if (file.find("biopython") == std::string::npos) files.push_back(file);
   const auto each = [&](const runs::RunSettings& settings) {
-    const double seconds = secondsOf([&] {
+    const double seconds = processorSecondsOf([&] {
       for (const std::string& file : files) runs::processRun(runs::readRunFile(file), settings);
     });
     return 1000 * seconds / static_cast<double>(files.size());
   };
+  // As a batch does once a run's first files have decided.
   runs::RunSettings known;
-  known.ladder.standard = *runs::findStandard(runs::knownStandards(), "GS600 LIZ");
+  std::erase_if(known.ladder.lists, [](const auto& list) { return list.name != "GS600 LIZ" && list.name != "GS500"; });
   runs::RunSettings all;
   for (auto& list : all.ladder.lists) list.dyes.clear();
-  fmt::print("  a file on one core: {:.1f} ms with the list known, {:.1f} ms with those of its dye, {:.1f} ms with all lists\n",
+  fmt::print("  a file on one core, processor time: {:.1f} ms with two lists, {:.1f} ms with those of its dye, {:.1f} ms with all lists\n",
              each(known), each({}), each(all));
   fmt::print("  all {} files as a batch on two cores: {:.0f} ms\n", files.size(),
              1000 * secondsOf([&] { runs::processRuns(files, {}, 2); }));
 }
 
+void printStress(std::size_t runs) {
+  fmt::print("simulated ladders, {} each, by themselves | as one run: % right, right but flagged, wrong and flagged, "
+             "SILENTLY WRONG\n",
+             runs);
+  for (const char* name : {"GS500", "GS600 LIZ", "ILS500 WEN", "GS400HD ROX"})
+    for (const Stress& stress : stresses()) {
+      fmt::print("  {:<12} {:<20}", name, stress.name);
+      for (const bool isOneRun : {false, true}) {
+        const auto one = stressFigures(stress, *runs::findStandard(runs::knownStandards(), name), runs, isOneRun);
+        fmt::print(" {} {:6.1f} {:6.1f} {:6.1f} {:6.1f}", isOneRun ? "|" : " ", percent(one.right, one.runs),
+                   percent(one.rightFlagged, one.runs), percent(one.wrongFlagged, one.runs),
+                   percent(one.silentlyWrong, one.runs));
+      }
+      fmt::print("\n");
+    }
+}
+
 int run(int argc, char** argv) {
   CLI::App app("Compares the analysis of raw runs with other programs");
   bool details = false, defaults = false;
+  std::size_t simulated = 0;
   app.add_flag("--details", details, "name the files that are not right");
   app.add_flag("--defaults", defaults, "also list every file with default settings");
+  app.add_option("--simulated", simulated, "so many simulated ladders of each kind");
   CLI11_PARSE(app, argc, argv);
+  if (simulated > 0) printStress(simulated);
   const fs::path folder = realRuns();
   if (folder.empty()) {
     fmt::print("the real runs are not at hand\n");

@@ -1,6 +1,7 @@
 #include "host/runs/ladder.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <fmt/format.h>
 
@@ -153,6 +154,15 @@ bool isPartOf(const LadderAssignment& part, const LadderAssignment& whole) {
   });
 }
 
+/// Of lists on the same peaks as the best one: that of which the operator speaks, then the one that explains
+/// most peaks and misses fewest sizes. Other lists come last.
+std::array<int, 5> rankAgainst(const LadderAssignment& best, const LadderAssignment& one, std::string_view operatorsWord) {
+  const bool isSame = &one == &best;
+  if (!isSame && (one.quality != LadderQuality::Sized || (!isPartOf(best, one) && !isPartOf(one, best)))) return {};
+  return {1, hintMatch(operatorsWord, one.standard), static_cast<int>(one.peaks.size()),
+          -static_cast<int>(one.missing.size()), isSame ? 1 : 0};
+}
+
 }  // namespace
 
 std::vector<LadderPoint> LadderAssignment::points() const {
@@ -231,15 +241,11 @@ LadderAssignment assignBestLadder(std::span<const LadderCandidate> candidates,
   }
   if (all.empty()) return {};
   const auto best = std::ranges::max_element(all, {}, &LadderAssignment::score);
-  // A shorter list whose sizes are on the same peaks is the better one when the operator speaks of it.
-  auto chosen = best;
-  for (auto one = all.begin(); one != all.end(); ++one)
-    if (one->quality == LadderQuality::Sized && isPartOf(*one, *best) &&
-        hintMatch(operatorsWord, one->standard) > hintMatch(operatorsWord, chosen->standard))
-      chosen = one;
+  const auto chosen = std::ranges::max_element(all, [&](const LadderAssignment& a, const LadderAssignment& b) {
+    return rankAgainst(*best, a, operatorsWord) < rankAgainst(*best, b, operatorsWord);
+  });
   for (const LadderAssignment& other : all)
-    if (other.quality != LadderQuality::NotSized && other.score > best->score - kLeastMargin &&
-        !agree(other, *chosen))
+    if (other.quality != LadderQuality::NotSized && other.score > best->score - kLeastMargin && !agree(other, *chosen))
       doubt(*chosen, fmt::format("it fits {} nearly as well", other.standard.name));
   return std::move(*chosen);
 }

@@ -11,6 +11,7 @@ namespace {
 
 constexpr double kWindowPerWidth =
     1.9;  // above this many widths the polynomial follows the window, not noise
+constexpr double kWidthError = 0.2;  // scans: a peak of few scans has no more exact width
 constexpr std::size_t kPeaksForWidth = 25;
 constexpr std::size_t kLongestHalf = 200;  // scans from the top of a peak to half of its height
 
@@ -81,7 +82,7 @@ std::vector<Peak> findPeaks(std::span<const double> signal, const PeakSettings& 
     Peak peak = peakOf(signal, stretch);
     if (peak.height < leastHeight || peak.height <= 0) continue;
     peak.width = widthAtHalf(signal, static_cast<std::size_t>(peak.scan), stretch);
-    if (peak.width < settings.leastWidth) continue;
+    if (peak.width < settings.leastWidth - kWidthError) continue;
     for (std::size_t i = stretch.begin; i <= stretch.end; ++i) peak.area += signal[i];
     peaks.push_back(peak);
   }
