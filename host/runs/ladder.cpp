@@ -21,8 +21,15 @@ constexpr std::size_t kFewestPeaks = 5;
 constexpr double kLeastScorePerPeak = 0.9;  // chance alone does not reach it
 constexpr double kLeastScore = 9;
 constexpr double kLeastMargin = 6;    // over a different assignment
-constexpr double kMostMissing = 0.3;  // of the sizes
-constexpr double kMostMissingWithin = 0.12;
+constexpr double kMostMissing = 0.3;     // of the sizes
+constexpr double kMostDoubtful = 0.15;
+constexpr double kMedianToSigma = 1.48;
+constexpr double kDenseResidual = 0.5;   // nt: of sparser ladders residuals tell little
+constexpr std::size_t kFewestForStrays = 8;
+// How far a peak may stray, in nt and in usual residuals. The first fragments run least evenly.
+constexpr double kStray = 0.7, kStrayWithin = 4;
+constexpr double kStrayAtBeginning = 2.2, kStrayAtEnd = 1.0, kStrayAtEnds = 6;
+constexpr double kWidestGap = 80;        // nt: sizes in a wider one may be a nucleotide off
 constexpr double kMostSpread = 0.8;  // nt
 constexpr double kWeakHeight = 100;  // RFU
 
@@ -66,6 +73,51 @@ void addResiduals(LadderAssignment& ladder) {
   ladder.worstResidual = sizes.empty() ? 0 : *std::ranges::max_element(sizes);
 }
 
+/// How far an end of the ladder lies from the parabola through the three points next to it, in nt.
+double endResidual(const std::vector<LadderPoint>& points, bool isLast) {
+  const std::size_t n = points.size();
+  const auto at = [&](std::size_t i) { return isLast ? points[n - 1 - i] : points[i]; };
+  const double x = at(0).scan;
+  double size = 0;
+  for (std::size_t i = 1; i <= 3; ++i) {
+    double weight = at(i).size;
+    for (std::size_t k = 1; k <= 3; ++k)
+      if (k != i) weight *= (x - at(k).scan) / (at(i).scan - at(k).scan);
+    size += weight;
+  }
+  return size - at(0).size;
+}
+
+/// The peak that strays most for its ladder, if one does: a false peak may stand where a fragment is missing.
+LadderPeak* worstStray(LadderAssignment& ladder) {
+  const double usual = kMedianToSigma * ladder.medianResidual;
+  const std::vector<LadderPoint> points = ladder.points();
+  if (points.size() < kFewestForStrays || ladder.medianResidual > kDenseResidual) return nullptr;
+  LadderPeak* worst = nullptr;
+  double most = 1;
+  for (LadderPeak& peak : ladder.peaks) {
+    if (!peak.takesPart) continue;
+    const bool isFirst = peak.size == points.front().size, isLast = peak.size == points.back().size;
+    const double residual = isFirst || isLast ? endResidual(points, isLast) : peak.residual;
+    const double limit = isFirst  ? std::max(kStrayAtBeginning, kStrayAtEnds * usual)
+                         : isLast ? std::max(kStrayAtEnd, kStrayAtEnds * usual)
+                                  : std::max(kStray, kStrayWithin * usual);
+    if (std::abs(residual) / limit <= most) continue;
+    most = std::abs(residual) / limit;
+    worst = &peak;
+  }
+  return worst;
+}
+
+void leaveOutStrays(LadderAssignment& ladder) {
+  addResiduals(ladder);
+  for (LadderPeak* stray = worstStray(ladder); stray != nullptr; stray = worstStray(ladder)) {
+    stray->takesPart = false;
+    stray->isDoubtful = true;
+    addResiduals(ladder);
+  }
+}
+
 void addMissing(LadderAssignment& ladder) {
   ladder.missing.clear();
   for (const double size : ladder.standard.sizes)
@@ -73,27 +125,36 @@ void addMissing(LadderAssignment& ladder) {
 }
 
 LadderAssignment assignmentOf(std::span<const LadderCandidate> candidates, const SizeStandard& standard,
-                              const LadderPath& matches, bool usesUnreliable) {
+                              const LadderFit& fit, bool usesUnreliable) {
   LadderAssignment ladder;
   ladder.standard = standard;
+  ladder.score = fit.score;
   std::vector<double> heights;
-  for (const LadderMatch& match : matches) {
+  for (const LadderMatch& match : fit.matches) {
     const double size = standard.sizes[match.size];
     const LadderCandidate& peak = candidates[match.candidate];
+    const bool isDoubtful = std::ranges::find(fit.doubted, match.size) != fit.doubted.end();
     ladder.peaks.push_back({size, static_cast<int>(std::lround(peak.scan)), peak.height, 0,
-                            usesUnreliable || !standard.isUnreliable(size)});
+                            !isDoubtful && (usesUnreliable || !standard.isUnreliable(size)), isDoubtful});
     heights.push_back(peak.height);
   }
   ladder.medianHeight = middleOf(std::move(heights));
   addMissing(ladder);
-  addResiduals(ladder);
+  leaveOutStrays(ladder);
   return ladder;
 }
 
-std::size_t missingWithin(const LadderAssignment& ladder) {
-  return static_cast<std::size_t>(std::ranges::count_if(ladder.missing, [&](double size) {
-    return size > ladder.peaks.front().size && size < ladder.peaks.back().size;
-  }));
+/// The widest stretch of the ladder without a peak that takes part, where its list has one.
+double widestGap(const LadderAssignment& ladder) {
+  const std::vector<LadderPoint> points = ladder.points();
+  double widest = 0;
+  for (std::size_t i = 1; i < points.size(); ++i) {
+    const bool isListed = std::ranges::any_of(ladder.standard.sizes, [&](double size) {
+      return size > points[i - 1].size && size < points[i].size && !ladder.standard.isUnreliable(size);
+    });
+    if (isListed) widest = std::max(widest, points[i].size - points[i - 1].size);
+  }
+  return widest;
 }
 
 void doubt(LadderAssignment& ladder, std::string reason) {
@@ -113,11 +174,15 @@ void judge(LadderAssignment& ladder, const LadderFit& fit, std::size_t candidate
   if (ladder.peaks.size() < kFewestPeaks) return refuse(ladder, "no ladder was found");
   if (ladder.score < kLeastScore || ladder.score < kLeastScorePerPeak * found || 2 * found < wanted)
     return refuse(ladder, fmt::format("{} of {} sizes fit, not better than by chance", found, wanted));
-  const std::size_t within = missingWithin(ladder);
-  if (static_cast<double>(within) > kMostMissingWithin * wanted || wanted - found > kMostMissing * wanted)
-    doubt(ladder, fmt::format("{} of {} sizes were found", found, wanted));
-  for (const std::size_t size : fit.doubted)
-    doubt(ladder, fmt::format("two peaks may be {:g} nt", ladder.standard.sizes[size]));
+  std::string doubtful;
+  for (const LadderPeak& peak : ladder.peaks)
+    if (peak.isDoubtful) doubtful += fmt::format(" {:g}", peak.size);
+  if (static_cast<double>(std::ranges::count(ladder.peaks, true, &LadderPeak::isDoubtful)) > kMostDoubtful * wanted)
+    doubt(ladder, fmt::format("the peaks of{} nt may be others", doubtful));
+  else if (!doubtful.empty())
+    ladder.reasons.push_back(fmt::format("sized without{} nt, whose peaks may be others", doubtful));
+  if (wanted - found > kMostMissing * wanted) doubt(ladder, fmt::format("{} of {} sizes were found", found, wanted));
+  if (const double gap = widestGap(ladder); gap > kWidestGap) doubt(ladder, fmt::format("a gap of {:g} nt is left", gap));
   if (fit.spread > kMostSpread) doubt(ladder, fmt::format("its peaks stray by {:.1f} nt", fit.spread));
   if (ladder.medianHeight < kWeakHeight)
     doubt(ladder, fmt::format("its peaks are low: {:.0f} RFU", ladder.medianHeight));
@@ -138,12 +203,21 @@ std::vector<Fitted> fitAll(std::span<const LadderCandidate> candidates, const Si
     LadderFit fit = fitLadder(candidates, expected, proposal);
     if (fit.matches.empty()) continue;
     if (std::ranges::any_of(all, [&](const Fitted& one) { return one.fit.matches == fit.matches; })) continue;
-    LadderAssignment ladder = assignmentOf(candidates, standard, fit.matches, usesUnreliable);
-    ladder.score = fit.score;
+    LadderAssignment ladder = assignmentOf(candidates, standard, fit, usesUnreliable);
     all.push_back({std::move(fit), std::move(ladder)});
   }
   std::ranges::stable_sort(all, std::greater<>{}, [](const Fitted& one) { return one.fit.score; });
   return all;
+}
+
+/// The tallest of those that are no satellites, and the satellites as tall as they.
+void keepTallest(std::vector<LadderCandidate>& candidates) {
+  std::vector<double> heights;
+  for (const LadderCandidate& one : candidates)
+    if (!one.isSatellite) heights.push_back(one.height);
+  if (heights.size() <= kMostCandidates) return;
+  std::ranges::sort(heights, std::greater<>{});
+  std::erase_if(candidates, [&](const LadderCandidate& one) { return one.height < heights[kMostCandidates - 1]; });
 }
 
 /// All sizes of one are found in the other on the same peaks.
@@ -189,21 +263,15 @@ std::vector<LadderCandidate> ladderCandidates(std::span<const Peak> peaks, std::
   const double reach = std::max(kSatelliteScans, kSatelliteWidths * typicalWidth);
   std::vector<LadderCandidate> candidates;
   for (const Peak& peak : peaks) {
-    const auto near = [&](const Peak& other) { return std::abs(other.scan - peak.scan) <= reach; };
-    if (std::ranges::any_of(peaks, [&](const Peak& other) {
-          return near(other) && other.height >= kSatelliteRatio * peak.height;
-        }))
-      continue;
+    const bool isSatellite = std::ranges::any_of(peaks, [&](const Peak& other) {
+      return std::abs(other.scan - peak.scan) <= reach && other.height >= kSatelliteRatio * peak.height;
+    });
     const bool isShadow = std::ranges::any_of(others, [&](const Peak& other) {
       return std::abs(other.scan - peak.scan) <= 1 && other.height >= kShadowRatio * peak.height;
     });
-    candidates.push_back({static_cast<double>(peak.scan), peak.height, isShadow});
+    candidates.push_back({static_cast<double>(peak.scan), peak.height, peak.width, isShadow, isSatellite, peak.isDouble});
   }
-  if (candidates.size() > kMostCandidates) {
-    std::ranges::stable_sort(candidates, std::greater<>{}, &LadderCandidate::height);
-    candidates.resize(kMostCandidates);
-    std::ranges::sort(candidates, {}, &LadderCandidate::scan);
-  }
+  keepTallest(candidates);
   return candidates;
 }
 

@@ -20,9 +20,10 @@ constexpr double kMostPredictionError =
     2.5;                      // nt: where no prediction is better than this, no size is placed
 constexpr double kReach = 5;  // spreads from the prediction
 constexpr double kTails = 4;
+constexpr double kBroad = 1.35, kBroadAtEnd = 2.2;  // times the width of the peaks around it
 constexpr double kHeightSpread = 0.7;
 constexpr double kMostHeightCost = 9;
-constexpr double kSuspectCost = 2;
+constexpr double kSuspectCost = 2, kSatelliteCost = 3;
 constexpr double kMissingCost = 2, kMissingAtEndCost = 1;
 // Two candidates whose evidence differs by less are hard to tell apart. At the ends, where nothing beyond
 // bears a size out, such a size is left out.
@@ -119,6 +120,7 @@ class Refinement {
         matches_, [&](const LadderMatch& match) { return match.candidate == candidate && match.size != size; });
   }
   double missingCost(std::size_t size) const { return isInside(size) ? kMissingCost : kMissingAtEndCost; }
+  bool isMalformed(std::size_t size) const;
   void dropDoubtfulEnds();
   double gainOf(const LadderCandidate& candidate, double residual, double spread, double lnHeight) const;
   double usualLnHeight(std::size_t size) const;
@@ -141,7 +143,8 @@ const LadderMatch* Refinement::matchOf(std::size_t size) const {
 
 double Refinement::candidatesPerNt(double scansPerNt) const {
   const double scans = candidates_.back().scan - candidates_.front().scan;
-  return static_cast<double>(candidates_.size()) * scansPerNt / std::max(scans, 1.0);
+  const auto count = std::ranges::count(candidates_, false, &LadderCandidate::isSatellite);
+  return static_cast<double>(count) * scansPerNt / std::max(scans, 1.0);
 }
 
 /// The middle of the five nearest matches' heights, this size's own left out.
@@ -163,7 +166,7 @@ double Refinement::gainOf(const LadderCandidate& candidate, double residual, dou
   const double height = (std::log(candidate.height) - lnHeight) / kHeightSpread;
   // Tails are wide: single fragments run away from their length by more than most do.
   return -(kTails + 1) / 2 * std::log1p(z * z / kTails) - std::min(kMostHeightCost, height * height / 2) -
-         (candidate.isSuspect ? kSuspectCost : 0);
+         (candidate.isSuspect ? kSuspectCost : 0) - (candidate.isSatellite ? kSatelliteCost : 0);
 }
 
 Refinement::Choice Refinement::choose(std::size_t size, const Prediction& prediction) const {
@@ -258,14 +261,30 @@ bool Refinement::improve(bool isFirst) {
   return true;
 }
 
+/// Double, or much wider than its neighbours in the ladder: two fragments may have run as one.
+bool Refinement::isMalformed(std::size_t size) const {
+  const LadderCandidate& own = candidates_[*choices_[size].candidate];
+  const auto at = std::ranges::find(matches_, size, &LadderMatch::size) - matches_.begin();
+  const auto last = static_cast<std::ptrdiff_t>(matches_.size()) - 1;
+  std::vector<double> widths;
+  for (std::ptrdiff_t i = std::max<std::ptrdiff_t>(0, at - 2); i <= std::min(last, at + 2); ++i)
+    if (i != at) widths.push_back(candidates_[matches_[static_cast<std::size_t>(i)].candidate].width);
+  std::ranges::sort(widths);
+  // The first fragments run broad.
+  const double most = isInside(size) ? kBroad : kBroadAtEnd;
+  return own.isDouble || own.width > most * widths[widths.size() / 2];
+}
+
 void Refinement::dropDoubtfulEnds() {
-  const auto isDoubtful = [&](const LadderMatch& match) { return choices_[match.size].margin < kDoubtfulAtEnd; };
+  const auto isDoubtful = [&](const LadderMatch& match) {
+    return choices_[match.size].margin < kDoubtfulAtEnd || isMalformed(match.size);
+  };
   const auto drop = [&](LadderPath::iterator match) {
     choices_[match->size] = {};
     matches_.erase(match);
   };
-  while (!matches_.empty() && isDoubtful(matches_.front())) drop(matches_.begin());
-  while (!matches_.empty() && isDoubtful(matches_.back())) drop(std::prev(matches_.end()));
+  while (matches_.size() > 2 && isDoubtful(matches_.front())) drop(matches_.begin());
+  while (matches_.size() > 2 && isDoubtful(matches_.back())) drop(std::prev(matches_.end()));
 }
 
 LadderFit Refinement::result() const {
@@ -275,7 +294,7 @@ LadderFit Refinement::result() const {
     if (choice.candidate) {
       fit.score += choice.gain;
       fit.residuals.push_back(choice.residual);
-      if (choice.margin < kDoubtful) fit.doubted.push_back(size);
+      if (choice.margin < kDoubtful || isMalformed(size)) fit.doubted.push_back(size);
     } else {
       fit.score -= missingCost(size);
     }

@@ -14,15 +14,9 @@ namespace banddesk::host::runs {
 struct LadderFit {
   LadderPath matches;
   std::vector<double> residuals;     // nt, by match: from where the other matches predict it
-  std::vector<std::size_t> doubted;  // indices of expected sizes for which two peaks are nearly as likely
+  std::vector<std::size_t> doubted;  // expected sizes for which two peaks are nearly as likely, or run as one
   double score = -std::numeric_limits<double>::infinity();  // logarithm of the odds against chance
   double spread = 0;                                        // nt, of the matches around a smooth curve
-};
-
-/// Where a size should lie by other knowledge than this ladder's own peaks, such as another capillary's.
-struct LadderPrediction {
-  std::vector<double> scans;  // by expected size
-  double spread = 0;          // nt
 };
 
 LadderFit fitLadder(std::span<const LadderCandidate> candidates, std::span<const ExpectedSize> sizes,

@@ -190,8 +190,18 @@ std::vector<LadderPath> LadderSearch::best(std::size_t most) const {
 
 std::vector<LadderPath> findLadderPaths(std::span<const LadderCandidate> candidates,
                                         std::span<const ExpectedSize> sizes, std::size_t most) {
-  if (candidates.size() < 3 || sizes.size() < 3) return {};
-  return LadderSearch(candidates, sizes).best(most);
+  std::vector<LadderCandidate> kept;
+  std::vector<std::size_t> places;
+  for (std::size_t i = 0; i < candidates.size(); ++i)
+    if (!candidates[i].isSatellite) {
+      kept.push_back(candidates[i]);
+      places.push_back(i);
+    }
+  if (kept.size() < 3 || sizes.size() < 3) return {};
+  std::vector<LadderPath> paths = LadderSearch(kept, sizes).best(most);
+  for (LadderPath& path : paths)
+    for (LadderMatch& match : path) match.candidate = places[match.candidate];
+  return paths;
 }
 
 }  // namespace banddesk::host::runs

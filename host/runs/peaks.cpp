@@ -11,6 +11,7 @@ namespace {
 
 constexpr double kWindowPerWidth =
     1.9;  // above this many widths the polynomial follows the window, not noise
+constexpr double kSecondTop = 0.3, kDip = 0.75;  // shares of the top, and of the second one
 constexpr double kWidthError = 0.2;  // scans: a peak of few scans has no more exact width
 constexpr std::size_t kPeaksForWidth = 25;
 constexpr std::size_t kLongestHalf = 200;  // scans from the top of a peak to half of its height
@@ -60,6 +61,22 @@ double widthAtHalf(std::span<const double> signal, std::size_t top, Stretch with
   return to - from;
 }
 
+/// Whether a second top stands beside the highest, high enough and with a dip between them.
+bool hasSecondTop(std::span<const double> signal, std::size_t top, Stretch within) {
+  const double least = kSecondTop * signal[top];
+  const auto look = [&](std::size_t steps, auto at) {
+    double dip = signal[top];
+    for (std::size_t i = 1; i <= steps; ++i) {
+      const double value = signal[at(i)];
+      dip = std::min(dip, value);
+      if (value >= least && dip <= kDip * value) return true;
+    }
+    return false;
+  };
+  return look(top - within.begin, [&](std::size_t i) { return top - i; }) ||
+         look(within.end - top, [&](std::size_t i) { return top + i; });
+}
+
 Peak peakOf(std::span<const double> signal, Stretch stretch) {
   const auto at = [&](std::size_t i) { return signal.begin() + static_cast<std::ptrdiff_t>(i); };
   const auto top =
@@ -84,6 +101,7 @@ std::vector<Peak> findPeaks(std::span<const double> signal, const PeakSettings& 
     peak.width = widthAtHalf(signal, static_cast<std::size_t>(peak.scan), stretch);
     if (peak.width < settings.leastWidth - kWidthError) continue;
     for (std::size_t i = stretch.begin; i <= stretch.end; ++i) peak.area += signal[i];
+    peak.isDouble = hasSecondTop(signal, static_cast<std::size_t>(peak.scan), stretch);
     peaks.push_back(peak);
   }
   return peaks;

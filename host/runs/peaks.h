@@ -24,6 +24,7 @@ struct Peak {
   bool isOffScale = false;
   bool isBroad = false;
   bool isPullUp = false;
+  bool isDouble = false;  // a second top stands within it: two fragments that ran nearly alike
 
   bool hasSize() const { return size == size; }
 };
