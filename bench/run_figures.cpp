@@ -12,7 +12,7 @@ namespace runs = host::runs;
 
 constexpr int kSamePeakScans = 2;
 constexpr double kSameLadderNt = 0.3;  // a ladder peak taken one scan off moves sizes by less
-constexpr double kSurelyAbove = 1.5;  // times the least height
+constexpr double kSurelyAbove = 1.5;   // times the least height
 
 runs::RunSettings settingsFor(double leastHeight, double leastWidth, runs::Smoothing smoothing,
                               const std::string& standard, double leastLadderSize) {
@@ -34,8 +34,8 @@ runs::SizingCurve curveUpTo(const runs::ProcessedRun& run, double largest) {
   return {points, runs::SizeMethod::LocalSouthern};
 }
 
-/// Right when every peak that the other program used is found as the same fragment; where it does not say which
-/// it used, when its sizes come out of this ladder.
+/// Right when every peak that the other program used is found as the same fragment; where it does not say
+/// which it used, when its sizes come out of this ladder.
 bool isRight(const runs::ProcessedRun& run, const std::vector<OtherPeak>& others, double largest) {
   bool isTold = false;
   for (const OtherPeak& other : others) {
@@ -72,7 +72,8 @@ runs::SizingCurve curveOfOther(const OtherProgram& program, const runs::Processe
   std::vector<runs::LadderPoint> points;
   for (const OtherPeak& other : others)
     if (other.ladderSize) points.push_back({static_cast<double>(other.scan), *other.ladderSize});
-  return points.empty() ? curveUpTo(run, program.largestLadderSize) : runs::SizingCurve(points, runs::SizeMethod::LocalSouthern);
+  return points.empty() ? curveUpTo(run, program.largestLadderSize)
+                        : runs::SizingCurve(points, runs::SizeMethod::LocalSouthern);
 }
 
 void compareSizes(RunFigures& figures, const OtherProgram& program, const runs::ProcessedRun& run,
@@ -108,7 +109,8 @@ void comparePeaks(RunFigures& figures, const OtherProgram& program, const runs::
   const double sure = kSurelyAbove * program.settings.peaks.leastHeight[0];
   // Of a file that it could not size, a program may list some dyes only.
   const auto isListed = [&](int channel) {
-    return std::ranges::count(program.channels, channel) > 0 && std::ranges::count(others, channel, &OtherPeak::channel) > 0;
+    return std::ranges::count(program.channels, channel) > 0 &&
+           std::ranges::count(others, channel, &OtherPeak::channel) > 0;
   };
   std::vector<runs::Peak> own;
   for (const runs::Peak& peak : run.peaks)
@@ -118,17 +120,20 @@ void comparePeaks(RunFigures& figures, const OtherProgram& program, const runs::
   for (const auto& [peak, other] : pairs) {
     figures.matched += 1;
     figures.sameScan += peak->scan == other->scan ? 1 : 0;
-    figures.heightErrors.push_back(std::abs(peak->height - other->height) / other->height);
     const auto called = curve.at(peak->scan, runs::OutsideLadder::NoSize);
-    if (other->size && called) figures.ownSizeErrors.push_back(std::abs(called->size - *other->size));
+    if (!other->size || !called) continue;
+    figures.ownSizeErrors.push_back(std::abs(called->size - *other->size));
+    figures.heightErrors.push_back(std::abs(peak->height - other->height) / other->height);
   }
   for (const OtherPeak& other : others) {
     if (other.height < sure || !isListed(other.channel)) continue;
     figures.wanted += 1;
-    figures.found += std::ranges::any_of(pairs, [&](const auto& pair) { return pair.second == &other; }) ? 1U : 0U;
+    figures.found +=
+        std::ranges::any_of(pairs, [&](const auto& pair) { return pair.second == &other; }) ? 1U : 0U;
   }
   for (const runs::Peak& peak : own)
-    if (peak.height >= sure && std::ranges::none_of(pairs, [&](const auto& pair) { return pair.first == &peak; }))
+    if (peak.height >= sure &&
+        std::ranges::none_of(pairs, [&](const auto& pair) { return pair.first == &peak; }))
       figures.more += 1;
 }
 
@@ -138,8 +143,10 @@ std::vector<OtherProgram> otherPrograms() {
   using runs::Smoothing;
   OtherProgram geneMapper{"genemapper_3730xl", settingsFor(50, 2, Smoothing::None, "GS500", 50), {1}};
   OtherProgram seqStudio{"seqstudio", settingsFor(175, 3, Smoothing::None, "GS600 LIZ", 20), {1, 2, 3, 4, 5}};
-  OtherProgram sizeCaller{"sizecaller_3500", settingsFor(175, 2, Smoothing::None, "GS600 LIZ", 60), {1, 2, 3, 4, 5}};
-  OtherProgram peakScanner{"peakscanner1_3730", settingsFor(100, 2, Smoothing::Heavy, "GS600 LIZ", 40), {1, 2, 3, 4}, 480};
+  OtherProgram sizeCaller{
+      "sizecaller_3500", settingsFor(175, 2, Smoothing::None, "GS600 LIZ", 60), {1, 2, 3, 4, 5}};
+  OtherProgram peakScanner{
+      "peakscanner1_3730", settingsFor(100, 2, Smoothing::Heavy, "GS600 LIZ", 40), {1, 2, 3, 4}, 480};
   return {geneMapper, seqStudio, sizeCaller, peakScanner};
 }
 

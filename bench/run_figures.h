@@ -16,7 +16,7 @@ namespace banddesk::bench {
 struct OtherProgram {
   std::string folder;
   host::runs::RunSettings settings;
-  std::vector<int> channels;  // that its table is complete for
+  std::vector<int> channels;           // that its table is complete for
   double largestLadderSize = 100'000;  // nt; it drew straight lines from there on
 };
 
@@ -30,7 +30,7 @@ struct RunFigures {
   std::vector<double> ownSizeErrors;               // nt, end to end, of matched peaks inside the ladder
   std::size_t wanted = 0, found = 0, more = 0;     // peaks of at least 1.5 times the least height
   std::size_t matched = 0, sameScan = 0;           // of all matched ones
-  std::vector<double> heightErrors;                // relative, of matched ones
+  std::vector<double> heightErrors;                // relative, of matched ones inside the ladder
   std::vector<std::string> details;                // files to look at and what is wrong
 };
 

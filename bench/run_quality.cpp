@@ -1,5 +1,6 @@
-// How the analysis of raw runs compares with other programs, on real runs where they are at hand (BANDDESK_SHARED,
-// or ../shared beside the source tree), with and without the results that those programs left in the files.
+// How the analysis of raw runs compares with other programs, on real runs where they are at hand
+// (BANDDESK_SHARED, or ../shared beside the source tree), with and without the results that those programs
+// left in the files.
 #include <CLI/CLI.hpp>
 #include <chrono>
 #include <ctime>
@@ -24,13 +25,16 @@ double percent(std::size_t part, std::size_t whole) {
 void printFigures(const std::string& name, const RunFigures& one, bool details) {
   fmt::print("  {:<18} {:>2} of {:>2} sized, {} right, {} silently wrong\n", name, one.sized, one.files,
              one.laddersRight, one.laddersWrong);
-  fmt::print("    sizes  at its scans: {} peaks, largest {:.4f} nt; with own scans: {} peaks, {:.2f} % within {}\n",
-             one.sizeErrors.size(), quantile(one.sizeErrors, 1), one.ownSizeErrors.size(),
-             100 * shareBelow(one.ownSizeErrors, kPrinted), kPrinted);
-  fmt::print("    peaks  {:.2f} % of {} found, {:.2f} % more; same scan {:.2f} %; heights {:.2f} % median, {:.2f} % of 95 %\n",
-             percent(one.found, one.wanted), one.wanted, percent(one.more, one.wanted),
-             percent(one.sameScan, one.matched), 100 * quantile(one.heightErrors, 0.5),
-             100 * quantile(one.heightErrors, 0.95));
+  fmt::print(
+      "    sizes  at its scans: {} peaks, largest {:.4f} nt; with own scans: {} peaks, {:.2f} % within {}\n",
+      one.sizeErrors.size(), quantile(one.sizeErrors, 1), one.ownSizeErrors.size(),
+      100 * shareBelow(one.ownSizeErrors, kPrinted), kPrinted);
+  fmt::print(
+      "    peaks  {:.2f} % of {} found, {:.2f} % more; same scan {:.2f} %; heights {:.2f} % median, {:.2f} % "
+      "of 95 %\n",
+      percent(one.found, one.wanted), one.wanted, percent(one.more, one.wanted),
+      percent(one.sameScan, one.matched), 100 * quantile(one.heightErrors, 0.5),
+      100 * quantile(one.heightErrors, 0.95));
   if (details)
     for (const std::string& line : one.details) fmt::print("      {}\n", line);
 }
@@ -38,7 +42,8 @@ void printFigures(const std::string& name, const RunFigures& one, bool details) 
 std::vector<std::string> filesBelow(const fs::path& folder) {
   std::vector<std::string> files;
   for (const auto& entry : fs::recursive_directory_iterator(folder))
-    if (entry.path().extension() == ".fsa" || entry.path().extension() == ".ab1") files.push_back(entry.path().string());
+    if (entry.path().extension() == ".fsa" || entry.path().extension() == ".ab1")
+      files.push_back(entry.path().string());
   std::ranges::sort(files);
   return files;
 }
@@ -89,24 +94,30 @@ void printSpeed(const fs::path& folder) {
   };
   // As a batch does once a run's first files have decided.
   runs::RunSettings known;
-  std::erase_if(known.ladder.lists, [](const auto& list) { return list.name != "GS600 LIZ" && list.name != "GS500"; });
+  std::erase_if(known.ladder.lists,
+                [](const auto& list) { return list.name != "GS600 LIZ" && list.name != "GS500"; });
   runs::RunSettings all;
   for (auto& list : all.ladder.lists) list.dyes.clear();
-  fmt::print("  a file on one core, processor time: {:.1f} ms with two lists, {:.1f} ms with those of its dye, {:.1f} ms with all lists\n",
-             each(known), each({}), each(all));
+  fmt::print(
+      "  a file on one core, processor time: {:.1f} ms with two lists, {:.1f} ms with those of its dye, "
+      "{:.1f} ms with all lists\n",
+      each(known), each({}), each(all));
   fmt::print("  all {} files as a batch on two cores: {:.0f} ms\n", files.size(),
              1000 * secondsOf([&] { runs::processRuns(files, {}, 2); }));
 }
 
 void printStress(std::size_t runs) {
-  fmt::print("simulated ladders, {} each, by themselves | as one run: % right, right but flagged, wrong and flagged, "
-             "SILENTLY WRONG\n",
-             runs);
+  fmt::print(
+      "simulated ladders, {} each, by themselves | as one run: % right, right but flagged, wrong and "
+      "flagged, "
+      "SILENTLY WRONG\n",
+      runs);
   for (const char* name : {"GS500", "GS600 LIZ", "ILS500 WEN", "GS400HD ROX"})
     for (const Stress& stress : stresses()) {
       fmt::print("  {:<12} {:<20}", name, stress.name);
       for (const bool isOneRun : {false, true}) {
-        const auto one = stressFigures(stress, *runs::findStandard(runs::knownStandards(), name), runs, isOneRun);
+        const auto one =
+            stressFigures(stress, *runs::findStandard(runs::knownStandards(), name), runs, isOneRun);
         fmt::print(" {} {:6.1f} {:6.1f} {:6.1f} {:6.1f}", isOneRun ? "|" : " ", percent(one.right, one.runs),
                    percent(one.rightFlagged, one.runs), percent(one.wrongFlagged, one.runs),
                    percent(one.silentlyWrong, one.runs));

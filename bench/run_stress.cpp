@@ -14,7 +14,8 @@ namespace {
 namespace runs = host::runs;
 namespace simulation = host::simulation;
 
-simulation::SimulatedTraces tracesOf(const Stress& stress, const runs::SizeStandard& standard, std::uint64_t seed) {
+simulation::SimulatedTraces tracesOf(const Stress& stress, const runs::SizeStandard& standard,
+                                     std::uint64_t seed) {
   simulation::TraceSettings settings;
   settings.seed = seed;
   settings.ladderSizes = standard.sizes;
@@ -49,9 +50,15 @@ void count(StressFigures& figures, const runs::LadderAssignment& ladder, bool ri
 }  // namespace
 
 std::vector<Stress> stresses() {
-  return {{"clean", 0, 0, 9},           {"10 false peaks", 10, 0, 9},       {"2 sizes missing", 0, 2, 9},
-          {"4 sizes missing", 0, 4, 9}, {"10 false, 2 missing", 10, 2, 9}, {"10 false, 4 missing", 10, 4, 9},
-          {"narrow, 10 false", 10, 0, 5}, {"wide, 10 false", 10, 0, 22},    {"30 false peaks", 30, 0, 9}};
+  return {{"clean", 0, 0, 9},
+          {"10 false peaks", 10, 0, 9},
+          {"2 sizes missing", 0, 2, 9},
+          {"4 sizes missing", 0, 4, 9},
+          {"10 false, 2 missing", 10, 2, 9},
+          {"10 false, 4 missing", 10, 4, 9},
+          {"narrow, 10 false", 10, 0, 5},
+          {"wide, 10 false", 10, 0, 22},
+          {"30 false peaks", 30, 0, 9}};
 }
 
 StressFigures stressFigures(const Stress& stress, const runs::SizeStandard& standard, std::size_t runs,
@@ -67,7 +74,8 @@ StressFigures stressFigures(const Stress& stress, const runs::SizeStandard& stan
     runs::RunFile run;
     run.fileName = "simulated";
     run.dyes.push_back({1, 'B', "6-FAM", {}, false, traces[i].dyes[0]});
-    run.dyes.push_back({2, 'R', standard.dyes.empty() ? "LIZ" : standard.dyes[0], {}, true, traces[i].dyes[1]});
+    run.dyes.push_back(
+        {2, 'R', standard.dyes.empty() ? "LIZ" : standard.dyes[0], {}, true, traces[i].dyes[1]});
     works.emplace_back(std::move(run), settings).findLadder();
   }
   std::vector<runs::LadderAssignment> ladders;

@@ -21,9 +21,9 @@ std::vector<Stress> stresses();
 
 struct StressFigures {
   std::size_t runs = 0;
-  std::size_t right = 0;          // sized, every peak the right one
-  std::size_t rightFlagged = 0;   // the right peaks, but to be looked at
-  std::size_t wrongFlagged = 0;   // wrong or none, and said so
+  std::size_t right = 0;         // sized, every peak the right one
+  std::size_t rightFlagged = 0;  // the right peaks, but to be looked at
+  std::size_t wrongFlagged = 0;  // wrong or none, and said so
   std::size_t silentlyWrong = 0;
 };
 

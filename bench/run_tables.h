@@ -21,7 +21,8 @@ struct OtherPeak {
 /// By file name. Throws std::runtime_error when the table cannot be read.
 std::map<std::string, std::vector<OtherPeak>> readOtherPeaks(const std::filesystem::path& table);
 
-/// The folder of the real runs, beside the source tree or where BANDDESK_SHARED points; empty when it is absent.
+/// The folder of the real runs, beside the source tree or where BANDDESK_SHARED points; empty when it is
+/// absent.
 std::filesystem::path realRuns();
 
 std::string bytesOf(const std::filesystem::path& file);

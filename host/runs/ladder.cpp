@@ -21,15 +21,18 @@ constexpr std::size_t kFewestPeaks = 5;
 constexpr double kLeastScorePerPeak = 0.9;  // chance alone does not reach it
 constexpr double kLeastScore = 9;
 constexpr double kLeastMargin = 6;    // over a different assignment
-constexpr double kMostMissing = 0.3;     // of the sizes
+constexpr double kMostMissing = 0.3;  // of the sizes
 constexpr double kMostDoubtful = 0.15;
+constexpr std::size_t kManyStrangers = 3;
+constexpr double kStrangersHeight = 0.4;  // of the ladder's median
+constexpr double kCareAmongStrangers = 1.5;
 constexpr double kMedianToSigma = 1.48;
-constexpr double kDenseResidual = 0.5;   // nt: of sparser ladders residuals tell little
+constexpr double kDenseResidual = 0.5;  // nt: of sparser ladders residuals tell little
 constexpr std::size_t kFewestForStrays = 8;
 // How far a peak may stray, in nt and in usual residuals. The first fragments run least evenly.
 constexpr double kStray = 0.7, kStrayWithin = 4;
 constexpr double kStrayAtBeginning = 2.2, kStrayAtEnd = 1.0, kStrayAtEnds = 6;
-constexpr double kWidestGap = 80;        // nt: sizes in a wider one may be a nucleotide off
+constexpr double kWidestGap = 110;   // nt: sizes in a wider one may be a nucleotide off
 constexpr double kMostSpread = 0.8;  // nt
 constexpr double kWeakHeight = 100;  // RFU
 
@@ -89,7 +92,7 @@ double endResidual(const std::vector<LadderPoint>& points, bool isLast) {
 }
 
 /// The peak that strays most for its ladder, if one does: a false peak may stand where a fragment is missing.
-LadderPeak* worstStray(LadderAssignment& ladder) {
+LadderPeak* worstStray(LadderAssignment& ladder, double care) {
   const double usual = kMedianToSigma * ladder.medianResidual;
   const std::vector<LadderPoint> points = ladder.points();
   if (points.size() < kFewestForStrays || ladder.medianResidual > kDenseResidual) return nullptr;
@@ -102,16 +105,16 @@ LadderPeak* worstStray(LadderAssignment& ladder) {
     const double limit = isFirst  ? std::max(kStrayAtBeginning, kStrayAtEnds * usual)
                          : isLast ? std::max(kStrayAtEnd, kStrayAtEnds * usual)
                                   : std::max(kStray, kStrayWithin * usual);
-    if (std::abs(residual) / limit <= most) continue;
-    most = std::abs(residual) / limit;
+    if (care * std::abs(residual) / limit <= most) continue;
+    most = care * std::abs(residual) / limit;
     worst = &peak;
   }
   return worst;
 }
 
-void leaveOutStrays(LadderAssignment& ladder) {
+void leaveOutStrays(LadderAssignment& ladder, double care) {
   addResiduals(ladder);
-  for (LadderPeak* stray = worstStray(ladder); stray != nullptr; stray = worstStray(ladder)) {
+  for (LadderPeak* stray = worstStray(ladder, care); stray != nullptr; stray = worstStray(ladder, care)) {
     stray->takesPart = false;
     stray->isDoubtful = true;
     addResiduals(ladder);
@@ -122,6 +125,16 @@ void addMissing(LadderAssignment& ladder) {
   ladder.missing.clear();
   for (const double size : ladder.standard.sizes)
     if (ladder.peakOf(size) == nullptr) ladder.missing.push_back(size);
+}
+
+/// Peaks within the ladder, as high as it, that are no fragments of it.
+std::size_t strangersOf(std::span<const LadderCandidate> candidates, const LadderAssignment& ladder) {
+  return static_cast<std::size_t>(std::ranges::count_if(candidates, [&](const LadderCandidate& one) {
+    const int scan = static_cast<int>(std::lround(one.scan));
+    return !one.isSatellite && one.height >= kStrangersHeight * ladder.medianHeight &&
+           scan > ladder.peaks.front().scan && scan < ladder.peaks.back().scan &&
+           std::ranges::count(ladder.peaks, scan, &LadderPeak::scan) == 0;
+  }));
 }
 
 LadderAssignment assignmentOf(std::span<const LadderCandidate> candidates, const SizeStandard& standard,
@@ -140,7 +153,7 @@ LadderAssignment assignmentOf(std::span<const LadderCandidate> candidates, const
   }
   ladder.medianHeight = middleOf(std::move(heights));
   addMissing(ladder);
-  leaveOutStrays(ladder);
+  leaveOutStrays(ladder, strangersOf(candidates, ladder) >= kManyStrangers ? kCareAmongStrangers : 1);
   return ladder;
 }
 
@@ -177,12 +190,15 @@ void judge(LadderAssignment& ladder, const LadderFit& fit, std::size_t candidate
   std::string doubtful;
   for (const LadderPeak& peak : ladder.peaks)
     if (peak.isDoubtful) doubtful += fmt::format(" {:g}", peak.size);
-  if (static_cast<double>(std::ranges::count(ladder.peaks, true, &LadderPeak::isDoubtful)) > kMostDoubtful * wanted)
+  if (static_cast<double>(std::ranges::count(ladder.peaks, true, &LadderPeak::isDoubtful)) >
+      kMostDoubtful * wanted)
     doubt(ladder, fmt::format("the peaks of{} nt may be others", doubtful));
   else if (!doubtful.empty())
     ladder.reasons.push_back(fmt::format("sized without{} nt, whose peaks may be others", doubtful));
-  if (wanted - found > kMostMissing * wanted) doubt(ladder, fmt::format("{} of {} sizes were found", found, wanted));
-  if (const double gap = widestGap(ladder); gap > kWidestGap) doubt(ladder, fmt::format("a gap of {:g} nt is left", gap));
+  if (wanted - found > kMostMissing * wanted)
+    doubt(ladder, fmt::format("{} of {} sizes were found", found, wanted));
+  if (const double gap = widestGap(ladder); gap > kWidestGap)
+    doubt(ladder, fmt::format("a gap of {:g} nt is left", gap));
   if (fit.spread > kMostSpread) doubt(ladder, fmt::format("its peaks stray by {:.1f} nt", fit.spread));
   if (ladder.medianHeight < kWeakHeight)
     doubt(ladder, fmt::format("its peaks are low: {:.0f} RFU", ladder.medianHeight));
@@ -217,7 +233,8 @@ void keepTallest(std::vector<LadderCandidate>& candidates) {
     if (!one.isSatellite) heights.push_back(one.height);
   if (heights.size() <= kMostCandidates) return;
   std::ranges::sort(heights, std::greater<>{});
-  std::erase_if(candidates, [&](const LadderCandidate& one) { return one.height < heights[kMostCandidates - 1]; });
+  std::erase_if(candidates,
+                [&](const LadderCandidate& one) { return one.height < heights[kMostCandidates - 1]; });
 }
 
 /// All sizes of one are found in the other on the same peaks.
@@ -230,9 +247,11 @@ bool isPartOf(const LadderAssignment& part, const LadderAssignment& whole) {
 
 /// Of lists on the same peaks as the best one: that of which the operator speaks, then the one that explains
 /// most peaks and misses fewest sizes. Other lists come last.
-std::array<int, 5> rankAgainst(const LadderAssignment& best, const LadderAssignment& one, std::string_view operatorsWord) {
+std::array<int, 5> rankAgainst(const LadderAssignment& best, const LadderAssignment& one,
+                               std::string_view operatorsWord) {
   const bool isSame = &one == &best;
-  if (!isSame && (one.quality != LadderQuality::Sized || (!isPartOf(best, one) && !isPartOf(one, best)))) return {};
+  if (!isSame && (one.quality != LadderQuality::Sized || (!isPartOf(best, one) && !isPartOf(one, best))))
+    return {};
   return {1, hintMatch(operatorsWord, one.standard), static_cast<int>(one.peaks.size()),
           -static_cast<int>(one.missing.size()), isSame ? 1 : 0};
 }
@@ -269,7 +288,8 @@ std::vector<LadderCandidate> ladderCandidates(std::span<const Peak> peaks, std::
     const bool isShadow = std::ranges::any_of(others, [&](const Peak& other) {
       return std::abs(other.scan - peak.scan) <= 1 && other.height >= kShadowRatio * peak.height;
     });
-    candidates.push_back({static_cast<double>(peak.scan), peak.height, peak.width, isShadow, isSatellite, peak.isDouble});
+    candidates.push_back(
+        {static_cast<double>(peak.scan), peak.height, peak.width, isShadow, isSatellite, peak.isDouble});
   }
   keepTallest(candidates);
   return candidates;
@@ -309,11 +329,13 @@ LadderAssignment assignBestLadder(std::span<const LadderCandidate> candidates,
   }
   if (all.empty()) return {};
   const auto best = std::ranges::max_element(all, {}, &LadderAssignment::score);
-  const auto chosen = std::ranges::max_element(all, [&](const LadderAssignment& a, const LadderAssignment& b) {
-    return rankAgainst(*best, a, operatorsWord) < rankAgainst(*best, b, operatorsWord);
-  });
+  const auto chosen =
+      std::ranges::max_element(all, [&](const LadderAssignment& a, const LadderAssignment& b) {
+        return rankAgainst(*best, a, operatorsWord) < rankAgainst(*best, b, operatorsWord);
+      });
   for (const LadderAssignment& other : all)
-    if (other.quality != LadderQuality::NotSized && other.score > best->score - kLeastMargin && !agree(other, *chosen))
+    if (other.quality != LadderQuality::NotSized && other.score > best->score - kLeastMargin &&
+        !agree(other, *chosen))
       doubt(*chosen, fmt::format("it fits {} nearly as well", other.standard.name));
   return std::move(*chosen);
 }

@@ -20,8 +20,8 @@ enum class LadderQuality { Sized, LookAtIt, NotSized };
 struct LadderPeak {
   double size = 0;  // nt
   int scan = 0;
-  double height = 0;      // RFU
-  double residual = 0;    // nt, from the size that the other peaks give it; 0 at both ends
+  double height = 0;        // RFU
+  double residual = 0;      // nt, from the size that the other peaks give it; 0 at both ends
   bool takesPart = true;    // in the sizing; unreliable and doubtful fragments are found and shown only
   bool isDoubtful = false;  // another peak may be the one
 };
@@ -44,7 +44,8 @@ struct LadderAssignment {
   const LadderPeak* peakOf(double size) const;
 };
 
-/// The peaks of a dye that may be a ladder's, the tallest if there are many. `others` are the peaks of the other dyes, of which these may be shadows.
+/// The peaks of a dye that may be a ladder's, the tallest if there are many. `others` are the peaks of the
+/// other dyes, of which these may be shadows.
 std::vector<LadderCandidate> ladderCandidates(std::span<const Peak> peaks, std::span<const Peak> others,
                                               double typicalWidth);
 

@@ -16,8 +16,8 @@ constexpr std::size_t kFewestMatches = 4;
 constexpr int kRounds = 8;
 constexpr double kUsualSpread = 0.4;  // nt, of peaks around the smooth curve
 constexpr double kWideSpread = 0.9;   // of a cubic, and while the proposal may still be wrong in part
-constexpr double kMostPredictionError =
-    2.5;                      // nt: where no prediction is better than this, no size is placed
+// No size is placed where it can be predicted no better, nor one kept.
+constexpr double kMostErrorToPlace = 2.5, kMostErrorToKeep = 8;  // nt
 constexpr double kReach = 5;  // spreads from the prediction
 constexpr double kTails = 4;
 constexpr double kBroad = 1.35, kBroadAtEnd = 2.2;  // times the width of the peaks around it
@@ -27,7 +27,7 @@ constexpr double kSuspectCost = 2, kSatelliteCost = 3;
 constexpr double kMissingCost = 2, kMissingAtEndCost = 1;
 // Two candidates whose evidence differs by less are hard to tell apart. At the ends, where nothing beyond
 // bears a size out, such a size is left out.
-constexpr double kDoubtful = 2, kDoubtfulAtEnd = 4;
+constexpr double kDoubtful = 3, kDoubtfulAtEnd = 4;
 
 using Basis = std::array<double, kMostTerms>;
 
@@ -116,8 +116,9 @@ class Refinement {
   }
   /// It is free again when that size turns out not to fit it.
   bool isOfOther(std::size_t candidate, std::size_t size) const {
-    return std::ranges::any_of(
-        matches_, [&](const LadderMatch& match) { return match.candidate == candidate && match.size != size; });
+    return std::ranges::any_of(matches_, [&](const LadderMatch& match) {
+      return match.candidate == candidate && match.size != size;
+    });
   }
   double missingCost(std::size_t size) const { return isInside(size) ? kMissingCost : kMissingAtEndCost; }
   bool isMalformed(std::size_t size) const;
@@ -211,7 +212,8 @@ std::optional<Prediction> Refinement::predict(std::size_t size, MobilityCurve& i
   Prediction prediction{curve.scanAt(expected.apparent), curve.scansPerNt(expected.apparent), 0};
   if (!(prediction.scansPerNt > 0.5)) return {};
   double variance = curve.leverage(expected.apparent);
-  if (const LadderMatch* match = matchOf(size)) {
+  const LadderMatch* match = matchOf(size);
+  if (match != nullptr) {
     // As the other matches alone predict it.
     const double own = MobilityCurve::weightOf(expected) * variance;
     if (own > 0.999) return {};
@@ -220,7 +222,7 @@ std::optional<Prediction> Refinement::predict(std::size_t size, MobilityCurve& i
     variance /= 1 - own;
   }
   prediction.spread = std::sqrt(base * base * (1 + variance) + expected.jitter * expected.jitter);
-  if (prediction.spread > kMostPredictionError) return {};
+  if (prediction.spread > (match != nullptr ? kMostErrorToKeep : kMostErrorToPlace)) return {};
   return prediction;
 }
 

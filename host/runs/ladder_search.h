@@ -10,10 +10,10 @@ namespace banddesk::host::runs {
 
 struct LadderCandidate {
   double scan = 0;
-  double height = 0;       // RFU, above 0
-  double width = 0;         // scans at half height; 0 where unknown
-  bool isSuspect = false;   // looks like the shadow of another dye's peak
-  bool isSatellite = false; // stands at the foot of a much taller peak: taken only where nothing else fits
+  double height = 0;         // RFU, above 0
+  double width = 0;          // scans at half height; 0 where unknown
+  bool isSuspect = false;    // looks like the shadow of another dye's peak
+  bool isSatellite = false;  // stands at the foot of a much taller peak: taken only where nothing else fits
   bool isDouble = false;
 };
 
@@ -32,8 +32,8 @@ struct LadderMatch {
 using LadderPath = std::vector<LadderMatch>;  // both indices ascend
 
 /// Up to `most` paths, the best first, that differ from each other in more than a third of their matches.
-/// Satellites are left out. Candidates by ascending scan. Time grows with the third power of their number; give
-/// it at most some 70 that are none.
+/// Satellites are left out. Candidates by ascending scan. Time grows with the third power of their number;
+/// give it at most some 70 that are none.
 std::vector<LadderPath> findLadderPaths(std::span<const LadderCandidate> candidates,
                                         std::span<const ExpectedSize> sizes, std::size_t most);
 

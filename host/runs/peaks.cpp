@@ -12,7 +12,7 @@ namespace {
 constexpr double kWindowPerWidth =
     1.9;  // above this many widths the polynomial follows the window, not noise
 constexpr double kSecondTop = 0.3, kDip = 0.75;  // shares of the top, and of the second one
-constexpr double kWidthError = 0.2;  // scans: a peak of few scans has no more exact width
+constexpr double kWidthError = 0.2;              // scans: a peak of few scans has no more exact width
 constexpr std::size_t kPeaksForWidth = 25;
 constexpr std::size_t kLongestHalf = 200;  // scans from the top of a peak to half of its height
 

@@ -224,7 +224,8 @@ void RunWork::flagPeaks() {
 // Least heights are meant as heights are shown, so the factor is known before peaks are found.
 void RunWork::findHeightFactor() {
   const Normalisation wish = settings_.normalisation;
-  if (wish == Normalisation::Never || (wish == Normalisation::AsTheFileSays && !out_.run.isNormalised)) return;
+  if (wish == Normalisation::Never || (wish == Normalisation::AsTheFileSays && !out_.run.isNormalised))
+    return;
   const auto factor = out_.run.normalisation ? out_.run.normalisation : ladderFactor(out_.ladder);
   out_.heightFactor = factor.value_or(1);
 }

@@ -21,7 +21,8 @@ std::string integers(std::span<const std::int32_t> values, unsigned bytes) {
   return out;
 }
 
-AbifTag tag(std::string name, std::uint32_t number, std::uint16_t type, std::uint16_t elementSize, std::string bytes) {
+AbifTag tag(std::string name, std::uint32_t number, std::uint16_t type, std::uint16_t elementSize,
+            std::string bytes) {
   const auto count = static_cast<std::uint32_t>(bytes.size() / elementSize);
   return {std::move(name), number, type, elementSize, count, std::move(bytes)};
 }
@@ -51,7 +52,8 @@ AbifTag doubleTag(std::string name, std::uint32_t number, double value) {
 }
 
 AbifTag pascalTag(std::string name, std::uint32_t number, std::string_view text) {
-  return tag(std::move(name), number, 18, 1, static_cast<char>(static_cast<unsigned char>(text.size())) + std::string(text));
+  return tag(std::move(name), number, 18, 1,
+             static_cast<char>(static_cast<unsigned char>(text.size())) + std::string(text));
 }
 
 AbifTag textTag(std::string name, std::uint32_t number, std::string_view text) {
@@ -59,8 +61,9 @@ AbifTag textTag(std::string name, std::uint32_t number, std::string_view text) {
 }
 
 AbifTag dateTag(std::string name, std::uint32_t number, int year, int month, int day) {
-  return tag(std::move(name), number, 10, 4,
-             bigEndian(static_cast<std::uint64_t>(year), 2) + static_cast<char>(month) + static_cast<char>(day));
+  return tag(
+      std::move(name), number, 10, 4,
+      bigEndian(static_cast<std::uint64_t>(year), 2) + static_cast<char>(month) + static_cast<char>(day));
 }
 
 AbifTag timeTag(std::string name, std::uint32_t number, int hour, int minute, int second) {
@@ -85,8 +88,9 @@ std::string abifFile(std::span<const AbifTag> tags) {
 std::vector<AbifTag> runTags(const SimulatedTraces& traces, const RunText& text) {
   constexpr std::array<std::uint32_t, 6> channels{1, 2, 3, 4, 105, 106};
   const std::array<std::int32_t, 1> count{static_cast<std::int32_t>(traces.dyes.size())};
-  std::vector<AbifTag> tags{shortsTag("Dye#", 1, count), textTag("MODL", 1, "3730"), textTag("RunN", 1, text.run),
-                            pascalTag("TUBE", 1, text.well), pascalTag("SMPL", 1, text.sample)};
+  std::vector<AbifTag> tags{shortsTag("Dye#", 1, count), textTag("MODL", 1, "3730"),
+                            textTag("RunN", 1, text.run), pascalTag("TUBE", 1, text.well),
+                            pascalTag("SMPL", 1, text.sample)};
   if (!text.standard.empty()) tags.push_back(pascalTag("StdF", 1, text.standard));
   for (std::size_t i = 0; i < std::min(traces.dyes.size(), channels.size()); ++i) {
     tags.push_back(shortsTag("DATA", channels[i], traces.dyes[i]));

@@ -1,5 +1,5 @@
-// Writes files as capillary instruments do, from tags: for simulated runs and for tests of the reader. It knows
-// what a tag looks like, not what it means.
+// Writes files as capillary instruments do, from tags: for simulated runs and for tests of the reader. It
+// knows what a tag looks like, not what it means.
 #pragma once
 
 #include <cstdint>

@@ -27,7 +27,8 @@ class TraceMaker {
     values_.assign(out.dyes.size(), std::vector<double>(static_cast<std::size_t>(scanOf(longest)), 0.0));
     addLadder(out);
     addSample(out);
-    for (std::size_t dye = 0; dye < values_.size(); ++dye) out.dyes[dye] = recorded(values_[dye], out.saturatedScans);
+    for (std::size_t dye = 0; dye < values_.size(); ++dye)
+      out.dyes[dye] = recorded(values_[dye], out.saturatedScans);
     std::ranges::sort(out.saturatedScans);
     return out;
   }
@@ -45,14 +46,16 @@ class TraceMaker {
     return settings_.firstScan + settings_.scansPerNt * size * (1 + bend_ * x + bendAgain_ * x * x);
   }
 
-  double heightAround(double median) { return median * portableExp(settings_.heightSigma * random_.normal()); }
+  double heightAround(double median) {
+    return median * portableExp(settings_.heightSigma * random_.normal());
+  }
 
   void addPeak(std::size_t dye, double scan, double height) {
     const double sigma = settings_.widthNt * settings_.scansPerNt / kWidthToSigma;
     std::vector<double>& values = values_[dye];
     const double from = std::max(0.0, scan - kReach * sigma);
-    for (auto i = static_cast<std::size_t>(from); i < values.size() && static_cast<double>(i) <= scan + kReach * sigma;
-         ++i) {
+    for (auto i = static_cast<std::size_t>(from);
+         i < values.size() && static_cast<double>(i) <= scan + kReach * sigma; ++i) {
       const double z = (static_cast<double>(i) - scan) / sigma;
       values[i] += height * portableExp(-z * z / 2);
     }
@@ -67,7 +70,8 @@ class TraceMaker {
   void addLadder(SimulatedTraces& out) {
     std::vector<double> sizes = settings_.ladderSizes;
     for (std::size_t i = 0; i < settings_.missing && !sizes.empty(); ++i)
-      sizes.erase(sizes.begin() + static_cast<std::ptrdiff_t>(random_.uniform() * static_cast<double>(sizes.size())));
+      sizes.erase(sizes.begin() +
+                  static_cast<std::ptrdiff_t>(random_.uniform() * static_cast<double>(sizes.size())));
     const std::size_t dye = settings_.dyes.size();
     for (const double size : sizes) {
       out.ladder.push_back(fragment(size, settings_.ladderHeight));
@@ -92,10 +96,12 @@ class TraceMaker {
     }
   }
 
-  std::vector<std::int32_t> recorded(const std::vector<double>& values, std::vector<std::int32_t>& saturated) {
+  std::vector<std::int32_t> recorded(const std::vector<double>& values,
+                                     std::vector<std::int32_t>& saturated) {
     std::vector<std::int32_t> trace(values.size());
     for (std::size_t i = 0; i < values.size(); ++i) {
-      const double baseline = 50 + settings_.drift * static_cast<double>(i) / static_cast<double>(values.size());
+      const double baseline =
+          50 + settings_.drift * static_cast<double>(i) / static_cast<double>(values.size());
       double value = values[i] + baseline + settings_.noise * random_.normal();
       if (value >= settings_.saturation) {
         value = settings_.saturation;
