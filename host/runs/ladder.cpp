@@ -21,6 +21,7 @@ constexpr std::size_t kFewestPeaks = 5;
 constexpr double kLeastScorePerPeak = 0.9;  // chance alone does not reach it
 constexpr double kLeastScore = 9;
 constexpr double kLeastMargin = 6;    // over a different assignment
+constexpr double kHeightCounts = 5;   // of a ladder e times as high as another
 constexpr double kMostMissing = 0.3;  // of the sizes
 constexpr double kMostDoubtful = 0.15;
 constexpr std::size_t kManyStrangers = 3;
@@ -30,6 +31,7 @@ constexpr double kMedianToSigma = 1.48;
 constexpr double kDenseResidual = 0.5;  // nt: of sparser ladders residuals tell little
 constexpr std::size_t kFewestForStrays = 8;
 // How far a peak may stray, in nt and in usual residuals. The first fragments run least evenly.
+constexpr double kUsualGap = 20;  // nt
 constexpr double kStray = 0.7, kStrayWithin = 4;
 constexpr double kStrayAtBeginning = 2.2, kStrayAtEnd = 1.0, kStrayAtEnds = 6;
 constexpr double kWidestGap = 110;   // nt: sizes in a wider one may be a nucleotide off
@@ -100,11 +102,16 @@ LadderPeak* worstStray(LadderAssignment& ladder, double care) {
   double most = 1;
   for (LadderPeak& peak : ladder.peaks) {
     if (!peak.takesPart) continue;
-    const bool isFirst = peak.size == points.front().size, isLast = peak.size == points.back().size;
+    const auto at = std::ranges::find(points, peak.size, &LadderPoint::size);
+    const bool isFirst = at == points.begin(), isLast = std::next(at) == points.end();
     const double residual = isFirst || isLast ? endResidual(points, isLast) : peak.residual;
-    const double limit = isFirst  ? std::max(kStrayAtBeginning, kStrayAtEnds * usual)
-                         : isLast ? std::max(kStrayAtEnd, kStrayAtEnds * usual)
-                                  : std::max(kStray, kStrayWithin * usual);
+    // What the others say of a peak is the less exact the farther they are.
+    const double gap = (isLast ? at->size : std::next(at)->size) - (isFirst ? at->size : std::prev(at)->size);
+    const double farness = gap / (isFirst || isLast ? kUsualGap : 2 * kUsualGap);
+    const double limit =
+        std::max(1.0, farness * farness) * (isFirst  ? std::max(kStrayAtBeginning, kStrayAtEnds * usual)
+                                            : isLast ? std::max(kStrayAtEnd, kStrayAtEnds * usual)
+                                                     : std::max(kStray, kStrayWithin * usual));
     if (care * std::abs(residual) / limit <= most) continue;
     most = care * std::abs(residual) / limit;
     worst = &peak;
@@ -208,6 +215,9 @@ void judge(LadderAssignment& ladder, const LadderFit& fit, std::size_t candidate
 struct Fitted {
   LadderFit fit;
   LadderAssignment ladder;
+
+  // Neighbouring capillaries leave ghosts of their ladders: as regular as the ladder itself, but low.
+  double rank() const { return fit.score + kHeightCounts * std::log(std::max(1.0, ladder.medianHeight)); }
 };
 
 /// All that the list's proposals come to, the best first; equal ones once.
@@ -222,7 +232,7 @@ std::vector<Fitted> fitAll(std::span<const LadderCandidate> candidates, const Si
     LadderAssignment ladder = assignmentOf(candidates, standard, fit, usesUnreliable);
     all.push_back({std::move(fit), std::move(ladder)});
   }
-  std::ranges::stable_sort(all, std::greater<>{}, [](const Fitted& one) { return one.fit.score; });
+  std::ranges::stable_sort(all, std::greater<>{}, &Fitted::rank);
   return all;
 }
 
@@ -308,7 +318,7 @@ LadderAssignment assignLadder(std::span<const LadderCandidate> candidates, const
   Fitted& best = all.front();
   judge(best.ladder, best.fit, candidates.size());
   const bool hasRival = std::any_of(all.begin() + 1, all.end(), [&](const Fitted& other) {
-    return other.fit.score > best.fit.score - kLeastMargin;
+    return other.rank() > best.rank() - kLeastMargin;
   });
   if (hasRival) doubt(best.ladder, "its peaks fit the sizes in two ways");
   return std::move(best.ladder);

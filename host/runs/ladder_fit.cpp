@@ -18,7 +18,7 @@ constexpr double kUsualSpread = 0.4;  // nt, of peaks around the smooth curve
 constexpr double kWideSpread = 0.9;   // of a cubic, and while the proposal may still be wrong in part
 // No size is placed where it can be predicted no better, nor one kept.
 constexpr double kMostErrorToPlace = 2.5, kMostErrorToKeep = 8;  // nt
-constexpr double kReach = 5;  // spreads from the prediction
+constexpr double kReach = 5;                                     // spreads from the prediction
 constexpr double kTails = 4;
 constexpr double kBroad = 1.35, kBroadAtEnd = 2.2;  // times the width of the peaks around it
 constexpr double kHeightSpread = 0.7;
@@ -278,15 +278,19 @@ bool Refinement::isMalformed(std::size_t size) const {
 }
 
 void Refinement::dropDoubtfulEnds() {
-  const auto isDoubtful = [&](const LadderMatch& match) {
-    return choices_[match.size].margin < kDoubtfulAtEnd || isMalformed(match.size);
+  // An end beyond a missing size hangs in the air: its peak may as well be the missing one.
+  const auto isDoubtful = [&](std::size_t end, std::size_t next) {
+    const std::size_t size = matches_[end].size, beside = matches_[next].size;
+    return choices_[size].margin < kDoubtfulAtEnd || isMalformed(size) ||
+           std::max(size, beside) - std::min(size, beside) > 1;
   };
   const auto drop = [&](LadderPath::iterator match) {
     choices_[match->size] = {};
     matches_.erase(match);
   };
-  while (matches_.size() > 2 && isDoubtful(matches_.front())) drop(matches_.begin());
-  while (matches_.size() > 2 && isDoubtful(matches_.back())) drop(std::prev(matches_.end()));
+  while (matches_.size() > 2 && isDoubtful(0, 1)) drop(matches_.begin());
+  while (matches_.size() > 2 && isDoubtful(matches_.size() - 1, matches_.size() - 2))
+    drop(std::prev(matches_.end()));
 }
 
 LadderFit Refinement::result() const {
