@@ -13,8 +13,15 @@ constexpr double kShortest = 50, kLongest = 500, kThreshold = 50;
 
 void sortBySize(Pool& pool) { std::ranges::stable_sort(pool, {}, &PooledPeak::size); }
 
-Case caseOfDye(const std::string& name, const host::import::PeakTable& table, host::import::Dye dye) {
-  Case one{name + " " + host::import::letterOf(dye), {}, table.samples.size(), {}};
+struct Source {
+  const char* file;  // or a folder of them
+  const char* name;
+  std::string dyes;
+  const char* replicateSuffix;
+};
+
+Case caseOfDye(const Source& source, const host::import::PeakTable& table, host::import::Dye dye) {
+  Case one{std::string(source.name) + " " + host::import::letterOf(dye), {}, table.samples.size(), {}};
   std::vector<std::string> names;
   for (const host::import::Sample& sample : table.samples) {
     const host::import::DyePeaks& peaks = sample.peaks(dye);
@@ -25,7 +32,7 @@ Case caseOfDye(const std::string& name, const host::import::PeakTable& table, ho
     names.push_back(sample.name);
   }
   sortBySize(one.pool);
-  one.replicates = host::replicatesBySuffix(names, "b").pairs;
+  one.replicates = host::replicatesBySuffix(names, source.replicateSuffix).pairs;
   return one;
 }
 
@@ -60,21 +67,18 @@ Case simulatedCase(double noise, std::size_t loci, std::uint64_t seed, std::size
 }
 
 std::vector<Case> realCases(const std::filesystem::path& shared) {
-  struct Source {
-    const char* file;
-    const char* name;
-    std::string dyes;
-  };
-  const std::vector<Source> sources = {{"data/peak-scanner/eaacmcat.txt", "AFLP", "BGY"},
-                                       {"data/genemapper/demo_samples_abi.txt", "T-RFLP", "BGY"},
-                                       {"data/genemapper/example_data.txt", "repeats", "B"}};
+  const std::vector<Source> sources = {{"data/peak-scanner/eaacmcat.txt", "AFLP, 31 samples", "BGY", "b"},
+                                       {"data/rawgeno/genescan", "AFLP, 22 samples", "BG", "x"},
+                                       {"data/rawgeno/genemarker.txt", "AFLP, 112 samples", "BGY", "b"},
+                                       {"data/genemapper/demo_samples_abi.txt", "T-RFLP", "BGY", "b"},
+                                       {"data/genemapper/example_data.txt", "repeats", "B", "b"}};
   std::vector<Case> cases;
   for (const Source& source : sources) {
     const std::filesystem::path file = shared / source.file;
     if (!std::filesystem::exists(file)) continue;
     const auto table = host::import::readFiles({&file, 1});
     for (const char letter : source.dyes)
-      cases.push_back(caseOfDye(source.name, table, host::import::dyeOf({&letter, 1}).value()));
+      cases.push_back(caseOfDye(source, table, host::import::dyeOf({&letter, 1}).value()));
   }
   return cases;
 }

@@ -37,7 +37,7 @@ inline constexpr std::size_t kUsualSamples = 48;
 Case simulatedCase(double noise, std::size_t loci, std::uint64_t seed, std::size_t samples = kUsualSamples);
 
 /// One case for each dye of the real tables under the folder, sizes from 50 to 500 nt and heights from 50
-/// RFU, the replicates told by the ending b.
+/// RFU, the replicates told by the ending that each table uses.
 std::vector<Case> realCases(const std::filesystem::path& shared);
 
 }  // namespace banddesk::bench

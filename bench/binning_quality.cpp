@@ -111,20 +111,27 @@ void printGrid(const std::vector<Rule>& rules, const GridOptions& options) {
       verdict.worst);
 }
 
+std::string percent(double share) { return share < 0 ? "-" : fmt::format("{:.2f}", 100 * share); }
+
 void printReal(const std::vector<Rule>& rules, const std::vector<Case>& cases,
                const std::vector<double>& widths) {
+  fmt::print(
+      "Real tables. Jaccard: mean over the pairs of replicates, sd between them. Joinable: neighbours that "
+      "fit the "
+      "width\ntogether and share no sample; parted: pairs of replicates with one in each of such two.\n");
   for (const Case& one : cases) {
-    fmt::print("{}: {} peaks, {} samples, {} pairs of replicates\n", one.name, one.pool.size(), one.samples,
-               one.replicates.size());
-    fmt::print("  {:<17} width   bins singles per-cell mean-width Jaccard%\n", "");
+    fmt::print("{}: {} peaks, {} pairs of replicates\n", one.name, one.pool.size(), one.replicates.size());
+    fmt::print("  {:<17} width  bins single per-cell  width  Jaccard%     sd joinable parted\n", "");
     for (const double width : widths) {
       for (const Rule& rule : rules) {
         const BinNumbers bins = rule.bins(one.pool, width);
-        const Score score = scoreOf(one, bins);
         const auto table = tableQuality(one.pool, bins, one.samples, one.replicates);
-        fmt::print("  {:<17} {:5.1f} {:6} {:7} {:8.4f} {:10.3f} {:>8}\n", rule.name, width, score.bins,
-                   score.singles, score.perCell, table.meanWidth.value_or(0),
-                   score.jaccard < 0 ? "-" : fmt::format("{:.2f}", 100 * score.jaccard));
+        const ReplicateError error = replicateErrorOf(table);
+        const JoinableNeighbours joinable = joinableNeighbours(one.pool, bins, width, one.replicates);
+        fmt::print("  {:<17} {:5.2f} {:5} {:6} {:8.4f} {:6.3f} {:>9} {:>6} {:8} {:6}\n", rule.name, width,
+                   table.bins, table.singleFragmentBins, table.fragmentsPerFilledCell.value_or(0),
+                   table.meanWidth.value_or(0), percent(error.mean), percent(error.deviation), joinable.pairs,
+                   joinable.partedReplicates);
       }
     }
   }
@@ -141,7 +148,7 @@ std::filesystem::path sharedFolder() {
 int main(int argc, char** argv) {
   CLI::App app("Compares rules of binning");
   banddesk::bench::GridOptions options;
-  std::vector<double> realWidths{1, 1.5, 2};
+  std::vector<double> realWidths{0.5, 0.75, 1, 1.5, 2};
   bool realOnly = false, simulatedOnly = false;
   app.add_option("--widths", options.widthFactor, "Multiplies the widths of the simulated grid");
   app.add_option("--seed-offset", options.seedOffset, "Added to the seeds: cases that no rule was tuned on");

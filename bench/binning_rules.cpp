@@ -12,9 +12,6 @@
 namespace banddesk::bench {
 namespace {
 
-// Spans of decimals such as 1.00 are not exact in binary.
-constexpr double kRounding = 1e-9;
-
 /// Turns any numbering that never decreases along the pool into 0, 1, 2, ...
 BinNumbers renumbered(const std::vector<double>& keys) {
   BinNumbers bins(keys.size(), 0);
@@ -40,7 +37,8 @@ BinNumbers greedy(const Pool& pool, double maxWidth) {
 }
 
 /// Parts at the largest gap what is wider than the maximum, and what is wider than the minimum and holds two
-/// peaks of one sample. The first split is unconditional.
+/// peaks of one sample, as the minimum: half the maximum, so that small spans keep what repeats. The first
+/// split is unconditional.
 class LargestGap {
  public:
   LargestGap(const Pool& pool, double maxWidth, double minWidth)

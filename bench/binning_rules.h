@@ -20,6 +20,9 @@ struct PooledPeak {
 };
 using Pool = std::vector<PooledPeak>;  // by ascending size
 
+/// Spans of decimals such as 1.00 are not exact in binary.
+inline constexpr double kRounding = 1e-9;
+
 /// For each peak of the pool the number of its bin, from 0 in ascending size.
 using BinNumbers = std::vector<std::int32_t>;
 

@@ -3,11 +3,33 @@
 #include <algorithm>
 #include <cmath>
 #include <map>
+#include <set>
 #include <utility>
 #include <vector>
 
 namespace banddesk::bench {
 namespace {
+
+struct BinContent {
+  double least = 0;  // nt
+  double largest = 0;
+  std::set<std::size_t> samples;
+};
+
+std::vector<BinContent> contentsOf(const Pool& pool, const BinNumbers& bins) {
+  std::vector<BinContent> contents;
+  for (std::size_t i = 0; i < pool.size(); ++i) {
+    if (static_cast<std::size_t>(bins[i]) == contents.size()) contents.push_back({pool[i].size, 0, {}});
+    contents.back().largest = pool[i].size;
+    contents.back().samples.insert(static_cast<std::size_t>(pool[i].sample));
+  }
+  return contents;
+}
+
+bool shareASample(const BinContent& left, const BinContent& right) {
+  return std::ranges::any_of(right.samples,
+                             [&](std::size_t sample) { return left.samples.contains(sample); });
+}
 
 double pairsOf(double count) { return count * (count - 1) / 2; }
 
@@ -61,6 +83,38 @@ LocusShares locusShares(const Pool& pool, const BinNumbers& bins) {
   double merged = 0;
   for (const auto& [bin, count] : lociByMainBin) merged += count > 1 ? static_cast<double>(count) : 0;
   return loci == 0 ? LocusShares{} : LocusShares{split / loci, merged / loci};
+}
+
+JoinableNeighbours joinableNeighbours(const Pool& pool, const BinNumbers& bins, double maxWidth,
+                                      std::span<const host::ReplicatePair> replicates) {
+  const std::vector<BinContent> contents = contentsOf(pool, bins);
+  JoinableNeighbours found;
+  for (std::size_t bin = 1; bin < contents.size(); ++bin) {
+    const BinContent &left = contents[bin - 1], &right = contents[bin];
+    if (right.largest - left.least > maxWidth + kRounding || shareASample(left, right)) continue;
+    ++found.pairs;
+    found.partedReplicates +=
+        static_cast<std::size_t>(std::ranges::count_if(replicates, [&](const auto& pair) {
+          return (left.samples.contains(pair.first) && right.samples.contains(pair.second)) ||
+                 (left.samples.contains(pair.second) && right.samples.contains(pair.first));
+        }));
+  }
+  return found;
+}
+
+ReplicateError replicateErrorOf(const host::TableQuality& quality) {
+  double count = 0, sum = 0, squares = 0;
+  if (!quality.replicates) return {};
+  for (const host::PairQuality& pair : quality.replicates->pairs) {
+    const std::optional<double> error = pair.agreement.jaccardError();
+    if (!error) continue;
+    ++count;
+    sum += *error;
+    squares += *error * *error;
+  }
+  if (count == 0) return {};
+  const double mean = sum / count;
+  return {mean, count < 2 ? -1 : std::sqrt(std::max(0.0, (squares - count * mean * mean) / (count - 1)))};
 }
 
 host::TableQuality tableQuality(const Pool& pool, const BinNumbers& bins, std::size_t samples,

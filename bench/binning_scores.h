@@ -22,6 +22,24 @@ struct LocusShares {
 /// equal ones.
 LocusShares locusShares(const Pool& pool, const BinNumbers& bins);
 
+/// Neighbouring bins that could as well be one: together they are not wider than the maximum, and no sample
+/// has fragments in both.
+struct JoinableNeighbours {
+  std::size_t pairs = 0;
+  std::size_t partedReplicates =
+      0;  // of them, where one has its fragment in the left bin and the other in the right
+};
+JoinableNeighbours joinableNeighbours(const Pool& pool, const BinNumbers& bins, double maxWidth,
+                                      std::span<const host::ReplicatePair> replicates);
+
+/// The Jaccard error of the pairs of replicates that fill a cell: its mean over them and its standard
+/// deviation between them, as shares of 1; -1 where there are too few.
+struct ReplicateError {
+  double mean = -1;
+  double deviation = -1;
+};
+ReplicateError replicateErrorOf(const host::TableQuality& quality);
+
 host::TableQuality tableQuality(const Pool& pool, const BinNumbers& bins, std::size_t samples,
                                 std::span<const host::ReplicatePair> replicates);
 
