@@ -36,11 +36,7 @@ Case caseOfDye(const Source& source, const host::import::PeakTable& table, host:
   return one;
 }
 
-}  // namespace
-
-double usualWidth(double noise) { return std::max(0.5, std::round(60 * noise) / 10); }
-
-Case simulatedCase(double noise, std::size_t loci, std::uint64_t seed, std::size_t samples) {
+host::simulation::Settings usualSettings(std::size_t loci, std::uint64_t seed, std::size_t samples) {
   host::simulation::Settings settings;
   settings.seed = seed;
   settings.samples = samples;
@@ -48,12 +44,16 @@ Case simulatedCase(double noise, std::size_t loci, std::uint64_t seed, std::size
   settings.dyes = 1;
   settings.ladderDye.reset();
   settings.lociPerDye = loci;
-  const double part = noise / std::sqrt(2.0);
-  const double middle = (settings.shortestNt + settings.longestNt) / 2;
-  settings.sigmaAt100Nt = part / (1 + settings.sigmaGrowth * (middle - 100) / 100);
-  settings.laneDriftNt = part;
-  const host::simulation::SimulatedRuns runs = host::simulation::simulate(settings);
+  return settings;
+}
 
+/// Of the noise, from 100 nt to the middle of the size range.
+double growthToMiddle(const host::simulation::Settings& settings) {
+  return 1 + settings.sigmaGrowth * ((settings.shortestNt + settings.longestNt) / 2 - 100) / 100;
+}
+
+Case caseOf(const host::simulation::Settings& settings) {
+  const host::simulation::SimulatedRuns runs = host::simulation::simulate(settings);
   Case one{"simulated", {}, runs.runs.size(), {}};
   for (std::size_t run = 0; run < runs.runs.size(); ++run) {
     for (const host::simulation::Peak& peak : runs.runs[run].dyes[0]) {
@@ -64,6 +64,42 @@ Case simulatedCase(double noise, std::size_t loci, std::uint64_t seed, std::size
   }
   sortBySize(one.pool);
   return one;
+}
+
+}  // namespace
+
+double usualWidth(double noise) { return std::max(0.5, std::round(60 * noise) / 10); }
+
+Case simulatedCase(double noise, std::size_t loci, std::uint64_t seed, std::size_t samples) {
+  host::simulation::Settings settings = usualSettings(loci, seed, samples);
+  const double part = noise / std::sqrt(2.0);
+  settings.sigmaAt100Nt = part / growthToMiddle(settings);
+  settings.laneDriftNt = part;
+  return caseOf(settings);
+}
+
+Case realisticCase(const RealConditions& conditions, std::uint64_t seed) {
+  host::simulation::Settings settings = usualSettings(conditions.loci, seed, kUsualSamples);
+  const double difference = conditions.difference;
+  settings.sigmaAt100Nt = 0.38 * difference / growthToMiddle(settings);
+  settings.tailDegrees = 3;
+  settings.laneDriftNt = 0;
+  settings.laneCurveNt = 0.42 * difference;
+  settings.lanesPerRun = kUsualSamples / 2;
+  settings.runShiftNt = 0.45 * difference;
+  settings.runSlopeNt = 0.35 * difference;
+  settings.sizeDecimals = conditions.sizeDecimals;
+  settings.lostRate = 0.005;
+  settings.medianHeightRfu = 500;
+  settings.locusHeightSigma = 0.9;
+  settings.laneHeightSigma = 0.25;
+  settings.detectionRfu = kThreshold;
+  settings.splitRate = 0.01;
+  settings.stutterShare = 0.1;
+  settings.populations = 3;
+  settings.privateShare = 0.3;
+  settings.variantShare = 0.1;
+  return caseOf(settings);
 }
 
 std::vector<Case> realCases(const std::filesystem::path& shared) {

@@ -36,6 +36,23 @@ double usualWidth(double noise);
 inline constexpr std::size_t kUsualSamples = 48;
 Case simulatedCase(double noise, std::size_t loci, std::uint64_t seed, std::size_t samples = kUsualSamples);
 
+/// How the same study comes out of real runs: two plates and the replicates on a third, each with its shift;
+/// a curve for each lane; noise with heavy tails; weak loci that come and go with the height of their peaks;
+/// split peaks and stutter; three populations with loci, and length variants of loci, of their own. What it
+/// is scaled by is what two runs of a sample differ by, in nt, as a mean over their common fragments:
+/// published is 0.08, 0.66 at most, with 2 to 5 % of the cells of a locus differing.
+struct RealConditions {
+  double difference = 0.08;
+  std::size_t loci = kRealDensity;
+  int sizeDecimals = 2;
+};
+inline constexpr double kDifferences[] = {0.04, 0.08, 0.16, 0.3};
+inline constexpr std::size_t kRealDensities[] = {90, 180, 360};
+inline constexpr int kSizeDecimals[] = {2, 1};
+/// Nobody knows the width that fits a run beforehand: all are tried that users choose.
+inline constexpr double kRealWidths[] = {0.5, 0.75, 1, 1.5, 2};
+Case realisticCase(const RealConditions& conditions, std::uint64_t seed);
+
 /// One case for each dye of the real tables under the folder, sizes from 50 to 500 nt and heights from 50
 /// RFU, the replicates told by the ending that each table uses.
 std::vector<Case> realCases(const std::filesystem::path& shared);

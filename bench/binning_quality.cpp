@@ -1,7 +1,7 @@
 // Compares rules of binning. Without arguments: the simulated grid at the width a user would choose, then the
 // real tables if they are found (BANDDESK_SHARED, or ../shared beside the source tree).
-//   binning_quality [--widths FACTOR] [--seed-offset N] [--samples N] [--details]
-//                   [--real-widths NT...] [--real-only | --simulated-only]
+//   banddesk_binning_quality [--widths FACTOR] [--seed-offset N] [--samples N] [--details]
+//                   [--real-widths NT...] [--real-only | --simulated-only] [--realistic-only]
 // FACTOR multiplies the chosen widths of the grid; --details prints every figure of every cell of the grid.
 #include <CLI/CLI.hpp>
 #include <algorithm>
@@ -14,8 +14,6 @@
 
 namespace banddesk::bench {
 namespace {
-
-constexpr double kNearBest = 0.002;
 
 struct Score {
   double rand = 0, split = 0, merged = 0, perCell = 0, singles = 0, jaccard = 0, bins = 0;
@@ -49,12 +47,11 @@ struct GridOptions {
   bool details = false;
 };
 
-/// The means over the seeds, by rule.
-std::vector<Score> scoresOfCell(const std::vector<Rule>& rules, double noise, std::size_t loci, double width,
-                                const GridOptions& options) {
+/// The means over the cases of the seeds, by rule.
+std::vector<Score> scoresOfCell(const std::vector<Rule>& rules, const std::vector<Case>& cases,
+                                double width) {
   std::vector<Score> scores(rules.size());
-  for (const std::uint64_t seed : kSeeds) {
-    const Case one = simulatedCase(noise, loci, seed + options.seedOffset, options.samples);
+  for (const Case& one : cases) {
     for (std::size_t rule = 0; rule < rules.size(); ++rule)
       add(scores[rule], scoreOf(one, rules[rule].bins(one.pool, width)));
   }
@@ -67,48 +64,119 @@ void printScore(const Rule& rule, const Score& score) {
              score.bins);
 }
 
-struct Verdict {
-  std::size_t cells = 0, best = 0, worst = 0, realCells = 0, realBest = 0;
+/// What the host's rule, the last, has of a grid against the others.
+class Verdict {
+ public:
+  static constexpr double kNearBest = 0.002;
+
+  explicit Verdict(const std::vector<Rule>& rules) : rules_(rules), sums_(rules.size()) {}
+
+  void judge(const std::vector<Score>& scores) {
+    const auto [least, most] = std::ranges::minmax(scores, {}, &Score::rand);
+    const double ours = scores.back().rand;
+    ++cells_;
+    best_ += ours >= most.rand - kNearBest ? 1 : 0;
+    below_ += ours < most.rand - kFarBelow ? 1 : 0;
+    worst_ += ours <= least.rand && least.rand < most.rand ? 1 : 0;
+    largestLoss_ = std::max(largestLoss_, most.rand - ours);
+    for (std::size_t rule = 0; rule < scores.size(); ++rule) sums_[rule] += scores[rule].rand;
+  }
+
+  void print() const {
+    fmt::print("  mean          ");
+    for (const double sum : sums_) fmt::print(" {:>15.4f} ", sum / static_cast<double>(cells_));
+    fmt::print(
+        "\n* best, or within {} of it. {}: {} of {} cells; more than {} below the best in {}, at most "
+        "{:.4f}; worst "
+        "in {}.\n\n",
+        kNearBest, rules_.back().name, best_, cells_, kFarBelow, below_, largestLoss_, worst_);
+  }
+
+ private:
+  static constexpr double kFarBelow = 0.01;
+
+  const std::vector<Rule>& rules_;
+  std::vector<double> sums_;
+  std::size_t cells_ = 0, best_ = 0, below_ = 0, worst_ = 0;
+  double largestLoss_ = 0;
 };
 
-void judge(Verdict& verdict, const std::vector<Score>& scores, std::size_t loci) {
-  const auto [least, most] = std::ranges::minmax(scores, {}, &Score::rand);
-  const double ours = scores.back().rand;
-  const bool isBest = ours >= most.rand - kNearBest;
-  ++verdict.cells;
-  verdict.best += isBest ? 1 : 0;
-  verdict.worst += ours <= least.rand && least.rand < most.rand ? 1 : 0;
-  if (loci != kRealDensity) return;
-  ++verdict.realCells;
-  verdict.realBest += isBest ? 1 : 0;
+void printCell(const std::vector<Rule>& rules, const std::vector<Score>& scores, bool details) {
+  const double most = std::ranges::max(scores, {}, &Score::rand).rand;
+  for (const Score& score : scores)
+    fmt::print(" {:>15.4f}{}", score.rand, score.rand >= most - Verdict::kNearBest ? '*' : ' ');
+  fmt::print("\n");
+  if (!details) return;
+  fmt::print("  {:<17}    Rand  split%  merge% per-cell singles Jaccard%  bins\n", "");
+  for (std::size_t rule = 0; rule < rules.size(); ++rule) printScore(rules[rule], scores[rule]);
+}
+
+void printHeader(const std::vector<Rule>& rules, std::string_view columns) {
+  fmt::print("{:<16}", columns);
+  for (const Rule& rule : rules) fmt::print(" {:>16}", rule.name);
+  fmt::print("\n");
 }
 
 void printGrid(const std::vector<Rule>& rules, const GridOptions& options) {
-  fmt::print("Simulated: adjusted Rand index, mean of {} seeds\n", std::size(kSeeds));
-  fmt::print("  loci noise width");
-  for (const Rule& rule : rules) fmt::print(" {:>16}", rule.name);
-  fmt::print("\n");
-  Verdict verdict;
+  fmt::print("Simulated, normal noise and drift: adjusted Rand index, mean of {} seeds\n", std::size(kSeeds));
+  printHeader(rules, "  loci noise width");
+  Verdict verdict(rules);
   for (const std::size_t loci : kDensities) {
     for (const double noise : kNoises) {
+      std::vector<Case> cases;
+      for (const std::uint64_t seed : kSeeds)
+        cases.push_back(simulatedCase(noise, loci, seed + options.seedOffset, options.samples));
       const double width = usualWidth(noise) * options.widthFactor;
-      const std::vector<Score> scores = scoresOfCell(rules, noise, loci, width, options);
-      const double most = std::ranges::max(scores, {}, &Score::rand).rand;
+      const std::vector<Score> scores = scoresOfCell(rules, cases, width);
       fmt::print("  {:4} {:5.2f} {:5.2f}", loci, noise, width);
-      for (const Score& score : scores)
-        fmt::print(" {:>15.4f}{}", score.rand, score.rand >= most - kNearBest ? '*' : ' ');
-      fmt::print("\n");
-      judge(verdict, scores, loci);
-      if (!options.details) continue;
-      fmt::print("  {:<17}    Rand  split%  merge% per-cell singles Jaccard%  bins\n", "");
-      for (std::size_t rule = 0; rule < rules.size(); ++rule) printScore(rules[rule], scores[rule]);
+      printCell(rules, scores, options.details);
+      verdict.judge(scores);
     }
   }
+  verdict.print();
+}
+
+std::vector<Case> realisticCases(const RealConditions& conditions, std::uint64_t seedOffset) {
+  std::vector<Case> cases;
+  for (const std::uint64_t seed : kSeeds) cases.push_back(realisticCase(conditions, seed + seedOffset));
+  return cases;
+}
+
+/// Means over the cases.
+void printRepeatability(const std::vector<Case>& cases) {
+  Repeatability mean;
+  for (const Case& one : cases) {
+    const Repeatability found = repeatabilityOf(one.pool, one.replicates);
+    const auto count = static_cast<double>(cases.size());
+    mean.meanDifference += found.meanDifference / count;
+    mean.largestDifference += found.largestDifference / count;
+    mean.locusError += found.locusError / count;
+  }
   fmt::print(
-      "* best, or within {} of it. {}: {} of {} cells, {} of {} at the density of real AFLP; worst in "
-      "{}.\n\n",
-      kNearBest, rules.back().name, verdict.best, verdict.cells, verdict.realBest, verdict.realCells,
-      verdict.worst);
+      "    replicates differ by {:.3f} nt, at most {:.2f}, in {:.1f} % of the loci's cells; {} peaks\n",
+      mean.meanDifference, mean.largestDifference, 100 * mean.locusError, cases.front().pool.size());
+}
+
+void printRealisticGrid(const std::vector<Rule>& rules, const GridOptions& options) {
+  fmt::print("Simulated as real runs are: adjusted Rand index, mean of {} seeds\n", std::size(kSeeds));
+  printHeader(rules, "  loci diff. width");
+  Verdict verdict(rules);
+  for (const int decimals : kSizeDecimals) {
+    fmt::print("  sizes with {} decimals\n", decimals);
+    for (const std::size_t loci : kRealDensities) {
+      for (const double difference : kDifferences) {
+        const std::vector<Case> cases = realisticCases({difference, loci, decimals}, options.seedOffset);
+        if (options.details) printRepeatability(cases);
+        for (const double width : kRealWidths) {
+          const std::vector<Score> scores = scoresOfCell(rules, cases, width);
+          fmt::print("  {:4} {:5.2f} {:5.2f}", loci, difference, width);
+          printCell(rules, scores, options.details);
+          verdict.judge(scores);
+        }
+      }
+    }
+  }
+  verdict.print();
 }
 
 std::string percent(double share) { return share < 0 ? "-" : fmt::format("{:.2f}", 100 * share); }
@@ -149,7 +217,7 @@ int main(int argc, char** argv) {
   CLI::App app("Compares rules of binning");
   banddesk::bench::GridOptions options;
   std::vector<double> realWidths{0.5, 0.75, 1, 1.5, 2};
-  bool realOnly = false, simulatedOnly = false;
+  bool realOnly = false, simulatedOnly = false, realisticOnly = false;
   app.add_option("--widths", options.widthFactor, "Multiplies the widths of the simulated grid");
   app.add_option("--seed-offset", options.seedOffset, "Added to the seeds: cases that no rule was tuned on");
   app.add_option("--samples", options.samples, "Simulated samples, without replicates");
@@ -157,10 +225,14 @@ int main(int argc, char** argv) {
   app.add_option("--real-widths", realWidths, "Maximum widths of a bin in nt for the real tables");
   app.add_flag("--real-only", realOnly);
   app.add_flag("--simulated-only", simulatedOnly);
+  app.add_flag("--realistic-only", realisticOnly, "Of the simulated cases those that are like real runs");
   CLI11_PARSE(app, argc, argv);
 
   using namespace banddesk::bench;
   const std::vector<Rule> rules = allRules();
-  if (!realOnly) printGrid(rules, options);
+  if (!realOnly) {
+    if (!realisticOnly) printGrid(rules, options);
+    printRealisticGrid(rules, options);
+  }
   if (!simulatedOnly) printReal(rules, realCases(sharedFolder()), realWidths);
 }

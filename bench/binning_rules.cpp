@@ -37,8 +37,7 @@ BinNumbers greedy(const Pool& pool, double maxWidth) {
 }
 
 /// Parts at the largest gap what is wider than the maximum, and what is wider than the minimum and holds two
-/// peaks of one sample, as the minimum: half the maximum, so that small spans keep what repeats. The first
-/// split is unconditional.
+/// peaks of one sample. The first split is unconditional. The minimum is usually set to half the maximum.
 class LargestGap {
  public:
   LargestGap(const Pool& pool, double maxWidth, double minWidth)

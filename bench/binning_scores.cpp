@@ -85,6 +85,30 @@ LocusShares locusShares(const Pool& pool, const BinNumbers& bins) {
   return loci == 0 ? LocusShares{} : LocusShares{split / loci, merged / loci};
 }
 
+Repeatability repeatabilityOf(const Pool& pool, std::span<const host::ReplicatePair> replicates) {
+  std::map<std::int32_t, std::map<std::size_t, double>> sizes;  // by locus and sample
+  for (const PooledPeak& peak : pool) {
+    if (peak.locus >= 0) sizes[peak.locus].emplace(static_cast<std::size_t>(peak.sample), peak.size);
+  }
+  Repeatability found;
+  double both = 0, differing = 0;
+  for (const auto& [locus, ofSample] : sizes) {
+    for (const host::ReplicatePair& pair : replicates) {
+      const auto first = ofSample.find(pair.first), second = ofSample.find(pair.second);
+      if ((first == ofSample.end()) != (second == ofSample.end())) ++differing;
+      if (first == ofSample.end() || second == ofSample.end()) continue;
+      const double difference = std::abs(first->second - second->second);
+      ++both;
+      found.meanDifference += difference;
+      found.largestDifference = std::max(found.largestDifference, difference);
+    }
+  }
+  const auto cells = static_cast<double>(sizes.size() * replicates.size());
+  if (both > 0) found.meanDifference /= both;
+  if (cells > 0) found.locusError = differing / cells;
+  return found;
+}
+
 JoinableNeighbours joinableNeighbours(const Pool& pool, const BinNumbers& bins, double maxWidth,
                                       std::span<const host::ReplicatePair> replicates) {
   const std::vector<BinContent> contents = contentsOf(pool, bins);

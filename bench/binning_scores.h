@@ -22,6 +22,15 @@ struct LocusShares {
 /// equal ones.
 LocusShares locusShares(const Pool& pool, const BinNumbers& bins);
 
+/// How well the replicates of a simulated case repeat, whatever the bins: over the loci that both have, by
+/// how much their sizes differ (in nt), and of all cells of the loci that anybody has the share that differs.
+struct Repeatability {
+  double meanDifference = 0;
+  double largestDifference = 0;
+  double locusError = 0;
+};
+Repeatability repeatabilityOf(const Pool& pool, std::span<const host::ReplicatePair> replicates);
+
 /// Neighbouring bins that could as well be one: together they are not wider than the maximum, and no sample
 /// has fragments in both.
 struct JoinableNeighbours {

@@ -32,6 +32,26 @@ struct Settings {
   double sigmaGrowth = 0.25;   // relative growth of the noise for every further 100 nt
   double laneDriftNt = 0.08;   // typical shift of a whole sample, changing smoothly with size
 
+  // What real runs show beside that; by default nothing of it.
+  std::size_t tailDegrees =
+      0;  // the noise has Student's tails of so many degrees of freedom; 0: it is normal
+  std::size_t lanesPerRun = 0;  // after so many lanes a new run begins, with a shift of its own; 0: one run
+  double runShiftNt = 0;        // typical shift of a run in the middle of the size range
+  double runSlopeNt = 0;        // and how much more or less it is at the ends
+  double laneCurveNt = 0;       // typical height of the curve of a single lane
+  std::size_t laneCurveKnots = 7;
+  double splitRate = 0;  // chance that a peak comes out as two, from the resolution to splitNt apart
+  double splitNt = 0.9;
+  double stutterShare = 0;     // of the loci, those with a shadow one nucleotide shorter
+  double detectionRfu = 0;     // lower peaks are not seen
+  double laneHeightSigma = 0;  // of the logarithm, between lanes: how much was loaded
+
+  // Samples come from populations in turn.
+  std::size_t populations = 1;
+  double privateShare = 0;  // of the loci, those that some of the populations lack
+  double variantShare =
+      0;  // of the loci, length variants of another, which only the populations without that have
+
   double frequencyAlpha = 0.8;  // shape of the loci's frequencies, read as of a beta distribution
   double frequencyBeta = 1.2;
   double fixedShare = 0.1;     // loci that every sample has
@@ -41,9 +61,10 @@ struct Settings {
   double medianHeightRfu = 600;
   double locusHeightSigma = 0.7;  // of the logarithm, between loci
   double peakHeightSigma = 0.3;   // of the logarithm, between the samples of a locus
-  bool roundSizes = true;         // to two decimals
-  bool roundHeights = true;       // to whole RFU
-  bool runSuffix = true;          // names end in a well and time stamp: ".A01_12345678AB"
+  bool roundSizes = true;
+  int sizeDecimals = 2;      // 0 to 6, where sizes are rounded
+  bool roundHeights = true;  // to whole RFU
+  bool runSuffix = true;     // names end in a well and time stamp: ".A01_12345678AB"
 };
 
 inline constexpr std::int32_t spuriousLocus = -1;
@@ -51,7 +72,10 @@ inline constexpr std::int32_t spuriousLocus = -1;
 struct Locus {
   double sizeNt = 0;
   double frequency = 0;
-  double logHeight = 0;  // natural logarithm of its median height
+  double logHeight = 0;                    // natural logarithm of its median height
+  std::uint32_t populations = UINT32_MAX;  // a bit for each that may have it
+  std::optional<std::size_t>
+      shadowOf;  // the locus whose stutter it is, by index: its peaks follow that one's
 };
 
 struct Peak {

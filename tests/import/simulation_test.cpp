@@ -75,6 +75,60 @@ TEST(Simulation, WithoutNoiseEveryFixedLocusIsInEveryRunAtItsSize) {
   EXPECT_GT(half, 80) << "more short loci than long ones";
 }
 
+double meanOffset(const SimulatedRuns& simulated, std::size_t firstRun, std::size_t runs) {
+  double sum = 0, count = 0;
+  for (std::size_t run = firstRun; run < firstRun + runs; ++run)
+    for (const Peak& peak : simulated.runs[run].dyes[0])
+      if (peak.locus != spuriousLocus) {
+        sum += peak.size - simulated.loci[0][static_cast<std::size_t>(peak.locus)].sizeNt;
+        ++count;
+      }
+  return sum / count;
+}
+
+TEST(Simulation, LanesOfARunAreShiftedAlikeAndRunsDifferently) {
+  Settings settings{.samples = 60, .laneDriftNt = 0, .lanesPerRun = 20, .runShiftNt = 1};
+  settings.spuriousRate = settings.resolutionNt = 0;
+  const SimulatedRuns simulated = simulate(settings);
+  for (const std::size_t run : {0U, 20U, 40U})
+    EXPECT_NEAR(meanOffset(simulated, run, 10), meanOffset(simulated, run + 10, 10), 0.02);
+  EXPECT_GT(std::abs(meanOffset(simulated, 0, 20) - meanOffset(simulated, 20, 20)), 0.05);
+  EXPECT_GT(std::abs(meanOffset(simulated, 20, 20) - meanOffset(simulated, 40, 20)), 0.05);
+}
+
+TEST(Simulation, VariantsExcludeOneAnotherBetweenPopulationsAndStutterFollowsItsFragment) {
+  Settings settings{
+      .samples = 90, .detectionRfu = 100, .populations = 3, .privateShare = 1, .variantShare = 0.3};
+  settings.stutterShare = 0.5;
+  settings.fixedShare = 1;
+  settings.sigmaAt100Nt = settings.laneDriftNt = settings.lostRate = settings.resolutionNt = 0;
+  settings.sizeDecimals = 1;
+  const SimulatedRuns simulated = simulate(settings);
+  const auto& loci = simulated.loci[0];
+  std::size_t stutters = 0;
+  for (std::size_t run = 0; run < simulated.runs.size(); ++run) {
+    std::vector<bool> seen(loci.size(), false);
+    for (const Peak& peak : simulated.runs[run].dyes[0]) {
+      EXPECT_GE(peak.height, 100);
+      EXPECT_NEAR(peak.size * 10, std::round(peak.size * 10), 1e-9);
+      if (peak.locus != spuriousLocus) seen[static_cast<std::size_t>(peak.locus)] = true;
+    }
+    for (std::size_t i = 0; i < loci.size(); ++i) {
+      if (!seen[i]) continue;
+      EXPECT_NE(loci[i].populations & (1U << (run % 3)), 0U) << "a population without the locus shows it";
+      if (!loci[i].shadowOf) continue;
+      ++stutters;
+      EXPECT_TRUE(seen[*loci[i].shadowOf]) << "stutter without its fragment";
+      EXPECT_NEAR(loci[i].sizeNt, loci[*loci[i].shadowOf].sizeNt - 1, 1e-9);
+    }
+  }
+  EXPECT_GT(stutters, 50U);
+  EXPECT_TRUE(std::ranges::any_of(loci, [&](const Locus& one) {
+    return std::ranges::any_of(loci,
+                               [&](const Locus& other) { return one.populations == ~other.populations; });
+  }));
+}
+
 TEST(Simulation, WhatIsWrittenReadsBackPeakForPeak) {
   for (const bool rounded : {true, false}) {
     Settings settings;
@@ -122,7 +176,8 @@ TEST(Simulation, OnlyALadderIsTakenForOne) {
 
 TEST(Simulation, SettingsThatMakeNoSenseAreRefused) {
   for (const Settings& bad :
-       {Settings{.samples = 0}, Settings{.dyes = 5}, Settings{.lostRate = 1.5}, Settings{.sigmaAt100Nt = -1}})
+       {Settings{.samples = 0}, Settings{.dyes = 5}, Settings{.lostRate = 1.5}, Settings{.sigmaAt100Nt = -1},
+        Settings{.populations = 0}, Settings{.splitRate = 0.1, .splitNt = 0.1}})
     EXPECT_THROW(simulate(bad), std::invalid_argument);
   Settings settings;
   settings.replicates = settings.samples + 1;
