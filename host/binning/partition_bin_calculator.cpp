@@ -6,6 +6,7 @@
 
 #include "host/binning/crowding.h"
 #include "host/binning/partition_search.h"
+#include "host/binning/shared_samples.h"
 #include "host/binning/sizing_error.h"
 #include "plugin/base/error.h"
 #include "plugin/base/numbers.h"
@@ -14,9 +15,17 @@ namespace banddesk::host {
 namespace {
 
 // In units of log-likelihood; docs/binning.md says why these.
-constexpr double kBinCost = 5;
-constexpr double kRepeatCost = 8;
-constexpr double kCrowdingCost = 2;
+constexpr double kBinCost = 7;
+constexpr double kRepeatCost = 10;
+constexpr double kCrowdingCost = 2.5;
+constexpr double kMissingCost = 5;  // of a cut that lacks a whole sample, or more, on both sides
+
+// Of the maximum width. A bin that is just wide enough holds three standard deviations to each side; with
+// less than two it could not hold a fragment.
+constexpr double kLeastSigma = 1.0 / 6;
+constexpr double kLargestSigma = 1.0 / 4;
+// Where cuts are looked for, the noise may be as little as this, in nt, however wide a bin is allowed.
+constexpr double kLeastNoise = 0.1;
 
 constexpr std::size_t kBlock = 1024;  // fragments
 
@@ -88,38 +97,64 @@ std::vector<SizeGroup> PartitionBinCalculator::groupSizes() const {
 }
 
 std::vector<std::uint32_t> PartitionBinCalculator::binBegins(const std::vector<SizeGroup>& groups) const {
-  const SizingError error(groups, maxBinWidth_);
+  const SizeDistances distances(groups, maxBinWidth_);
+  const double least = kLeastSigma * maxBinWidth_, largest = kLargestSigma * maxBinWidth_;
+  const SizingError error(distances, {least, largest});
+  const SizingError noise(distances, {std::min(least, kLeastNoise), largest});
+  const Neighbours neighbours = findNeighbours(groups);
+  const std::vector<double> missing = missingSamples(groups, neighbours);
   Crowding crowding(groups);
   PartitionSearch search({.bin = kBinCost, .repeat = kRepeatCost, .maxWidth = maxBinWidth_});
-  std::vector<std::uint32_t> lastGroupOfResult(static_cast<std::size_t>(resultCount_), kNoGroup);
-  std::vector<std::uint32_t> earlier;
   double position = 0;
-  for (std::uint32_t number = 0; number < groups.size(); ++number) {
-    const SizeGroup& group = groups[number];
+  for (std::size_t number = 0; number < groups.size(); ++number) {
     double opening = 0;
     if (number > 0) {
-      const double cut = (groups[number - 1].largest + group.least) / 2;
+      const double cut = (groups[number - 1].largest + groups[number].least) / 2;
       const double sigma = error.at(cut);
-      if (sigma > 0) position += (group.least - groups[number - 1].least) / sigma;
-      opening = kCrowdingCost * crowding.before(number, cut, sigma);
+      if (sigma > 0) position += (groups[number].least - groups[number - 1].least) / sigma;
+      opening = kCrowdingCost * crowding.before(number, cut, noise.at(cut)) +
+                kMissingCost * std::clamp(missing[number], 0.0, 1.0);
     }
-    const std::size_t end = number + 1 < groups.size() ? groups[number + 1].begin : fragments_.size();
-    findEarlier({group.begin, end}, number, lastGroupOfResult, earlier);
-    search.add(group, position, opening, earlier);
+    search.add(groups[number], position, opening, neighbours.of(number));
   }
   return search.binBegins();
 }
 
-void PartitionBinCalculator::findEarlier(Slice slice, std::uint32_t group,
-                                         std::vector<std::uint32_t>& lastGroupOfResult,
-                                         std::vector<std::uint32_t>& earlier) const {
-  earlier.clear();
-  for (std::size_t i = slice.begin; i < slice.end; ++i) {
-    if (!qualifies(fragments_[i])) continue;
-    std::uint32_t& last = lastGroupOfResult[static_cast<std::size_t>(fragments_[i].result)];
-    if (last != kNoGroup) earlier.push_back(last);
-    last = group;
+std::vector<double> PartitionBinCalculator::missingSamples(const std::vector<SizeGroup>& groups,
+                                                           const Neighbours& neighbours) const {
+  SharedSamples shared(groups, maxBinWidth_ / 2);
+  for (std::uint32_t group = 0; group < groups.size(); ++group) {
+    for (const std::uint32_t earlier : neighbours.of(group)) shared.add(earlier, group);
   }
+  return shared.missing(static_cast<double>(neighbours.results));
+}
+
+std::span<const std::uint32_t> PartitionBinCalculator::Neighbours::of(std::size_t group) const {
+  const std::size_t begin = group == 0 ? 0 : ends[group - 1];
+  return std::span(earlier).subspan(begin, ends[group] - begin);
+}
+
+PartitionBinCalculator::Neighbours PartitionBinCalculator::findNeighbours(
+    const std::vector<SizeGroup>& groups) const {
+  Neighbours found;
+  found.ends.reserve(groups.size());
+  std::vector<std::uint32_t> lastGroupOfResult(static_cast<std::size_t>(resultCount_), kNoGroup);
+  std::uint32_t reached = 0;  // the first group that a bin can hold together with the group at hand
+  for (std::uint32_t group = 0; group < groups.size(); ++group) {
+    const std::size_t end = group + 1 < groups.size() ? groups[group + 1].begin : fragments_.size();
+    while (reached < group && isWider(groups[reached].least, groups[group].largest, maxBinWidth_)) ++reached;
+    for (std::size_t i = groups[group].begin; i < end; ++i) {
+      if (!qualifies(fragments_[i])) continue;
+      std::uint32_t& last = lastGroupOfResult[static_cast<std::size_t>(fragments_[i].result)];
+      if (last == kNoGroup)
+        ++found.results;
+      else if (last >= reached)
+        found.earlier.push_back(last);
+      last = group;
+    }
+    found.ends.push_back(found.earlier.size());
+  }
+  return found;
 }
 
 void PartitionBinCalculator::addBin(const SizeGroup& first, std::size_t end,

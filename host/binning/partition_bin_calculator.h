@@ -1,11 +1,12 @@
 // The bin calculator that parts the fragments of one dye as cheaply as can be, by a cost that weighs how far
-// the sizes of a bin spread, how many fragments of one sample share it, and how crowded the place of each cut
-// is. docs/binning.md tells the rule and why. The bins depend on the fragments alone, not on the order in
-// which they or their samples came.
+// the sizes of a bin spread, how many fragments of one sample share it, how crowded the place of each cut is
+// and whether samples have fragments on both of its sides. docs/binning.md tells the rule and why. The bins
+// depend on the fragments alone, not on the order in which they or their samples came.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <vector>
 
 #include "host/binning/fragment_sort.h"
@@ -42,9 +43,13 @@ class PartitionBinCalculator final : public BinCalculator {
     std::int32_t sampleCount, fragmentCount;
   };
 
-  // Of the sorted fragments.
-  struct Slice {
-    std::size_t begin, end;
+  // For each fragment whose result has an earlier one in reach of a bin, the group of that one; by groups.
+  struct Neighbours {
+    std::vector<std::uint32_t> earlier;
+    std::vector<std::size_t> ends;  // of each group's, in `earlier`
+    std::size_t results = 0;        // that have counting fragments
+
+    std::span<const std::uint32_t> of(std::size_t group) const;
   };
 
   const Bin& at(std::int32_t bin) const;
@@ -52,9 +57,9 @@ class PartitionBinCalculator final : public BinCalculator {
   void sortFragments();
   std::vector<SizeGroup> groupSizes() const;
   std::vector<std::uint32_t> binBegins(const std::vector<SizeGroup>& groups) const;
-  // For each fragment of a group whose result has an earlier one, the group of that one.
-  void findEarlier(Slice slice, std::uint32_t group, std::vector<std::uint32_t>& lastGroupOfResult,
-                   std::vector<std::uint32_t>& earlier) const;
+  Neighbours findNeighbours(const std::vector<SizeGroup>& groups) const;
+  std::vector<double> missingSamples(const std::vector<SizeGroup>& groups,
+                                     const Neighbours& neighbours) const;
   void addBin(const SizeGroup& first, std::size_t end, std::vector<std::int32_t>& lastBinOfResult);
 
   double maxBinWidth_ = 1;

@@ -9,14 +9,14 @@
 namespace banddesk::host {
 namespace {
 
-constexpr std::size_t kStrata = 6;
+constexpr std::size_t kParts = 6;
 constexpr std::size_t kLevels = 9;
-constexpr std::size_t kCellsPerWidth = 50;
-constexpr std::size_t kLags = 2 * kCellsPerWidth + 1;  // distances up to twice the width
+constexpr std::size_t kLags = SizeDistances::kLags;
+constexpr std::size_t kCellsPerWidth = SizeDistances::kCellsPerWidth;
+using Part = SizeDistances::Part;
 
-/// From a sixth to a quarter of the maximum width.
-double shareOfWidth(std::size_t level) {
-  return 1.0 / 6 + (1.0 / 4 - 1.0 / 6) * static_cast<double>(level) / (kLevels - 1);
+double sigmaOf(std::size_t level, const SizingError::Bounds& bounds) {
+  return bounds.least + (bounds.largest - bounds.least) * static_cast<double>(level) / (kLevels - 1);
 }
 
 struct Cell {
@@ -24,12 +24,9 @@ struct Cell {
   double count;
 };
 
-/// A part of the size range with as many fragments as the others: how many pairs of its fragments lie how far
-/// apart, and how likely each level makes that.
-struct Stratum {
-  double count = 0;  // fragments
-  double size = 0;   // their mean, nt
-  std::array<double, kLags> pairs{};
+/// How likely each level makes the distances of a part.
+struct Judged {
+  double size;  // nt
   std::array<double, kLevels> logLikelihood{};
 };
 
@@ -45,11 +42,10 @@ Shape normalized(Shape shape) {
 }
 
 /// Of the distances between two sizes of one fragment. Both have the error, so its variance counts twice.
-Shape sameFragment(std::size_t level) {
+Shape sameFragment(double sigmaInCells) {
   Shape shape{};
-  const double sigma = shareOfWidth(level) * kCellsPerWidth;
   for (std::size_t lag = 0; lag < kLags; ++lag) {
-    const double distance = static_cast<double>(lag) / (2 * sigma);
+    const double distance = static_cast<double>(lag) / (2 * sigmaInCells);
     shape[lag] = std::exp(-distance * distance);
   }
   return normalized(shape);
@@ -98,62 +94,65 @@ void countPairs(const std::vector<Cell>& cells, std::size_t from, Shape& pairs) 
   }
 }
 
-std::vector<Stratum> makeStrata(const std::vector<Cell>& cells, double maxWidth) {
-  double all = 0;
-  for (const Cell& cell : cells) all += cell.count;
-  std::vector<Stratum> strata(kStrata);
-  double before = 0;
-  for (std::size_t i = 0; i < cells.size(); ++i) {
-    Stratum& stratum = strata[std::min(static_cast<std::size_t>(before / all * kStrata), kStrata - 1)];
-    countPairs(cells, i, stratum.pairs);
-    stratum.size += cells[i].count * cells[i].place * maxWidth / kCellsPerWidth;
-    stratum.count += cells[i].count;
-    before += cells[i].count;
-  }
-  std::erase_if(strata, [](const Stratum& one) { return one.count == 0; });
-  for (Stratum& one : strata) one.size /= one.count;
-  return strata;
-}
-
-void judgeLevels(std::vector<Stratum>& strata) {
+std::vector<Judged> judgeLevels(const SizeDistances& distances, const SizingError::Bounds& bounds) {
+  std::vector<Judged> judged;
+  for (const Part& part : distances.parts()) judged.push_back({part.size, {}});
   const Shape different = differentFragments();
   for (std::size_t level = 0; level < kLevels; ++level) {
-    const Shape same = sameFragment(level);
-    for (Stratum& stratum : strata)
-      stratum.logLikelihood[level] = bestLogLikelihood(stratum.pairs, same, different);
+    const Shape same = sameFragment(sigmaOf(level, bounds) / distances.maxWidth() * kCellsPerWidth);
+    for (std::size_t i = 0; i < judged.size(); ++i)
+      judged[i].logLikelihood[level] = bestLogLikelihood(distances.parts()[i].pairs, same, different);
   }
+  return judged;
 }
 
 /// Of a straight line of levels over the sizes.
-double logLikelihoodOfLine(const std::vector<Stratum>& strata, std::size_t from, std::size_t to) {
-  const double range = strata.back().size - strata.front().size;
+double logLikelihoodOfLine(const std::vector<Judged>& parts, std::size_t from, std::size_t to) {
+  const double range = parts.back().size - parts.front().size;
   double sum = 0;
-  for (const Stratum& stratum : strata) {
-    const double position = range > 0 ? (stratum.size - strata.front().size) / range : 0;
+  for (const Judged& part : parts) {
+    const double position = range > 0 ? (part.size - parts.front().size) / range : 0;
     const double level = static_cast<double>(from) + position * static_cast<double>(to - from);
-    sum += stratum.logLikelihood[static_cast<std::size_t>(std::lround(level))];
+    sum += part.logLikelihood[static_cast<std::size_t>(std::lround(level))];
   }
   return sum;
 }
 
 }  // namespace
 
-SizingError::SizingError(std::span<const SizeGroup> groups, double maxWidth)
-    : fromSigma_(shareOfWidth(0) * maxWidth), toSigma_(fromSigma_) {
-  if (groups.empty() || !(maxWidth > 0) || !std::isfinite(maxWidth)) return;
-  std::vector<Stratum> strata = makeStrata(cellsOf(groups, maxWidth), maxWidth);
-  if (!std::isfinite(strata.back().size - strata.front().size)) return;  // no sizes of this world
-  judgeLevels(strata);
-  fromSize_ = strata.front().size;
-  toSize_ = strata.back().size;
-  double best = logLikelihoodOfLine(strata, 0, 0);
+SizeDistances::SizeDistances(std::span<const SizeGroup> groups, double maxWidth)
+    : maxWidth_(maxWidth), parts_(kParts) {
+  const bool isUsable = !groups.empty() && maxWidth > 0 && std::isfinite(maxWidth);
+  const std::vector<Cell> cells = isUsable ? cellsOf(groups, maxWidth) : std::vector<Cell>();
+  double all = 0;
+  for (const Cell& cell : cells) all += cell.count;
+  double before = 0;
+  for (std::size_t i = 0; i < cells.size(); ++i) {
+    Part& part = parts_[std::min(static_cast<std::size_t>(before / all * kParts), kParts - 1)];
+    countPairs(cells, i, part.pairs);
+    part.size += cells[i].count * cells[i].place * maxWidth / kCellsPerWidth;
+    part.count += cells[i].count;
+    before += cells[i].count;
+  }
+  std::erase_if(parts_, [](const Part& one) { return one.count == 0; });
+  for (Part& one : parts_) one.size /= one.count;
+  if (!parts_.empty() && !std::isfinite(parts_.back().size - parts_.front().size)) parts_.clear();
+}
+
+SizingError::SizingError(const SizeDistances& distances, Bounds bounds)
+    : fromSigma_(bounds.least), toSigma_(bounds.least) {
+  if (distances.parts().empty()) return;
+  const std::vector<Judged> parts = judgeLevels(distances, bounds);
+  fromSize_ = parts.front().size;
+  toSize_ = parts.back().size;
+  double best = logLikelihoodOfLine(parts, 0, 0);
   for (std::size_t from = 0; from < kLevels; ++from) {
     for (std::size_t to = from; to < kLevels; ++to) {  // longer fragments are not sized better
-      const double likelihood = logLikelihoodOfLine(strata, from, to);
+      const double likelihood = logLikelihoodOfLine(parts, from, to);
       if (!(likelihood > best)) continue;
       best = likelihood;
-      fromSigma_ = shareOfWidth(from) * maxWidth;
-      toSigma_ = shareOfWidth(to) * maxWidth;
+      fromSigma_ = sigmaOf(from, bounds);
+      toSigma_ = sigmaOf(to, bounds);
     }
   }
 }

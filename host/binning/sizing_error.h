@@ -2,20 +2,48 @@
 // together. It knows no bins.
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <span>
+#include <vector>
 
 #include "host/binning/size_groups.h"
 
 namespace banddesk::host {
 
-/// A standard deviation that may grow with size. The maximum width of a bin bounds it: a user who allows bins
-/// of that width expects three standard deviations to each side in them, and with less than two to each side
-/// no bin could hold a fragment. What lies between, and how it grows, the distances between the sizes tell.
+/// How many pairs of sizes lie how far apart, up to twice the maximum width, in parts of the size range with
+/// equally many fragments.
+class SizeDistances {
+ public:
+  SizeDistances(std::span<const SizeGroup> groups, double maxWidth);
+
+  static constexpr std::size_t kCellsPerWidth = 50;
+  static constexpr std::size_t kLags = 2 * kCellsPerWidth + 1;
+  struct Part {
+    double count = 0;  // fragments
+    double size = 0;   // their mean, nt
+    std::array<double, kLags> pairs{};
+  };
+
+  /// By ascending size; none where there are no sizes, or none of this world.
+  const std::vector<Part>& parts() const { return parts_; }
+  double maxWidth() const { return maxWidth_; }
+
+ private:
+  double maxWidth_;
+  std::vector<Part> parts_;
+};
+
+/// A standard deviation that may grow with size, the likeliest one for the distances between two bounds.
 class SizingError {
  public:
-  SizingError(std::span<const SizeGroup> groups, double maxWidth);
+  /// In nt.
+  struct Bounds {
+    double least, largest;
+  };
+  SizingError(const SizeDistances& distances, Bounds bounds);
 
-  /// In nt, above 0 as long as the maximum width is.
+  /// In nt, above 0 as long as the bounds are.
   double at(double size) const;
 
  private:

@@ -86,7 +86,7 @@ TEST(PartitionBins, OfSizesBeyondAllReasonAreStillNotTooWide) {
             4);
 }
 
-TEST(SizingError, FollowsTheDataBetweenASixthAndAQuarterOfTheWidth) {
+TEST(SizingError, FollowsTheDataBetweenItsBounds) {
   constexpr double kWidth = 1.2;
   for (const double sigma : {0.05, 0.25, 0.6}) {
     SizeGrouping grouping(kWidth);
@@ -97,7 +97,7 @@ TEST(SizingError, FollowsTheDataBetweenASixthAndAQuarterOfTheWidth) {
     }
     std::ranges::sort(sizes);
     for (const double size : sizes) grouping.add(size, 0);
-    const SizingError error(grouping.take(), kWidth);
+    const SizingError error(SizeDistances(grouping.take(), kWidth), {kWidth / 6, kWidth / 4});
     EXPECT_NEAR(error.at(60), std::clamp(sigma, kWidth / 6, kWidth / 4), 0.03) << sigma;
     EXPECT_NEAR(error.at(480), std::clamp(sigma * 1.1, kWidth / 6, kWidth / 4), 0.03) << sigma;
     EXPECT_LE(error.at(60), error.at(480));
