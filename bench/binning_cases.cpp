@@ -102,6 +102,18 @@ Case realisticCase(const RealConditions& conditions, std::uint64_t seed) {
   return caseOf(settings);
 }
 
+Case alignedCase(const Case& one, host::AlignmentFigures& figures) {
+  std::vector<std::vector<double>> lanes(one.samples);
+  for (const PooledPeak& peak : one.pool) lanes[static_cast<std::size_t>(peak.sample)].push_back(peak.size);
+  const std::vector<host::ShiftCurve> curves = host::alignLanes(lanes);
+  figures = host::figuresOf(lanes, curves);
+  Case aligned = one;
+  for (PooledPeak& peak : aligned.pool)
+    peak.size = curves[static_cast<std::size_t>(peak.sample)].moved(peak.size);
+  sortBySize(aligned.pool);
+  return aligned;
+}
+
 std::vector<Case> realCases(const std::filesystem::path& shared) {
   const std::vector<Source> sources = {{"data/peak-scanner/eaacmcat.txt", "AFLP, 31 samples", "BGY", "b"},
                                        {"data/rawgeno/genescan", "AFLP, 22 samples", "BG", "x"},

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "bench/binning_rules.h"
+#include "host/binning/lane_alignment.h"
 #include "host/quality/replicates.h"
 
 namespace banddesk::bench {
@@ -52,6 +53,9 @@ inline constexpr int kSizeDecimals[] = {2, 1};
 /// Nobody knows the width that fits a run beforehand: all are tried that users choose.
 inline constexpr double kRealWidths[] = {0.5, 0.75, 1, 1.5, 2};
 Case realisticCase(const RealConditions& conditions, std::uint64_t seed);
+
+/// The same case with its lanes brought into line, and how far that moved the sizes.
+Case alignedCase(const Case& one, host::AlignmentFigures& figures);
 
 /// One case for each dye of the real tables under the folder, sizes from 50 to 500 nt and heights from 50
 /// RFU, the replicates told by the ending that each table uses.

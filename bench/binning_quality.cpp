@@ -1,6 +1,6 @@
 // Compares rules of binning. Without arguments: the simulated grid at the width a user would choose, then the
 // real tables if they are found (BANDDESK_SHARED, or ../shared beside the source tree).
-//   banddesk_binning_quality [--widths FACTOR] [--seed-offset N] [--samples N] [--details]
+//   banddesk_binning_quality [--widths FACTOR] [--seed-offset N] [--samples N] [--align] [--details]
 //                   [--real-widths NT...] [--real-only | --simulated-only] [--realistic-only]
 // FACTOR multiplies the chosen widths of the grid; --details prints every figure of every cell of the grid.
 #include <CLI/CLI.hpp>
@@ -45,6 +45,7 @@ struct GridOptions {
   std::uint64_t seedOffset = 0;
   std::size_t samples = kUsualSamples;
   bool details = false;
+  bool align = false;
 };
 
 /// The means over the cases of the seeds, by rule.
@@ -117,6 +118,15 @@ void printHeader(const std::vector<Rule>& rules, std::string_view columns) {
   fmt::print("\n");
 }
 
+void align(std::vector<Case>& cases) {
+  for (Case& one : cases) {
+    host::AlignmentFigures figures;
+    one = alignedCase(one, figures);
+    one.name += fmt::format(" (lanes aligned by {:.3f} nt in the mean, at most {:.2f})", figures.meanShift,
+                            figures.largestShift);
+  }
+}
+
 void printGrid(const std::vector<Rule>& rules, const GridOptions& options) {
   fmt::print("Simulated, normal noise and drift: adjusted Rand index, mean of {} seeds\n", std::size(kSeeds));
   printHeader(rules, "  loci noise width");
@@ -126,6 +136,7 @@ void printGrid(const std::vector<Rule>& rules, const GridOptions& options) {
       std::vector<Case> cases;
       for (const std::uint64_t seed : kSeeds)
         cases.push_back(simulatedCase(noise, loci, seed + options.seedOffset, options.samples));
+      if (options.align) align(cases);
       const double width = usualWidth(noise) * options.widthFactor;
       const std::vector<Score> scores = scoresOfCell(rules, cases, width);
       fmt::print("  {:4} {:5.2f} {:5.2f}", loci, noise, width);
@@ -136,9 +147,11 @@ void printGrid(const std::vector<Rule>& rules, const GridOptions& options) {
   verdict.print();
 }
 
-std::vector<Case> realisticCases(const RealConditions& conditions, std::uint64_t seedOffset) {
+std::vector<Case> realisticCases(const RealConditions& conditions, const GridOptions& options) {
   std::vector<Case> cases;
-  for (const std::uint64_t seed : kSeeds) cases.push_back(realisticCase(conditions, seed + seedOffset));
+  for (const std::uint64_t seed : kSeeds)
+    cases.push_back(realisticCase(conditions, seed + options.seedOffset));
+  if (options.align) align(cases);
   return cases;
 }
 
@@ -165,7 +178,7 @@ void printRealisticGrid(const std::vector<Rule>& rules, const GridOptions& optio
     fmt::print("  sizes with {} decimals\n", decimals);
     for (const std::size_t loci : kRealDensities) {
       for (const double difference : kDifferences) {
-        const std::vector<Case> cases = realisticCases({difference, loci, decimals}, options.seedOffset);
+        const std::vector<Case> cases = realisticCases({difference, loci, decimals}, options);
         if (options.details) printRepeatability(cases);
         for (const double width : kRealWidths) {
           const std::vector<Score> scores = scoresOfCell(rules, cases, width);
@@ -221,6 +234,7 @@ int main(int argc, char** argv) {
   app.add_option("--widths", options.widthFactor, "Multiplies the widths of the simulated grid");
   app.add_option("--seed-offset", options.seedOffset, "Added to the seeds: cases that no rule was tuned on");
   app.add_option("--samples", options.samples, "Simulated samples, without replicates");
+  app.add_flag("--align", options.align, "Bring the lanes into line first, for every rule");
   app.add_flag("--details", options.details, "Every figure of every cell of the grid");
   app.add_option("--real-widths", realWidths, "Maximum widths of a bin in nt for the real tables");
   app.add_flag("--real-only", realOnly);
@@ -234,5 +248,8 @@ int main(int argc, char** argv) {
     if (!realisticOnly) printGrid(rules, options);
     printRealisticGrid(rules, options);
   }
-  if (!simulatedOnly) printReal(rules, realCases(sharedFolder()), realWidths);
+  if (simulatedOnly) return 0;
+  std::vector<Case> cases = realCases(sharedFolder());
+  if (options.align) align(cases);
+  printReal(rules, cases, realWidths);
 }

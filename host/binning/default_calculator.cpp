@@ -4,6 +4,10 @@
 
 namespace banddesk::host {
 
-std::shared_ptr<BinCalculator> makeBinCalculator() { return std::make_shared<PartitionBinCalculator>(); }
+std::shared_ptr<BinCalculator> makeBinCalculator(const BinningOptions& options) {
+  auto calculator = std::make_shared<PartitionBinCalculator>();
+  calculator->setAlignsLanes(options.alignLanes);
+  return calculator;
+}
 
 }  // namespace banddesk::host

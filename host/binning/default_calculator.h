@@ -8,6 +8,11 @@
 
 namespace banddesk::host {
 
-std::shared_ptr<BinCalculator> makeBinCalculator();
+struct BinningOptions {
+  /// Bring the lanes of each dye into line first: bins are made of moved sizes, and tell those.
+  bool alignLanes = false;
+};
+
+std::shared_ptr<BinCalculator> makeBinCalculator(const BinningOptions& options = {});
 
 }  // namespace banddesk::host

@@ -63,6 +63,7 @@ void PartitionBinCalculator::Calculate() {
   bins_.clear();
   calculatedThreshold_ = yThreshold_;
   sortFragments();
+  chooseSizes();
   const std::vector<SizeGroup> groups = groupSizes();
   if (groups.empty()) return;
   const std::vector<std::uint32_t> begins = binBegins(groups);
@@ -70,7 +71,7 @@ void PartitionBinCalculator::Calculate() {
   bins_.reserve(begins.size());
   for (std::size_t i = 0; i < begins.size(); ++i) {
     const bool isLast = i + 1 == begins.size();
-    addBin(groups[begins[i]], isLast ? fragments_.size() : groups[begins[i + 1]].begin, lastBinOfResult);
+    addBin(groups[begins[i]], isLast ? binned().size() : groups[begins[i + 1]].begin, lastBinOfResult);
   }
 }
 
@@ -78,20 +79,40 @@ void PartitionBinCalculator::sortFragments() {
   if (added_.empty()) return;
   if (!fragments_.empty()) added_.insert(added_.begin(), std::move(fragments_));
   fragments_ = sortedBySize(std::exchange(added_, {}));
+  orderHeights(fragments_);
+}
+
+/// Sums of heights must come out the same however the fragments came.
+void PartitionBinCalculator::orderHeights(std::vector<Fragment>& fragments) const {
   if (heightsAreWhole_) return;
-  // Sums of heights must come out the same however the fragments came.
-  for (auto begin = fragments_.begin(); begin != fragments_.end();) {
+  for (auto begin = fragments.begin(); begin != fragments.end();) {
     const auto isOther = [&](const Fragment& fragment) { return fragment.size != begin->size; };
-    const auto end = std::find_if(begin + 1, fragments_.end(), isOther);
+    const auto end = std::find_if(begin + 1, fragments.end(), isOther);
     std::ranges::sort(begin, end, {}, &Fragment::height);
     begin = end;
   }
 }
 
+void PartitionBinCalculator::chooseSizes() {
+  laneShifts_.clear();
+  moved_.clear();
+  if (!alignsLanes_) return;
+  std::vector<std::vector<double>> lanes(static_cast<std::size_t>(resultCount_));
+  for (const Fragment& fragment : fragments_) {
+    if (qualifies(fragment)) lanes[static_cast<std::size_t>(fragment.result)].push_back(fragment.size);
+  }
+  laneShifts_ = alignLanes(lanes);
+  FragmentBlocks moved(1, fragments_);
+  for (Fragment& fragment : moved.front())
+    fragment.size = laneShifts_[static_cast<std::size_t>(fragment.result)].moved(fragment.size);
+  moved_ = sortedBySize(std::move(moved));
+  orderHeights(moved_);
+}
+
 std::vector<SizeGroup> PartitionBinCalculator::groupSizes() const {
   SizeGrouping grouping(maxBinWidth_);
-  for (std::size_t i = 0; i < fragments_.size(); ++i) {
-    if (qualifies(fragments_[i])) grouping.add(fragments_[i].size, i);
+  for (std::size_t i = 0; i < binned().size(); ++i) {
+    if (qualifies(binned()[i])) grouping.add(binned()[i].size, i);
   }
   return grouping.take();
 }
@@ -141,11 +162,11 @@ PartitionBinCalculator::Neighbours PartitionBinCalculator::findNeighbours(
   std::vector<std::uint32_t> lastGroupOfResult(static_cast<std::size_t>(resultCount_), kNoGroup);
   std::uint32_t reached = 0;  // the first group that a bin can hold together with the group at hand
   for (std::uint32_t group = 0; group < groups.size(); ++group) {
-    const std::size_t end = group + 1 < groups.size() ? groups[group + 1].begin : fragments_.size();
+    const std::size_t end = group + 1 < groups.size() ? groups[group + 1].begin : binned().size();
     while (reached < group && isWider(groups[reached].least, groups[group].largest, maxBinWidth_)) ++reached;
     for (std::size_t i = groups[group].begin; i < end; ++i) {
-      if (!qualifies(fragments_[i])) continue;
-      std::uint32_t& last = lastGroupOfResult[static_cast<std::size_t>(fragments_[i].result)];
+      if (!qualifies(binned()[i])) continue;
+      std::uint32_t& last = lastGroupOfResult[static_cast<std::size_t>(binned()[i].result)];
       if (last == kNoGroup)
         ++found.results;
       else if (last >= reached)
@@ -166,7 +187,7 @@ void PartitionBinCalculator::addBin(const SizeGroup& first, std::size_t end,
   const std::int32_t number = BinCount();
   double deviations = 0, squares = 0, heights = 0;  // deviations from xMin: small numbers lose little
   for (std::size_t i = bin.begin; i < bin.end; ++i) {
-    const Fragment& fragment = fragments_[i];
+    const Fragment& fragment = binned()[i];
     if (!qualifies(fragment)) continue;
     bin.xMax = fragment.size;
     ++bin.fragmentCount;
@@ -191,7 +212,7 @@ void PartitionBinCalculator::GetResultData(std::int32_t bin, std::vector<std::in
   counts.assign(static_cast<std::size_t>(resultCount_), 0);
   heights.assign(static_cast<std::size_t>(resultCount_), 0.0);
   for (std::size_t i = wanted.begin; i < wanted.end; ++i) {
-    const Fragment& fragment = fragments_[i];
+    const Fragment& fragment = binned()[i];
     if (!qualifies(fragment)) continue;
     const auto result = static_cast<std::size_t>(fragment.result);
     heights[result] = counts[result]++ == 0 ? fragment.height : std::max(heights[result], fragment.height);

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "host/binning/fragment_sort.h"
+#include "host/binning/lane_alignment.h"
 #include "host/binning/size_groups.h"
 #include "plugin/analysis/bin_calculator.h"
 
@@ -19,6 +20,11 @@ class PartitionBinCalculator final : public BinCalculator {
  public:
   void SetMaxBinWidth(double nt) override { maxBinWidth_ = nt; }
   void SetYThreshold(double rfu) override { yThreshold_ = rfu; }
+  /// For the next Calculate: whether the bins are made of sizes moved by alignLanes, of the fragments that
+  /// count.
+  void setAlignsLanes(bool aligns) { alignsLanes_ = aligns; }
+  /// By result, of the last Calculate; none when the lanes were not aligned.
+  const std::vector<ShiftCurve>& laneShifts() const { return laneShifts_; }
   /// A fragment whose size or height is not a finite number is left out.
   void AddFragments(std::int32_t resultIndex, std::int32_t, const FragmentTable& fragments, std::int16_t dye,
                     std::int32_t, std::int32_t) override;
@@ -53,8 +59,12 @@ class PartitionBinCalculator final : public BinCalculator {
   };
 
   const Bin& at(std::int32_t bin) const;
+  /// Of which the present bins are slices.
+  const std::vector<Fragment>& binned() const { return laneShifts_.empty() ? fragments_ : moved_; }
   bool qualifies(const Fragment& fragment) const { return fragment.height >= calculatedThreshold_; }
   void sortFragments();
+  void orderHeights(std::vector<Fragment>& fragments) const;
+  void chooseSizes();
   std::vector<SizeGroup> groupSizes() const;
   std::vector<std::uint32_t> binBegins(const std::vector<SizeGroup>& groups) const;
   Neighbours findNeighbours(const std::vector<SizeGroup>& groups) const;
@@ -67,8 +77,11 @@ class PartitionBinCalculator final : public BinCalculator {
   double calculatedThreshold_ = 0;  // the one that the present bins were made with
   std::int32_t resultCount_ = 0;
   bool heightsAreWhole_ = true;
-  FragmentBlocks added_;  // since the last sort
-  std::vector<Fragment> fragments_;
+  bool alignsLanes_ = false;
+  FragmentBlocks added_;             // since the last sort
+  std::vector<Fragment> fragments_;  // as measured
+  std::vector<Fragment> moved_;      // with the sizes that bins are made of, where the lanes were aligned
+  std::vector<ShiftCurve> laneShifts_;
   std::vector<Bin> bins_;
 };
 

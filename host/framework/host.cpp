@@ -33,7 +33,7 @@ Host::Host(HostSettings settings)
     return makeReport(cast<AFLP>(request.context, "AFLP"));
   };
   if (!settings_.makeBinCalculator) {
-    settings_.makeBinCalculator = makeBinCalculator;
+    settings_.makeBinCalculator = [] { return makeBinCalculator(); };
   }
 }
 
