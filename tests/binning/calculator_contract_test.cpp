@@ -89,14 +89,18 @@ TEST(ACalculator, DependsNeitherOnTheOrderOfTheFragmentsNorOnEarlierCalculations
   ASSERT_TRUE(rc::check([] {
     Peaks peaks = *anyPeaks();
     const double width = anyWidth(), threshold = anyThreshold();
+    const bool aligns = *rc::gen::arbitrary<bool>();
     Calculator calculator;
     add(calculator, peaks);
+    calculator.setAlignsLanes(!aligns);
     calculate(calculator, 5, 40);
+    calculator.setAlignsLanes(aligns);
     calculate(calculator, width, threshold);
 
     std::ranges::reverse(peaks);
     std::ranges::stable_sort(peaks, {}, [](const Peak& peak) { return std::fmod(peak.size * 7, 1.0); });
     Calculator fresh;
+    fresh.setAlignsLanes(aligns);
     add(fresh, peaks);
     calculate(fresh, width, threshold);
     RC_ASSERT(factsOf(calculator) == factsOf(fresh));

@@ -48,6 +48,38 @@ TEST(PartitionBins, KeepOneFragmentTogetherAndTellTwoApart) {
   EXPECT_EQ(binCount(peaks, 2), 1) << "the same sizes, but never two in a sample";
 }
 
+// Two runs that size one fragment differently look like two fragments, but for the samples.
+TEST(PartitionBins, TakeTheSizesOfTwoRunsForOneFragmentUnlessSamplesHaveBoth) {
+  constexpr std::int32_t kFew = 7;
+  Peaks peaks = peaksOf({spread(397.5, 0.03, kFew), spread(397.95, 0.03, 39)});
+  EXPECT_EQ(binCount(peaks, 1.5), 2);
+  for (Peak& peak : peaks) peak.result += peak.size > 397.7 ? kFew : 0;
+  EXPECT_EQ(binCount(peaks, 1.5), 1);
+}
+
+TEST(PartitionBins, OfAlignedLanesHoldWhatTheirShiftsHadParted) {
+  constexpr std::int32_t kLanes = 24;
+  constexpr double kWidth = 0.6;
+  Peaks peaks;
+  for (std::int32_t lane = 0; lane < kLanes; ++lane) {
+    for (int locus = 100; locus <= 400; locus += 5) {
+      if ((locus + lane) % 3 != 0)
+        peaks.push_back({lane, locus + (lane % 2 == 0 ? 0.17 : -0.17) + lane * 0.005, 100});
+    }
+  }
+  PartitionBinCalculator calculator;
+  add(calculator, peaks);
+  calculate(calculator, kWidth / 2, 0);
+  EXPECT_GT(calculator.BinCount(), 100);
+  EXPECT_TRUE(calculator.laneShifts().empty());
+  calculator.setAlignsLanes(true);
+  calculate(calculator, kWidth / 2, 0);
+  EXPECT_EQ(calculator.BinCount(), 61);
+  EXPECT_EQ(calculator.FragmentCount(0), 16);
+  EXPECT_NEAR(calculator.XMean(0), 100, 0.1);
+  EXPECT_EQ(calculator.laneShifts().size(), 24U);
+}
+
 // The names of the samples say nothing: numbering them otherwise permutes the tables and changes nothing
 // else.
 RC_GTEST_PROP(PartitionBins, DoNotDependOnTheOrderOfTheSamples, ()) {
@@ -60,6 +92,9 @@ RC_GTEST_PROP(PartitionBins, DoNotDependOnTheOrderOfTheSamples, ()) {
     renumbered.push_back({kSamples - 1 - drawn % kSamples, size, drawn / 10.0});
   }
   PartitionBinCalculator calculator, other;
+  const bool aligns = *rc::gen::arbitrary<bool>();
+  calculator.setAlignsLanes(aligns);
+  other.setAlignsLanes(aligns);
   const Peaks last = {{kSamples - 1, 900, 100}};  // so that the tables are of one size
   const Peaks first = {{0, 900, 100}};
   for (const Peaks& some : {peaks, last, first}) add(calculator, some);
