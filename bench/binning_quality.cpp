@@ -88,8 +88,8 @@ class Verdict {
     for (const double sum : sums_) fmt::print(" {:>15.4f} ", sum / static_cast<double>(cells_));
     fmt::print(
         "\n* best, or within {} of it. {}: {} of {} cells; more than {} below the best in {}, at most "
-        "{:.4f}; worst "
-        "in {}.\n\n",
+        "{:.4f}; "
+        "worst in {}.\n\n",
         kNearBest, rules_.back().name, best_, cells_, kFarBelow, below_, largestLoss_, worst_);
   }
 
@@ -197,9 +197,9 @@ std::string percent(double share) { return share < 0 ? "-" : fmt::format("{:.2f}
 void printReal(const std::vector<Rule>& rules, const std::vector<Case>& cases,
                const std::vector<double>& widths) {
   fmt::print(
-      "Real tables. Jaccard: mean over the pairs of replicates, sd between them. Joinable: neighbours that "
-      "fit the "
-      "width\ntogether and share no sample; parted: pairs of replicates with one in each of such two.\n");
+      "Real tables. Jaccard: mean over the pairs of replicates, sd between them. Joinable: neighbours that\n"
+      "fit the width together and share no sample; parted: pairs of replicates with one in each of such "
+      "two.\n");
   for (const Case& one : cases) {
     fmt::print("{}: {} peaks, {} pairs of replicates\n", one.name, one.pool.size(), one.replicates.size());
     fmt::print("  {:<17} width  bins single per-cell  width  Jaccard%     sd joinable parted\n", "");

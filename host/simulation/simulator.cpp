@@ -31,7 +31,8 @@ void check(const Settings& settings) {
   require(settings.populations >= 1 && settings.populations <= 16, "populations must be 1 to 16");
   require(settings.laneCurveKnots >= 2, "a curve needs two knots");
   require(settings.sizeDecimals >= 0 && settings.sizeDecimals <= 6, "sizes have 0 to 6 decimals");
-  require(settings.splitNt >= settings.resolutionNt, "split peaks nearer than the resolution");
+  require(settings.splitRate == 0 || settings.splitNt >= settings.resolutionNt,
+          "split peaks nearer than the resolution");
   require(settings.medianHeightRfu > 0, "the median height must be above 0");
   for (const double rate :
        {settings.homoplasyShare, settings.fixedShare, settings.lostRate, settings.spuriousRate,
@@ -117,8 +118,8 @@ class Simulator {
 
   /// Not all of them, and at least one where there are several.
   std::uint32_t somePopulations() {
-    const double all = portableExp(static_cast<double>(settings_.populations) * portableLog(2));
-    return static_cast<std::uint32_t>(random_.uniform(1, std::max(1.0, std::round(all) - 1)));
+    const std::uint32_t all = (std::uint32_t{1} << settings_.populations) - 1;
+    return static_cast<std::uint32_t>(random_.uniform(1, std::max(1U, all)));
   }
 
   /// A nucleotide more or less between the same ends moves the fragment by about as much.
