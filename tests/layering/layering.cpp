@@ -45,6 +45,7 @@ const std::vector<Module> modules = {
     {"simulation", {"host/simulation/"}, {"contracts"}},
     {"runs", {"host/runs/"}, {}},
     {"import", {"host/import/"}, {"contracts"}},
+    {"statistics", {"host/statistics/"}, {"simulation"}},
     {"study", {"host/study/"}, {"contracts"}},
     {"store", {"host/store/"}, {"study"}},
     {"framework", {"host/framework/"}, {"store", "grid", "binning", "quality", "simulation", "import"}},
