@@ -46,6 +46,7 @@ const std::vector<Module> modules = {
     {"runs", {"host/runs/"}, {}},
     {"import", {"host/import/"}, {"contracts"}},
     {"statistics", {"host/statistics/"}, {"simulation"}},
+    {"formats", {"host/formats/"}, {"statistics"}},
     {"study", {"host/study/"}, {"contracts"}},
     {"store", {"host/store/"}, {"study"}},
     {"framework", {"host/framework/"}, {"store", "grid", "binning", "quality", "simulation", "import"}},
