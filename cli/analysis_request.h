@@ -25,6 +25,12 @@ struct AnalysisRequest {
   std::optional<std::string> sortBy;         // a column's header, key or sample name; ":desc" behind it
 };
 
+// A file that is made already and only waits to be written.
+struct ReadyOutput {
+  std::filesystem::path path;
+  std::string content;
+};
+
 struct Outputs {
   std::optional<std::filesystem::path> csv;
   std::optional<std::filesystem::path> nts;
@@ -32,6 +38,7 @@ struct Outputs {
   Cells matrixCells = Cells::Presence;
   std::optional<std::filesystem::path> json;
   std::optional<std::filesystem::path> xlsx;
+  std::vector<ReadyOutput> ready;
 };
 
 }  // namespace banddesk::cli

@@ -58,6 +58,7 @@ std::vector<std::filesystem::path> pathsOf(const Outputs& outputs) {
   for (const auto* path : {&outputs.csv, &outputs.nts, &outputs.matrix, &outputs.json, &outputs.xlsx}) {
     if (*path) paths.push_back(**path);
   }
+  for (const ReadyOutput& output : outputs.ready) paths.push_back(output.path);
   return paths;
 }
 
@@ -74,6 +75,8 @@ void writeOutputs(const Outputs& outputs, Session& session, const std::string& d
     files.writeText(*outputs.json,
                     [&](std::ostream& out) { writeJson(out, session, session.study().Name, dyes); });
   }
+  for (const ReadyOutput& ready : outputs.ready)
+    files.writeText(ready.path, [&](std::ostream& out) { out << ready.content; });
   if (outputs.xlsx) files.writeFile(*outputs.xlsx, [&](const path& target) { session.exportXlsx(target); });
   files.commit();
 }

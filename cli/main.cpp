@@ -12,6 +12,7 @@
 #include "cli/example_command.h"
 #include "cli/quality_command.h"
 #include "cli/say.h"
+#include "cli/statistics_commands.h"
 #include "cli/study_analysis.h"
 #include "cli/study_commands.h"
 #include "plugin/base/error.h"
@@ -38,7 +39,8 @@ int run(int argc, char** argv) {
   CLI::App& exampleCommand = addExampleCommand(app, example);
   Chosen chosen;  // of the commands on study files
   for (const auto add : {addNewCommand, addImportCommand, addListCommand, addResultsCommand, addExportCommand,
-                         addReportCommand, addQualityCommand})
+                         addReportCommand, addQualityCommand, addDistancesCommand, addPcoaCommand,
+                         addTreeCommand, addDiversityCommand})
     add(app, chosen);
   try {
     app.parse(argc, argv);

@@ -2,12 +2,12 @@
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
-#include <fstream>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <vector>
 
 #include "cli/output_file.h"
+#include "cli/pair_file.h"
 #include "cli/say.h"
 #include "cli/session.h"
 #include "cli/study_analysis.h"
@@ -23,25 +23,6 @@ using nlohmann::ordered_json;
 constexpr std::size_t kPairsTold = 5;
 constexpr std::size_t kBinsTold = 10;
 
-// Two names a line, separated by a tab; empty lines do not count.
-std::vector<std::pair<std::string, std::string>> readPairs(const std::filesystem::path& file) {
-  std::ifstream in(file);
-  std::vector<std::pair<std::string, std::string>> pairs;
-  std::size_t number = 0;
-  for (std::string line; std::getline(in, line);) {
-    ++number;
-    if (line.ends_with('\r')) line.pop_back();
-    if (trim(line).empty()) continue;
-    const std::size_t tab = line.find('\t');
-    if (tab == std::string::npos || line.find('\t', tab + 1) != std::string::npos)
-      raise(ErrorNumber::InvalidArgument, "Quality",
-            fmt::format("{}, line {}: expected two sample names with a tab between them", file.string(),
-                        number));
-    pairs.emplace_back(trim(line.substr(0, tab)), trim(line.substr(tab + 1)));
-  }
-  return pairs;
-}
-
 bool isFile(const std::string& text) {
   std::error_code trouble;
   return std::filesystem::is_regular_file(text, trouble);
@@ -50,7 +31,7 @@ bool isFile(const std::string& text) {
 host::Replicates replicatesOf(const ShownTable& table, const std::string& wanted) {
   if (wanted.empty()) return {};
   if (!isFile(wanted)) return host::replicatesOfRuns(table.samples, wanted);
-  return host::replicatesByName(table.samples, readPairs(wanted));
+  return host::replicatesByName(table.samples, readPairs(wanted, "two sample names"));
 }
 
 std::string figure(const std::optional<double>& value, int decimals) {

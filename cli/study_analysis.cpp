@@ -8,6 +8,8 @@
 #include <string_view>
 #include <vector>
 
+#include "cli/band_table.h"
+#include "cli/format_outputs.h"
 #include "cli/output_file.h"
 #include "cli/progress_line.h"
 #include "cli/say.h"
@@ -58,9 +60,7 @@ std::shared_ptr<AFLP> wanted(const Session& session, const std::optional<std::st
   return analyses.Item(1);
 }
 
-bool isEmpty(const Outputs& outputs) {
-  return !outputs.csv && !outputs.nts && !outputs.matrix && !outputs.json && !outputs.xlsx;
-}
+bool isEmpty(const Outputs& outputs) { return pathsOf(outputs).empty(); }
 
 void checkStudy(const AnalyzeArguments& arguments) {
   if (arguments.files.size() != 1)
@@ -130,14 +130,28 @@ void runStudyAnalysis(const AnalyzeArguments& arguments) {
 }
 
 void runExport(const ExportArguments& arguments) {
-  if (isEmpty(arguments.outputs))
+  if (!arguments.formats.empty() && arguments.formats.front() == "list") {
+    say(formatList());
+    return;
+  }
+  if (arguments.study.empty())
+    raise(ErrorNumber::InvalidArgument, "Export", "STUDY is required (banddesk export --help tells more)");
+  if (isEmpty(arguments.outputs) && arguments.formats.empty())
     raise(ErrorNumber::InvalidArgument, "Export",
-          "say what to write: --csv, --nts, --matrix, --json or --xlsx");
+          "say what to write: --format, --csv, --nts, --matrix, --json or --xlsx");
+  const auto formats = formatRequests(arguments.formats);
   requireDistinct(pathsOf(arguments.outputs), {arguments.study});
   Session session;
   openAsStored(session, arguments.study, arguments.name);
   if (arguments.showExcluded) session.showExcluded(*arguments.showExcluded);
-  writeOutputs(arguments.outputs, session, session.host().study().dyeLetters());
+  Outputs outputs = arguments.outputs;
+  if (!formats.empty()) {
+    const auto excluded =
+        arguments.showExcluded.value_or(false) ? ExcludedBands::TakenIn : ExcludedBands::LeftOut;
+    outputs.ready = formatOutputs(formats, readBands(session, excluded, arguments.groups));
+    requireDistinct(pathsOf(outputs), {arguments.study});
+  }
+  writeOutputs(outputs, session, session.host().study().dyeLetters());
 }
 
 void runReport(const ReportArguments& arguments) {

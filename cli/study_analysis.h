@@ -17,6 +17,8 @@ struct ExportArguments {
   std::optional<std::string> name;
   Outputs outputs;
   std::optional<bool> showExcluded;
+  std::vector<std::string> formats;  // the name of a format and the file to write, or "list" alone
+  std::optional<std::filesystem::path> groups;
 };
 
 struct ReportArguments {

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 #include <memory>
 
+#include "cli/band_table.h"
 #include "cli/reading_options.h"
 #include "cli/study_analysis.h"
 #include "cli/study_commands.h"
@@ -61,6 +62,7 @@ void addResultsCommand(CLI::App& app, Chosen& chosen) {
 void addExportCommand(CLI::App& app, Chosen& chosen) {
   CLI::App& command = *app.add_subcommand("export", "Export the table of an analysis");
   const auto arguments = argumentsOf<ExportArguments>(command, chosen, runExport);
+  command.get_option("STUDY")->required(false);  // --format list needs none
   addNameOption(command, arguments->name);
   addOutputOptions(command, arguments->outputs);
   command
@@ -71,6 +73,13 @@ void addExportCommand(CLI::App& app, Chosen& chosen) {
           },
           "What the cells of --matrix hold: count, presence or height [presence]")
       ->type_name("WHAT");
+      .add_option(
+          "--format", arguments->formats,
+          "Write the bands for another program; may be given several times. \"list\" tells the formats")
+      ->type_name("FORMAT OUT")
+      ->type_size(1, 2)
+      ->allow_extra_args(false);
+  addGroupsOption(command, arguments->groups);
   CLI::Option* const show = command.add_flag_callback(
       "--show-excluded", [arguments = arguments.get()] { arguments->showExcluded = true; },
       "With excluded bins and samples [as stored]");
@@ -79,7 +88,9 @@ void addExportCommand(CLI::App& app, Chosen& chosen) {
           "--hide-excluded", [arguments = arguments.get()] { arguments->showExcluded = false; },
           "Without them")
       ->excludes(show);
-  command.footer("Example:\n  banddesk export primula.study --name First --csv table.csv");
+  command.footer(
+      "Example:\n  banddesk export primula.study --name First --csv table.csv\n"
+      "  banddesk export primula.study --groups sites.txt --format structure table.str");
 }
 
 void addReportCommand(CLI::App& app, Chosen& chosen) {

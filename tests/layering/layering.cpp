@@ -47,11 +47,12 @@ const std::vector<Module> modules = {
     {"import", {"host/import/"}, {"contracts"}},
     {"statistics", {"host/statistics/"}, {"simulation"}},
     {"formats", {"host/formats/"}, {"statistics"}},
+    {"pictures", {"host/pictures/"}, {"statistics"}},
     {"study", {"host/study/"}, {"contracts"}},
     {"store", {"host/store/"}, {"study"}},
-    {"framework", {"host/framework/"}, {"store", "grid", "binning", "quality", "simulation", "import"}},
+    {"framework", {"host/framework/"}, {"store", "grid", "binning", "quality", "simulation", "import", "statistics"}},
 
-    {"cli", {"cli/"}, {"framework"}},
+    {"cli", {"cli/"}, {"framework", "formats", "pictures"}},
 
     {"desktop base", {"desktop/base/"}, {"framework"}},
     {"controls", {"desktop/controls/"}, {"desktop base"}},

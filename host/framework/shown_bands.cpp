@@ -1,0 +1,33 @@
+#include "host/framework/shown_bands.h"
+
+#include <algorithm>
+#include <numeric>
+
+#include "host/framework/shown_table.h"
+#include "plugin/base/numbers.h"
+
+namespace banddesk::host {
+
+statistics::BandMatrix shownBands(const AFLP& analysis, IAFLPResultsPage& page) {
+  using statistics::Band;
+  ShownTable table = shownTable(analysis, page);
+  std::vector<std::size_t> order(table.rows.size());
+  std::iota(order.begin(), order.end(), std::size_t{0});
+  std::ranges::sort(order, {}, [&](std::size_t at) { return page.Bin(table.rows[at]); });
+
+  statistics::BandMatrix bands;
+  bands.samples = std::move(table.samples);
+  const std::size_t samples = bands.samples.size();
+  bands.cells.resize(samples * order.size());
+  for (std::size_t locus = 0; locus < order.size(); ++locus) {
+    const std::int32_t row = table.rows[order[locus]];
+    bands.loci.push_back({page.CellText("7", row), leadingNumber(page.CellText("83", row))});
+    for (std::size_t sample = 0; sample < samples; ++sample) {
+      const bool isThere = table.counts[order[locus] * samples + sample] != 0;
+      bands.cells[sample * order.size() + locus] = isThere ? Band::Present : Band::Absent;
+    }
+  }
+  return bands;
+}
+
+}  // namespace banddesk::host
