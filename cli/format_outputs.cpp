@@ -13,7 +13,7 @@ std::vector<FormatRequest> formatRequests(const std::vector<std::string>& words)
   std::vector<FormatRequest> requests;
   for (std::size_t i = 0; i < words.size(); i += 2) {
     const Format& format = host::formats::formatNamed(words[i]);
-    if (i + 1 == words.size())
+    if (i + 1 == words.size() || words[i + 1].empty())
       raise(ErrorNumber::InvalidArgument, "Export", fmt::format("--format {}: name a file too", words[i]));
     requests.push_back({&format, words[i + 1]});
   }

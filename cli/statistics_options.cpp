@@ -1,5 +1,6 @@
 // The options of the commands that calculate with an analysis' bands.
 #include <CLI/CLI.hpp>
+#include <fmt/format.h>
 #include <map>
 #include <memory>
 
@@ -22,15 +23,31 @@ std::shared_ptr<Arguments> argumentsOf(CLI::App& command, Chosen& chosen, void (
   return arguments;
 }
 
+// An option whose value is one of these words.
+template <class Value>
+CLI::Option* addChoice(CLI::App& command, const char* option, Value& value,
+                       std::map<std::string, Value> words, const char* what) {
+  const auto choose = [&value, words, option](const std::string& word) {
+    const auto found = words.find(word);
+    if (found != words.end()) {
+      value = found->second;
+      return;
+    }
+    std::string names;
+    for (const auto& [name, each] : words) names += (names.empty() ? "" : ", ") + name;
+    throw CLI::ValidationError(option, fmt::format("\"{}\" is none of {}", word, names));
+  };
+  return command.add_option_function<std::string>(option, choose, what);
+}
+
 void addMeasureOption(CLI::App& command, Measure& measure) {
-  static const std::map<std::string, Measure> names = {{"jaccard", Measure::Jaccard},
-                                                       {"dice", Measure::Dice},
-                                                       {"simple-matching", Measure::SimpleMatching},
-                                                       {"euclidean", Measure::Euclidean}};
-  command.add_option("--measure", measure, "Distance: jaccard, dice, simple-matching or euclidean [jaccard]")
-      ->type_name("MEASURE")
-      ->transform(CLI::Transformer(names).description(""))
-      ->check(CLI::IsMember({0, 1, 2, 3}).description(""));
+  addChoice<Measure>(command, "--measure", measure,
+                     {{"jaccard", Measure::Jaccard},
+                      {"dice", Measure::Dice},
+                      {"simple-matching", Measure::SimpleMatching},
+                      {"euclidean", Measure::Euclidean}},
+                     "Distance: jaccard, dice, simple-matching or euclidean [jaccard]")
+      ->type_name("MEASURE");
 }
 
 void addSeedOption(CLI::App& command, std::uint64_t& seed) {
@@ -64,14 +81,12 @@ void addPcoaCommand(CLI::App& app, Chosen& chosen) {
 }
 
 void addTreeCommand(CLI::App& app, Chosen& chosen) {
-  static const std::map<std::string, TreeMethod> methods = {{"upgma", TreeMethod::Upgma},
-                                                            {"nj", TreeMethod::NeighbourJoining}};
   CLI::App& command = *app.add_subcommand("tree", "A tree of the samples, by UPGMA or neighbour joining");
   const auto arguments = argumentsOf<TreeArguments>(command, chosen, runTree);
-  command.add_option("--method", arguments->request.method, "How it is made: upgma or nj [upgma]")
-      ->type_name("METHOD")
-      ->transform(CLI::Transformer(methods).description(""))
-      ->check(CLI::IsMember({0, 1}).description(""));
+  addChoice<TreeMethod>(command, "--method", arguments->request.method,
+                        {{"upgma", TreeMethod::Upgma}, {"nj", TreeMethod::NeighbourJoining}},
+                        "How it is made: upgma or nj [upgma]")
+      ->type_name("METHOD");
   addMeasureOption(command, arguments->request.measure);
   command
       .add_option("--bootstrap", arguments->request.bootstraps, "Draw the bins so often for the support [0]")

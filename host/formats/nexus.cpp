@@ -7,11 +7,18 @@
 namespace banddesk::host::formats {
 namespace {
 
+std::string lociLine(const Sheet& sheet) {
+  std::string text = " charstatelabels";
+  for (std::size_t locus = 0; locus < sheet.loci.size(); ++locus)
+    text += fmt::format("{} {} {}", locus > 0 ? "," : "", locus + 1, sheet.loci[locus]);
+  return text + ";\n";
+}
+
 std::string dataBlock(const Sheet& sheet, std::string_view format, bool withLoci) {
   std::string text =
       fmt::format("#NEXUS\nbegin data;\n dimensions ntax={} nchar={};\n format {} missing=? gap=-;\n",
                   sheet.samples.size(), sheet.loci.size(), format);
-  if (withLoci) text += fmt::format(" charlabels {};\n", joined(sheet.loci, " "));
+  if (withLoci) text += lociLine(sheet);
   text += " matrix\n";
   for (std::size_t i = 0; i < sheet.samples.size(); ++i)
     text += fmt::format("  {}  {}\n", sheet.samples[i], cells(sheet.line(i), {"0", "1", "?"}));
@@ -46,9 +53,9 @@ Format nexusFormat() {
           .title = "NEXUS: PAUP*, SplitsTree, Mesquite",
           .ending = ".nex",
           .checkedBy = "ape, phangorn, Biopython and DendroPy",
-          .samples = {.marks = "_."},
-          .groups = {.marks = "_."},
-          .loci = {.marks = "_."},
+          .samples = {.marks = "_"},
+          .groups = {.marks = "_"},
+          .loci = {.marks = "_"},
           .write = writeNexus};
 }
 
@@ -57,8 +64,8 @@ Format mrBayesFormat() {
           .title = "MrBayes",
           .ending = ".nex",
           .checkedBy = "MrBayes",
-          .samples = {.marks = "_.", .longest = 99},
-          .groups = {.marks = "_."},
+          .samples = {.marks = "_", .longest = 99},
+          .groups = {.marks = "_"},
           .loci = {.isNumber = true},
           .write = writeMrBayes};
 }

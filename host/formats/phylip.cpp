@@ -1,4 +1,5 @@
-// PHYLIP's discrete characters and distances: names of exactly ten characters, filled up with blanks.
+// PHYLIP's discrete characters and distances: names of exactly ten characters, filled up with blanks. The
+// last of the ten is always a blank, since other readers of such files look for one.
 #include "host/formats/phylip.h"
 
 #include <fmt/format.h>
@@ -8,7 +9,7 @@
 namespace banddesk::host::formats {
 namespace {
 
-constexpr NameRule kSampleRule = {.marks = "_.-", .longest = 10};
+constexpr NameRule kSampleRule = {.marks = "_.-", .longest = 9};
 
 Parts writePhylip(const Sheet& sheet, const std::string&) {
   std::string text = fmt::format("{:5} {:5}\n", sheet.samples.size(), sheet.loci.size());

@@ -73,14 +73,15 @@ const Golden kGolden[] = {
     {"nexus",
      {{"t.x",
        "#NEXUS\nbegin data;\n dimensions ntax=4 nchar=3;\n"
-       " format datatype=standard symbols=\"01\" missing=? gap=-;\n charlabels D1_52.35 D1_100.50 D2_52.35;\n"
-       " matrix\n  Oak_7  10?\n  Oak.7b  011\n  _sche_1  110\n  _12  001\n ;\nend;\n"
+       " format datatype=standard symbols=\"01\" missing=? gap=-;\n charstatelabels 1 D1_52_35, 2 D1_100_50, "
+       "3 D2_52_35;\n"
+       " matrix\n  Oak_7  10?\n  Oak_7b  011\n  _sche_1  110\n  _12  001\n ;\nend;\n"
        "begin sets;\n taxset North_site = 1 3;\n taxset South = 2 4;\nend;\n"}}},
     {"mrbayes",
      {{"t.x",
        "#NEXUS\nbegin data;\n dimensions ntax=4 nchar=3;\n format datatype=restriction interleave=no "
        "missing=? "
-       "gap=-;\n matrix\n  Oak_7  10?\n  Oak.7b  011\n  _sche_1  110\n  _12  001\n ;\nend;\n"}}},
+       "gap=-;\n matrix\n  Oak_7  10?\n  Oak_7b  011\n  _sche_1  110\n  _12  001\n ;\nend;\n"}}},
     {"phylip", {{"t.x", "    4     3\nOak_7     10?\nOak.7b    011\n_sche_1   110\n_12       001\n"}}},
     {"spagedi",
      {{"t.x",
@@ -216,7 +217,7 @@ TEST(Distances, AreASquareOfPhylip) {
   distances.upper(1, 2) = 2.0 / 3;
   const Parts parts = writePhylipDistances({"Quercus robur 1", "Quercus robur 2", "c"}, distances);
   EXPECT_EQ(parts.front().content,
-            "    3\nQuercus_ro 0.000000 0.250000 1.000000\nQuercus__2 0.250000 0.000000 0.666667\n"
+            "    3\nQuercus_r  0.000000 0.250000 1.000000\nQuercus_2  0.250000 0.000000 0.666667\n"
             "c          1.000000 0.666667 0.000000\n");
   EXPECT_EQ(parts.size(), 2U);
 }
