@@ -1,7 +1,6 @@
 // The files of each format, byte by byte, as made by hand from the programs' descriptions; names that do not
 // fit; tables that a format cannot hold. That the programs read them is checked by tools/check-formats.
 #include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <gmock/gmock.h>
 #include <map>
@@ -10,6 +9,7 @@
 #include "host/formats/newick.h"
 #include "host/formats/phylip.h"
 #include "plugin/base/error.h"
+#include "tests/support/test_folder.h"
 
 namespace banddesk::host::formats {
 namespace {
@@ -138,8 +138,7 @@ TEST(Formats, WriteTheirLayoutsByteByByte) {
 }
 
 TEST(Formats, WriteASpreadsheetThatReadsAsTheTextDoes) {
-  std::string folder = (std::filesystem::temp_directory_path() / "banddesk-formats-XXXXXX").string();
-  ASSERT_NE(::mkdtemp(folder.data()), nullptr);
+  const std::string folder = test::testFolder().string();
   const auto file = [&](const char* name) { return folder + "/" + name; };
   std::ofstream(file("t.xlsx"), std::ios::binary) << filesOf(example(), "genalex-xlsx").at("t.x");
   std::ofstream(file("t.csv"), std::ios::binary) << filesOf(example(), "genalex").at("t.x");
@@ -151,7 +150,6 @@ TEST(Formats, WriteASpreadsheetThatReadsAsTheTextDoes) {
          "strict=True):\n"
          "  assert a[:len(b)] == b and not any(a[len(b):]), (a, b)\n";
   EXPECT_EQ(std::system(("/usr/bin/python3 " + file("compare.py") + " " + folder).c_str()), 0);
-  std::filesystem::remove_all(folder);
 }
 
 TEST(Formats, WithoutACodeForMissingRefuseATableThatNeedsIt) {

@@ -50,7 +50,9 @@ const std::vector<Module> modules = {
     {"pictures", {"host/pictures/"}, {"statistics"}},
     {"study", {"host/study/"}, {"contracts"}},
     {"store", {"host/store/"}, {"study"}},
-    {"framework", {"host/framework/"}, {"store", "grid", "binning", "quality", "simulation", "import", "statistics"}},
+    {"framework",
+     {"host/framework/"},
+     {"store", "grid", "binning", "quality", "simulation", "import", "statistics"}},
 
     {"cli", {"cli/"}, {"framework", "formats", "pictures"}},
 
