@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <fmt/format.h>
 #include <map>
+#include <set>
 
 #include "cli/pair_file.h"
 #include "cli/say.h"
@@ -16,30 +17,32 @@ namespace {
 
 using host::statistics::BandMatrix;
 
-// Groups in the order in which the file names them first.
+// Groups in the order in which the file names them first, without those of other samples alone.
 void takeGroups(BandMatrix& bands, const std::filesystem::path& file) {
-  std::map<std::string, std::string> groupOf;
-  std::vector<std::string> order;
+  const auto refuse = [&](const std::string& sample, const char* why) {
+    raise(ErrorNumber::InvalidArgument, "Groups",
+          fmt::format("{}: the sample \"{}\" {}", file.string(), sample, why));
+  };
+  const std::set<std::string> samples(bands.samples.begin(), bands.samples.end());
+  std::map<std::string, std::size_t> groupOf;
+  std::set<std::string> strangers;
   for (const auto& [sample, group] : readPairs(file, "a sample's name and its group")) {
-    const auto [known, isNew] = groupOf.emplace(sample, group);
-    if (!isNew && known->second != group)
-      raise(ErrorNumber::InvalidArgument, "Groups",
-            fmt::format("{}: the sample \"{}\" is in two groups", file.string(), sample));
-    if (std::ranges::find(order, group) == order.end()) order.push_back(group);
+    if (!samples.contains(sample)) {
+      strangers.insert(sample);
+      continue;
+    }
+    const auto at = std::ranges::find(bands.groups, group);
+    const auto index = static_cast<std::size_t>(at - bands.groups.begin());
+    if (at == bands.groups.end()) bands.groups.push_back(group);
+    if (groupOf.emplace(sample, index).first->second != index) refuse(sample, "is in two groups");
   }
   for (const std::string& sample : bands.samples) {
     const auto found = groupOf.find(sample);
-    if (found == groupOf.end())
-      raise(ErrorNumber::InvalidArgument, "Groups",
-            fmt::format("{}: the sample \"{}\" has no group", file.string(), sample));
-    bands.groupOf.push_back(
-        static_cast<std::size_t>(std::ranges::find(order, found->second) - order.begin()));
+    if (found == groupOf.end()) refuse(sample, "has no group");
+    bands.groupOf.push_back(found->second);
   }
-  bands.groups = order;
-  const auto strangers = std::ranges::count_if(groupOf, [&](const auto& entry) {
-    return std::ranges::find(bands.samples, entry.first) == bands.samples.end();
-  });
-  if (strangers > 0) say("{}: {} names are no sample's of this table\n", file.string(), strangers);
+  if (!strangers.empty())
+    say("{}: {} names are no sample's of this table\n", file.string(), strangers.size());
 }
 
 }  // namespace

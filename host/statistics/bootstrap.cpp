@@ -72,7 +72,8 @@ class SupportCount {
 Tree treeOf(const BandMatrix& matrix, const TreeRequest& request, const Progress& progress) {
   requireSound(matrix);
   PackedBands bands(matrix);
-  Tree tree = makeTree(distances(matrix, bands, request.measure), request.method);
+  Tree tree = makeTree(distances(matrix, bands, request.measure), request.method,
+                       request.bootstraps == 0 ? progress : Progress());
   if (request.bootstraps == 0) return tree;
   SupportCount count(tree);
   Random random(request.seed);

@@ -32,7 +32,7 @@ std::string studyOfFour() {
   return study;
 }
 
-std::string groupsFile(const std::string& text = "c\tSouth\na\tNorth\nb\tNorth\n") {
+std::string groupsFile(const std::string& text = "x\tEast\nc\tSouth\na\tNorth\nb\tNorth\n") {
   writeFile(in("groups.txt"), text);
   return in("groups.txt");
 }
