@@ -66,6 +66,7 @@ Parts write(const Format& format, const BandMatrix& bands, const std::string& fi
   requireCodes(format, bands);
   const BandMatrix table = ordered(format, bands);
   std::vector<std::string> loci;
+  loci.reserve(table.loci.size());
   for (const statistics::Locus& locus : table.loci) loci.push_back(locus.name());
   const Sheet sheet{fitNames(table.samples, format.samples), fitNames(table.groups, format.groups),
                     fitNames(loci, format.loci), table.groupOf, table};
