@@ -112,6 +112,7 @@ class Alignment {
   std::vector<ShiftCurve> curves() {
     for (int round = 0; round < kRounds; ++round) improve();
     std::vector<ShiftCurve> curves;
+    curves.reserve(lanes_.size());
     for (std::size_t lane = 0; lane < lanes_.size(); ++lane)
       curves.push_back(lanes_[lane].empty() ? ShiftCurve() : curveOf(lane));
     return curves;

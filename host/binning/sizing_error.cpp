@@ -61,7 +61,7 @@ Shape differentFragments() {
 /// With the likeliest share of pairs of one fragment among all; the slope in that share falls steadily.
 double bestLogLikelihood(const Shape& pairs, const Shape& same, const Shape& different) {
   double low = 0, high = 1;
-  for (int halving = 0; halving < 20; ++halving) {
+  for (int halving = 0; halving < 12; ++halving) {
     const double share = (low + high) / 2;
     double slope = 0;
     for (std::size_t i = 0; i < kLags; ++i)

@@ -136,6 +136,7 @@ class Simulator {
   void addShadowLoci(std::vector<Locus>& loci) {
     if (settings_.stutterShare == 0) return;
     std::vector<std::pair<Locus, std::size_t>> numbered;  // with their numbers so far
+    numbered.reserve(2 * loci.size());
     for (const Locus& locus : loci) numbered.emplace_back(locus, numbered.size());
     for (std::size_t i = 0; i < loci.size(); ++i) {
       if (!random_.chance(settings_.stutterShare)) continue;
@@ -305,7 +306,7 @@ class Simulator {
   }
 
   std::string nameOf(std::size_t sample, const char* mark, std::size_t run) const {
-    const std::string name = fmt::format("S{:05}{}", sample + 1, mark);
+    std::string name = fmt::format("S{:05}{}", sample + 1, mark);
     if (!settings_.runSuffix) return name;
     constexpr std::size_t wells = 96, columns = 12;
     const std::size_t well = run % wells;
