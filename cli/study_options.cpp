@@ -73,6 +73,7 @@ void addExportCommand(CLI::App& app, Chosen& chosen) {
           },
           "What the cells of --matrix hold: count, presence or height [presence]")
       ->type_name("WHAT");
+  command
       .add_option(
           "--format", arguments->formats,
           "Write the bands for another program; may be given several times. \"list\" tells the formats")
