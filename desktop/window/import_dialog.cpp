@@ -37,6 +37,7 @@ std::optional<host::import::Dye> chosenDye(const QComboBox& box) {
 
 std::vector<std::filesystem::path> pathsOf(const QListWidget& list) {
   std::vector<std::filesystem::path> paths;
+  paths.reserve(static_cast<std::size_t>(list.count()));
   for (int i = 0; i < list.count(); ++i) paths.emplace_back(toText(list.item(i)->text()));
   return paths;
 }

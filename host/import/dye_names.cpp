@@ -136,6 +136,7 @@ void DyeNames::assign() {
   const Assignment assignment({all.begin(), all.end()}, together);
   if (!assignment.isPossible()) {
     std::vector<std::string> names;
+    names.reserve(all.size());
     for (const KitDye& dye : all) names.push_back(shown(dye));
     throw std::runtime_error(fmt::format(
         "the dyes {} do not go together: two of one sample would have the same of the five colours",
@@ -155,6 +156,7 @@ std::optional<Dye> DyeNames::dyeOf(std::string_view text) const {
 
 std::string DyeNames::description() const {
   std::vector<std::string> parts;
+  parts.reserve(colours_.size());
   for (const auto& [dye, colour] : colours_)
     parts.push_back(fmt::format("{} as {}", shown(dye), letterOf(colour)));
   return parts.empty() ? std::string() : fmt::format("dyes by name: {}", fmt::join(parts, ", "));

@@ -65,11 +65,12 @@ NumberKind NumberReader::read(std::string_view cell, double& value) {
   if (readPlain(cell, value, hasPoint) && (!hasPoint || mark_ == '.')) return NumberKind::Number;
   cell = trimmed(cell);
   if (cell.empty() || cell == "NA") return NumberKind::Blank;
-  const char* end = cell.data() + cell.size();
-  const auto [stop, error] = std::from_chars(cell.data(), end, value);
+  const char* const begin = cell.data();
+  const char* const end = begin + cell.size();
+  const auto [stop, error] = std::from_chars(begin, end, value);
   if (error == std::errc::result_out_of_range) return NumberKind::NotFinite;
   if (stop == end && error == std::errc{}) {
-    if (mark_ != '.' && findOrEnd(cell.data(), end, '.') != end) {
+    if (mark_ != '.' && findOrEnd(begin, end, '.') != end) {
       if (mark_ == ',') return NumberKind::OtherMark;
       mark_ = '.';
     }

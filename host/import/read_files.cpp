@@ -154,6 +154,7 @@ class Reading {
     }
     if (most == nullptr) return;
     std::vector<std::string> reasons;
+    reasons.reserve(most->leftOut.size());
     for (const LeftOut& leftOut : most->leftOut)
       reasons.push_back(fmt::format("{} ({})", leftOut.count, reasonText(leftOut)));
     throw ImportError({most->file, 0, {}}, fmt::format("no peak is left of its {} rows; left out: {}",
