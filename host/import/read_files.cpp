@@ -75,15 +75,19 @@ class Reading {
 
   PeakTable run() {
     table_.report.dyeNames = gatherDyeNames();
+    table_.report.files.reserve(sources_.size());
     for (const Source& source : sources_) {
       readOne(source);
-      done_ += source.size;
+      if (!isRun(source)) done_ += source.size;
       tell(0);
     }
+    const bool hasTables = filesRead_ > 0;
+    readAllRuns();
     if (filesRead_ == 0 && filesKnown_ == 0)
-      throw ImportError({sources_.front().file.parent_path(), 0, {}}, "no peak table in the folder");
+      throw ImportError({sources_.front().file.parent_path(), 0, {}},
+                        "no peak table and no run in the folder");
     requirePeaks();
-    table_.report.ladder = options_.ladder ? std::nullopt : proposeLadder(table_.samples);
+    if (hasTables && !options_.ladder) table_.report.ladder = proposeLadder(table_.samples);
     return std::move(table_);
   }
 
@@ -91,7 +95,7 @@ class Reading {
   void readOne(const Source& source) {
     FileReport report;
     report.file = source.file;
-    if (source.ofFolder && source.size == 0) {
+    if (source.ofFolder && source.size == 0 && !isRun(source)) {
       report.form = "empty file, passed over";
     } else {
       readTable(source, report);
@@ -111,6 +115,10 @@ class Reading {
       report.notes.push_back(fmt::format("the same content as {}; read once", twin->string()));
       return;
     }
+    if (isRun(source)) {
+      runs_.push_back(source);
+      return;
+    }
     std::optional<TableText> text;
     try {
       text.emplace(source.file, options_);
@@ -128,6 +136,7 @@ class Reading {
   std::string gatherDyeNames() {
     std::filesystem::path named;
     for (const Source& source : sources_) {
+      if (isRun(source)) continue;
       try {
         TableText text(source.file, options_);
         if (noteDyeNames(source.file.string(), text, names_) && named.empty()) named = source.file;
@@ -141,6 +150,29 @@ class Reading {
       throw ImportError({named, 0, {}}, error.what());
     }
     return names_.description();
+  }
+
+  bool isRun(const Source& source) {
+    const auto [found, isNew] = isRun_.try_emplace(source.file.string(), false);
+    if (isNew) found->second = isRunFile(source.file);
+    return found->second;
+  }
+
+  // All runs together, after the tables: a run's capillaries help each other.
+  void readAllRuns() {
+    if (runs_.empty()) return;
+    std::vector<fs::path> files;
+    std::vector<FileReport*> reports;
+    for (const Source& run : runs_) {
+      files.push_back(run.file);
+      reports.push_back(&*std::ranges::find(table_.report.files, run.file, &FileReport::file));
+    }
+    const std::uint64_t before = done_;
+    readRuns(files, options_.runs, reports, table_.samples, [&](std::size_t done, std::size_t total) {
+      done_ = before + (total_ - before) * done / total;
+      tell(0);
+    });
+    filesRead_ += files.size();
   }
 
   void requirePeaks() const {
@@ -200,6 +232,8 @@ class Reading {
   const Progress& progress_;
   PeakTable table_;
   DyeNames names_;
+  std::vector<Source> runs_;
+  std::map<std::string, bool> isRun_;
   SampleAssembler assembler_;
   std::map<std::uint64_t, std::size_t> filesOfSize_;
   std::map<std::pair<std::uint64_t, std::uint64_t>, fs::path> contents_;

@@ -1,5 +1,5 @@
-// Reads peak tables from files: the one entry of the import room. It fills no study; that is for who calls
-// it.
+// Reads peak tables and runs of instruments from files: the one entry of the import room. It fills no study;
+// that is for who calls it.
 #pragma once
 
 #include <cstdint>
@@ -11,6 +11,7 @@
 
 #include "host/import/import_error.h"
 #include "host/import/peak_table.h"
+#include "host/import/run_reading.h"
 #include "host/import/text_stream.h"
 
 namespace banddesk::host::import {
@@ -22,6 +23,8 @@ struct Options {
   std::optional<Dye> dye = {};
   /// Of spreadsheets the sheet of this name, else the first.
   std::optional<std::string> sheet = {};
+  /// How runs of instruments are analysed; a run's size standard is found and left out by itself.
+  RunOptions runs = {};
   /// Asked of each file by its size and content hash before it is read: a known file is passed over and
   /// noted. Files are hashed only where somebody asks.
   std::function<bool(std::uint64_t size, std::uint64_t hash)> isKnown = {};

@@ -44,7 +44,7 @@ const std::vector<Module> modules = {
     {"quality", {"host/quality/"}, {"contracts"}},
     {"simulation", {"host/simulation/"}, {"contracts"}},
     {"runs", {"host/runs/"}, {}},
-    {"import", {"host/import/"}, {"contracts"}},
+    {"import", {"host/import/"}, {"contracts", "runs"}},
     {"statistics", {"host/statistics/"}, {"simulation"}},
     {"formats", {"host/formats/"}, {"statistics"}},
     {"pictures", {"host/pictures/"}, {"statistics"}},
