@@ -90,7 +90,9 @@ void addOutputOptions(CLI::App& command, Outputs& outputs) {
 
 CLI::App& addAnalyzeCommand(CLI::App& app, AnalyzeArguments& arguments) {
   CLI::App& command = *app.add_subcommand("analyze", "Analyse peak tables or runs and export the AFLP table");
-  command.add_option("FILE", arguments.files, "Peak tables or runs of an instrument, or folders of them; or one study file")
+  command
+      .add_option("FILE", arguments.files,
+                  "Peak tables or runs of an instrument, or folders of them; or one study file")
       ->required();
   command
       .add_option("--name", arguments.name, "In a study: the analysis to open again or to make [a new one]")

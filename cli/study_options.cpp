@@ -35,7 +35,8 @@ void addNewCommand(CLI::App& app, Chosen& chosen) {
 void addImportCommand(CLI::App& app, Chosen& chosen) {
   CLI::App& command = *app.add_subcommand("import", "Import peak tables or runs into a study");
   const auto arguments = argumentsOf<ImportArguments>(command, chosen, runImport);
-  command.add_option("FILE", arguments->files, "Peak tables or runs of an instrument, or folders of them")->required();
+  command.add_option("FILE", arguments->files, "Peak tables or runs of an instrument, or folders of them")
+      ->required();
   addReadingOptions(command, arguments->reading);
   command.add_flag("--again", arguments->again, "Read files once more that the study has already");
   command.footer("Example:\n  banddesk import primula.study run1.txt run2.txt --ladder R");

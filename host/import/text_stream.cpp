@@ -25,8 +25,6 @@ bool looksBinary(std::string_view text) {
 }
 
 std::string whatIsBinary(std::string_view start) {
-  if (start.starts_with("ABIF"))
-    return "is a raw run (.fsa), and raw runs are not read yet: export its peak table as text";
   if (start.starts_with("\xD0\xCF\x11\xE0"))
     return "is a spreadsheet of the old form (.xls): save it as text";
   return "is a binary file, not a text table";

@@ -39,7 +39,7 @@ TEST(ReadFiles, SaysInOneLineWhatIsWrongAndWhere) {
   const Case cases[]{
       {"empty", "", ": the file is empty"},
       {"binary", std::string("xyz\0\1\2\0\3", 8), ": is a binary file, not a text table"},
-      {"raw run", std::string("ABIF\0\1\2\0", 8), ": is a raw run (.fsa), and raw runs are not read yet"},
+      {"raw run", std::string("ABIF\0\1\2\0", 8), ": is cut short: it ends within its header"},
       {"old spreadsheet", std::string("\xD0\xCF\x11\xE0\0\0\0\0", 8),
        ": is a spreadsheet of the old form (.xls): save it as text"},
       {"no spreadsheet", std::string("PK\3\4????", 8), ": is a zip archive, but cannot be read as an .xlsx"},

@@ -1,12 +1,12 @@
 #include "host/runs/process_run.h"
 
 #include <cmath>
-#include <filesystem>
 #include <fstream>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "tests/runs/simulated_run.h"
+#include "tests/support/temp_folder.h"
 
 namespace banddesk::host::runs {
 namespace {
@@ -147,18 +147,12 @@ TEST(ProcessRun, NormalisesHeightsToTheLadder) {
 
 class RunFolder : public testing::Test {
  protected:
-  RunFolder() {
-    std::string name = std::filesystem::temp_directory_path() / "runs-XXXXXX";
-    if (::mkdtemp(name.data()) != nullptr) folder_ = name;
-  }
-  ~RunFolder() override { std::filesystem::remove_all(folder_); }
-
   std::string write(const std::string& name, const std::string& bytes) {
-    std::ofstream(folder_ / name, std::ios::binary) << bytes;
-    return folder_ / name;
+    std::ofstream(folder_.path() / name, std::ios::binary) << bytes;
+    return folder_.file(name);
   }
 
-  std::filesystem::path folder_;
+  test::TempFolder folder_;
 };
 
 TEST_F(RunFolder, IsProcessedTheSameOnOneThreadAndMany) {

@@ -1,12 +1,12 @@
 #include "host/runs/run_file.h"
 
-#include <filesystem>
 #include <fstream>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "host/runs/run_error.h"
 #include "host/simulation/abif_writer.h"
+#include "tests/support/temp_folder.h"
 
 namespace banddesk::host::runs {
 namespace {
@@ -272,15 +272,13 @@ TEST(RunFile, SaysInOneLineWhyAFileIsNoRun) {
 }
 
 TEST(RunFile, RefusesFoldersAndMissingFiles) {
-  std::string folder = std::filesystem::temp_directory_path() / "runs-XXXXXX";
-  ASSERT_NE(::mkdtemp(folder.data()), nullptr);
-  EXPECT_THROW(readRunFile(folder), RunError);
-  EXPECT_THROW(readRunFile(folder + "/nothing.fsa"), RunError);
-  std::ofstream(folder + "/empty.fsa");
-  EXPECT_THROW(readRunFile(folder + "/empty.fsa"), RunError);
-  std::ofstream(folder + "/one.fsa", std::ios::binary) << abifFile(plainTags());
-  EXPECT_EQ(readRunFile(folder + "/one.fsa").fileName, "one.fsa");
-  std::filesystem::remove_all(folder);
+  const test::TempFolder folder;
+  EXPECT_THROW(readRunFile(folder.path()), RunError);
+  EXPECT_THROW(readRunFile(folder.file("nothing.fsa")), RunError);
+  std::ofstream(folder.file("empty.fsa"));
+  EXPECT_THROW(readRunFile(folder.file("empty.fsa")), RunError);
+  std::ofstream(folder.file("one.fsa"), std::ios::binary) << abifFile(plainTags());
+  EXPECT_EQ(readRunFile(folder.file("one.fsa")).fileName, "one.fsa");
 }
 
 }  // namespace
