@@ -236,6 +236,14 @@ std::vector<Fitted> fitAll(std::span<const LadderCandidate> candidates, const Si
   return all;
 }
 
+/// The height of the tallest peak within so many scans. The peaks are by scan: a run of noise has very many.
+double tallestNear(std::span<const Peak> peaks, int scan, int reach) {
+  double tallest = 0;
+  auto at = std::ranges::lower_bound(peaks, scan - reach, {}, &Peak::scan);
+  for (; at != peaks.end() && at->scan <= scan + reach; ++at) tallest = std::max(tallest, at->height);
+  return tallest;
+}
+
 /// The tallest of those that are no satellites, and the satellites as tall as they.
 void keepTallest(std::vector<LadderCandidate>& candidates) {
   std::vector<double> heights;
@@ -289,15 +297,13 @@ bool agree(const LadderAssignment& a, const LadderAssignment& b) {
 
 std::vector<LadderCandidate> ladderCandidates(std::span<const Peak> peaks, std::span<const Peak> others,
                                               double typicalWidth) {
-  const double reach = std::max(kSatelliteScans, kSatelliteWidths * typicalWidth);
+  const int reach = static_cast<int>(std::max(kSatelliteScans, kSatelliteWidths * typicalWidth));
+  std::vector<Peak> shadows(others.begin(), others.end());
+  std::ranges::sort(shadows, {}, &Peak::scan);
   std::vector<LadderCandidate> candidates;
   for (const Peak& peak : peaks) {
-    const bool isSatellite = std::ranges::any_of(peaks, [&](const Peak& other) {
-      return std::abs(other.scan - peak.scan) <= reach && other.height >= kSatelliteRatio * peak.height;
-    });
-    const bool isShadow = std::ranges::any_of(others, [&](const Peak& other) {
-      return std::abs(other.scan - peak.scan) <= 1 && other.height >= kShadowRatio * peak.height;
-    });
+    const bool isSatellite = tallestNear(peaks, peak.scan, reach) >= kSatelliteRatio * peak.height;
+    const bool isShadow = tallestNear(shadows, peak.scan, 1) >= kShadowRatio * peak.height;
     candidates.push_back(
         {static_cast<double>(peak.scan), peak.height, peak.width, isShadow, isSatellite, peak.isDouble});
   }

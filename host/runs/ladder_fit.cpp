@@ -20,7 +20,7 @@ constexpr double kWideSpread = 0.9;   // of a cubic, and while the proposal may 
 constexpr double kMostErrorToPlace = 2.5, kMostErrorToKeep = 8;  // nt
 constexpr double kReach = 5;                                     // spreads from the prediction
 constexpr double kTails = 4;
-constexpr double kBroad = 1.35, kBroadAtEnd = 2.2;  // times the width of the peaks around it
+constexpr double kBroad = 1.35, kBroadAtEnd = 1.85;  // times the width of the peaks around it
 constexpr double kHeightSpread = 0.7;
 constexpr double kMostHeightCost = 9;
 constexpr double kSuspectCost = 2, kSatelliteCost = 3;
