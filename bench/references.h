@@ -22,7 +22,7 @@ Timed sortOf(const Pairs& pairs);
 /// Reading a file in blocks and counting its lines.
 Timed lineCountOf(const std::filesystem::path& file);
 /// The sum of the numbers, `times` times.
-Timed passesOver(std::span<const std::int32_t> numbers, int times);
+Timed passesOver(std::vector<std::int32_t> numbers, int times);
 /// As many bytes copied, `times` times.
 Timed copiesOf(std::size_t bytes, int times);
 /// One pass over cells of so many rows and columns that finds the longest number of each column.

@@ -1,6 +1,7 @@
 #include "bench/road.h"
 
 #include "host/binning/default_calculator.h"
+#include "host/framework/finished_table.h"
 #include "host/framework/table_import.h"
 #include "host/import/read_files.h"
 #include "host/store/sqlite_store.h"
@@ -114,6 +115,17 @@ void Road::makeAnalysis() {
 void Road::openStudy() {
   host_->closeStudy();
   host_->openStudy(std::make_shared<host::SqliteStore>(file_));
+}
+
+std::vector<std::int32_t> Road::counts() {
+  const std::shared_ptr<AFLP> open = analysis();
+  host::FinishedTable table(*open, page());
+  std::vector<std::int32_t> all;
+  for (std::int32_t bin = 1; bin <= table.binCount(); ++bin) {
+    const auto line = table.cellsOf(bin).counts;
+    all.insert(all.end(), line.begin(), line.end());
+  }
+  return all;
 }
 
 void Road::openAnalysis() { host_->service().OpenAFLP(analysis()); }

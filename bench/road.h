@@ -54,6 +54,8 @@ class Road {
   CalculatorWatch& watch() { return *watch_; }
   std::shared_ptr<AFLP> analysis();
   IAFLPResultsPage& page();
+  /// The fragment counts of the open table, a line for each bin.
+  std::vector<std::int32_t> counts();
   host::GridControl& grid() { return control<host::GridControl>("grdAFLP"); }
 
   template <class Wanted>

@@ -29,7 +29,7 @@ Timed analysingWith(Road& road, const char* box, std::vector<std::string> values
                [&road] { road.page().Analyze(false); });
 }
 
-double cellsOf(Road& road) { return static_cast<double>(road.page().Analysis().fragmentCounts.size()); }
+double cellsOf(Road& road) { return static_cast<double>(road.counts().size()); }
 
 void measureMemory(Bench& bench, Road& road) {
   road.openStudy();
@@ -86,7 +86,7 @@ void measureSorting(Bench& bench, Road& road) {
 }
 
 void measureLooks(Bench& bench, Road& road) {
-  const Timed passes = passesOver(road.page().Analysis().fragmentCounts, 1);
+  const Timed passes = passesOver(road.counts(), 1);
   const auto against = [](const char* work) { return Measure{work, "a pass over the counts", 10}; };
   auto option = std::make_shared<int>(0);
   const auto modeOption = [&road](int which) {
@@ -122,7 +122,7 @@ void measureOutput(Bench& bench, Road& road) {
 
 // Last: an analysis with decisions asks before it is made anew.
 void measureDecisions(Bench& bench, Road& road) {
-  const Timed passes = passesOver(road.page().Analysis().fragmentCounts, 1);
+  const Timed passes = passesOver(road.counts(), 1);
   bench.measure(road, {"exclude a bin", "a pass over the counts", 10}, timed([&road] { road.excludeBin(5); }),
                 passes);
   const Timed save = timedByClock(

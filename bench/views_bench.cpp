@@ -71,6 +71,8 @@ class Scene {
   }
 
   host::Host host{settings()};
+  AFLP& analysis() { return *host.study().Study()->AFLPs.Item(1); }
+
   std::shared_ptr<host::HostPage> page;
 
  private:
@@ -155,7 +157,7 @@ void zoom(benchmark::State& state) {
 void bins(benchmark::State& state) {
   IAFLPResultsPage& table = Scene::get().table();
   std::size_t count = 0;
-  for (auto _ : state) count = binBands(table).size();
+  for (auto _ : state) count = binBands(Scene::get().analysis(), table).size();
   state.counters["bins"] = static_cast<double>(count);
 }
 

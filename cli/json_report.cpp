@@ -9,7 +9,7 @@ using nlohmann::ordered_json;
 
 ordered_json parameters(const Session& session, const std::string& studyName) {
   const AFLP& analysis = session.analysis();
-  const AnalysisView view = session.page().Analysis();
+  const host::FinishedTable table(analysis, session.page());
   const ui::ControlSet& controls = session.page().Controls();
   ordered_json dyes = ordered_json::array();
   for (int dye = 0; dye < 4; ++dye) {
@@ -23,8 +23,8 @@ ordered_json parameters(const Session& session, const std::string& studyName) {
   static constexpr const char* kCells[] = {"count", "presence", "height"};
   return {{"name", analysis.Name.get()},
           {"study", studyName},
-          {"maxBinWidthNt", view.maxBinWidth},
-          {"yThresholdRfu", view.yThreshold},
+          {"maxBinWidthNt", table.maxBinWidth()},
+          {"yThresholdRfu", table.yThreshold()},
           {"dyes", dyes},
           {"cells", kCells[analysis.SampleBinOption.get()]},
           {"excludeFullBins", isChecked("chkExcludeFullBins")},
@@ -32,9 +32,9 @@ ordered_json parameters(const Session& session, const std::string& studyName) {
           {"showExcluded", isChecked("chkShowExcluded")}};
 }
 
-ordered_json binJson(const BinReading& bin, const AnalysisView& view, const std::string& dyes) {
-  const auto length = static_cast<std::size_t>(view.resultCount);
-  const std::size_t begin = static_cast<std::size_t>(bin.bin) * length;
+ordered_json binJson(const BinReading& bin, const host::FinishedTable::ResultCells& cells,
+                     const std::string& dyes) {
+  using host::BinMark;
   return {{"bin", bin.bin},
           {"key", bin.key},
           {"row", bin.row},
@@ -48,13 +48,13 @@ ordered_json binJson(const BinReading& bin, const AnalysisView& view, const std:
           {"meanSizeNt", bin.meanSize},
           {"sizeVarianceNt2", bin.sizeVariance},
           {"meanHeightRfu", bin.meanHeight},
-          {"manuallyExcluded", bin.manuallyExcluded},
-          {"manuallyIncluded", bin.manuallyIncluded},
-          {"filterExcluded", bin.filterExcluded},
-          {"suppressed", bin.isSuppressed()},
+          {"manuallyExcluded", bin.mark == BinMark::ExcludedByHand},
+          {"manuallyIncluded", bin.mark == BinMark::BroughtBack},
+          {"filterExcluded", bin.mark == BinMark::ExcludedByFilter || bin.mark == BinMark::BroughtBack},
+          {"suppressed", isExcluded(bin.mark)},
           {"hidden", bin.hidden},
-          {"counts", view.fragmentCounts.subspan(begin, length)},
-          {"maxHeightsRfu", view.maxYHeights.subspan(begin, length)}};
+          {"counts", cells.counts},
+          {"maxHeightsRfu", cells.heights}};
 }
 
 ordered_json sampleJson(const SampleReading& sample) {
@@ -71,7 +71,7 @@ ordered_json sampleJson(const SampleReading& sample) {
 // Bin by bin: a large analysis is never held a second time as a whole document.
 void writeJson(std::ostream& out, const Session& session, const std::string& studyName,
                const std::string& dyes) {
-  const AnalysisView view = session.page().Analysis();
+  host::FinishedTable table(session.analysis(), session.page());
   out << "{\n\"parameters\": "
       << parameters(session, studyName).dump(-1, ' ', false, ordered_json::error_handler_t::replace)
       << ",\n\"samples\": [";
@@ -83,7 +83,7 @@ void writeJson(std::ostream& out, const Session& session, const std::string& stu
   out << "\n],\n\"bins\": [";
   separator = "\n";
   for (const BinReading& bin : readBins(session)) {
-    out << separator << binJson(bin, view, dyes).dump();
+    out << separator << binJson(bin, table.cellsOf(bin.bin), dyes).dump();
     separator = ",\n";
   }
   out << "\n]\n}\n";

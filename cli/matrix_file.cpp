@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <vector>
 
 #include "cli/table_reading.h"
 #include "plugin/base/numbers.h"
@@ -22,18 +23,21 @@ std::string escaped(std::string_view text) {
   return field + "\"";
 }
 
-std::string cellText(const AnalysisView& view, std::int32_t bin, std::size_t result, Cells cells) {
-  const std::size_t at = static_cast<std::size_t>(bin) * static_cast<std::size_t>(view.resultCount) + result;
-  const std::int32_t count = view.fragmentCounts[at];
-  switch (cells) {
-    case Cells::Count:
-      return integerText(count);
-    case Cells::Presence:
-      return count != 0 ? "1" : "0";
-    case Cells::Height:
-      return generalText(view.maxYHeights[at]);
+// The cells of the bins that are to be seen, bin after bin: the file has a line for each sample, and the
+// calculators answer bin by bin. Counts are whole in a double.
+std::vector<double> shownCells(const Session& session, const std::vector<BinReading>& bins, Cells cells) {
+  host::FinishedTable table(session.analysis(), session.page());
+  std::vector<double> values;
+  for (const BinReading& bin : bins) {
+    const auto ofBin = table.cellsOf(bin.bin);
+    if (cells == Cells::Height) {
+      values.insert(values.end(), ofBin.heights.begin(), ofBin.heights.end());
+    } else {
+      for (const std::int32_t count : ofBin.counts)
+        values.push_back(cells == Cells::Presence ? static_cast<double>(count != 0) : count);
+    }
   }
-  return {};
+  return values;
 }
 
 // Bins of the same name are counted: "D1_100.25", "D1_100.25_2". No other bin is named like the second.
@@ -46,12 +50,14 @@ std::string columnName(const BinReading& bin, std::unordered_map<std::string, in
 }  // namespace
 
 void writeMatrix(std::ostream& out, const Session& session, Cells cells) {
-  const AnalysisView view = session.page().Analysis();
-  const auto bins = readBins(session);
+  auto bins = readBins(session);
+  std::erase_if(bins, [](const BinReading& bin) { return bin.hidden; });
+  const std::vector<double> values = shownCells(session, bins, cells);
+  const auto results = static_cast<std::size_t>(session.analysis().Results.Count());
   std::unordered_map<std::string, int> times;
   out << "Sample";
   for (const BinReading& bin : bins) {
-    if (!bin.hidden) out << '\t' << columnName(bin, times);
+    out << '\t' << columnName(bin, times);
   }
   out << '\n';
   std::size_t result = 0;
@@ -59,8 +65,9 @@ void writeMatrix(std::ostream& out, const Session& session, Cells cells) {
     const std::size_t at = result++;
     if (sample.hidden) continue;
     out << escaped(sample.name);
-    for (const BinReading& bin : bins) {
-      if (!bin.hidden) out << '\t' << cellText(view, bin.bin, at, cells);
+    for (std::size_t bin = 0; bin < bins.size(); ++bin) {
+      const double value = values[bin * results + at];
+      out << '\t' << (cells == Cells::Height ? generalText(value) : integerText(static_cast<int>(value)));
     }
     out << '\n';
   }

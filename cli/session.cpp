@@ -148,7 +148,7 @@ void Session::excludeBin(const std::string& key) {
               found.empty() ? "there is no" : "there is more than one", key));
   }
   // An excluded bin stays so: the menu item would bring it back.
-  if (!found.front().isSuppressed()) chooseFromMenu(found.front().row, 1, "mnuExcludeBin");
+  if (!isExcluded(found.front().mark)) chooseFromMenu(found.front().row, 1, "mnuExcludeBin");
 }
 
 namespace {
@@ -188,8 +188,12 @@ void Session::sortBy(const std::string& column) {
   if (descending) col = columnNamed(name);
   if (col == 0)
     raise(ErrorNumber::InvalidArgument, "Session", fmt::format("--sort: there is no column \"{}\"", name));
-  act([&] { page_->SortCol(col); });
-  if (descending) act([&] { page_->SortCol(col); });
+  // A column that was sorted before is turned round by each sort, whatever its order was.
+  const std::string key = page_->Key(col);
+  const auto sorted = page_->ColumnSet(key)->Columns.Item(key);
+  const std::int32_t wanted = descending ? 1 : 0;
+  act([&] { page_->SortCol(page_->Col(key)); });
+  if (sorted->SortOrder != wanted) act([&] { page_->SortCol(page_->Col(key)); });
 }
 
 void Session::save() {

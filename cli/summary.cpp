@@ -75,7 +75,7 @@ std::string summaryText(const Session& session, const std::string& dyes) {
                         counted(counts[dye].fragments, "fragment"), counted(counts[dye].bins, "bin"));
   }
   const auto excludedBins = static_cast<std::size_t>(
-      std::ranges::count_if(bins, [](const auto& bin) { return bin.isSuppressed(); }));
+      std::ranges::count_if(bins, [](const BinReading& bin) { return isExcluded(bin.mark); }));
   const auto excludedSamples = static_cast<std::size_t>(
       std::ranges::count_if(samples, [](const auto& each) { return each.excluded || each.filterExcluded; }));
   text += fmt::format("excluded: {} of {}, {} of {}\n", excludedBins, counted(bins.size(), "bin"),

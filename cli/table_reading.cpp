@@ -6,7 +6,7 @@ namespace banddesk::cli {
 
 std::vector<BinReading> readBins(const Session& session) {
   IAFLPResultsPage& page = session.page();
-  const AnalysisView view = page.Analysis();
+  host::FinishedTable table(session.analysis(), page);
   const auto number = [&](const char* key, std::int32_t row) {
     return leadingNumber(page.CellText(key, row));
   };
@@ -15,8 +15,7 @@ std::vector<BinReading> readBins(const Session& session) {
     BinReading reading;
     reading.bin = page.Bin(row);
     reading.row = row;
-    const auto at = static_cast<std::size_t>(reading.bin);
-    reading.dye = view.binDye[at];
+    reading.dye = table.dyeOf(reading.bin);
     reading.number = roundToLong(number("6", row));
     reading.meanText = page.CellText("83", row);
     reading.key = page.CellText("7", row) + "-" + reading.meanText;
@@ -27,9 +26,7 @@ std::vector<BinReading> readBins(const Session& session) {
     reading.meanSize = number("83", row);
     reading.meanHeight = number("84", row);
     reading.sizeVariance = number("85", row);
-    reading.manuallyExcluded = view.manualExcluded[at] != 0;
-    reading.manuallyIncluded = view.manualIncluded[at] != 0;
-    reading.filterExcluded = view.autoExcluded[at] != 0;
+    reading.mark = table.markOf(row, reading.bin);
     reading.hidden = page.IsRowHidden(row);
     bins.push_back(reading);
   }

@@ -7,11 +7,12 @@
 #include <vector>
 
 #include "cli/session.h"
+#include "host/framework/finished_table.h"
 
 namespace banddesk::cli {
 
 struct BinReading {
-  std::int32_t bin = 0;  // index into the arrays of the analysis
+  std::int32_t bin = 0;  // its number in the analysis, from 1
   std::int32_t row = 0;
   std::int32_t dye = 0;  // slot
   std::int32_t number = 0;
@@ -21,10 +22,8 @@ struct BinReading {
   std::int32_t fragments = 0;
   double minSize = 0, maxSize = 0, meanSize = 0, sizeVariance = 0;  // nt
   double meanHeight = 0;                                            // RFU
-  bool manuallyExcluded = false, manuallyIncluded = false, filterExcluded = false;
+  host::BinMark mark = host::BinMark::None;
   bool hidden = false;
-
-  bool isSuppressed() const { return manuallyExcluded || (filterExcluded && !manuallyIncluded); }
 };
 
 struct SampleReading {

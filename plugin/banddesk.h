@@ -6,10 +6,8 @@
 
 #include <cstdint>
 #include <memory>
-#include <span>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "plugin/analysis/bin_records.h"
 #include "plugin/base/collection.h"
@@ -19,22 +17,6 @@
 #include "plugin/ui/control.h"
 
 namespace banddesk {
-
-// The arrays of the last analysis, for reading. Bins count from 1 (index 0 of each array is not used),
-// results from 0; the two tables hold one line of `resultCount` entries per bin. Valid until the page
-// analyses again or ends.
-struct AnalysisView {
-  std::int32_t binCount = 0;
-  std::int32_t resultCount = 0;
-  double maxBinWidth = 0;  // nt
-  double yThreshold = 0;   // RFU
-  std::span<const std::int16_t> binDye;
-  std::span<const std::int32_t> fragmentCounts;
-  std::span<const double> maxYHeights;
-  std::span<const std::uint8_t> manualExcluded;
-  std::span<const std::uint8_t> manualIncluded;
-  std::span<const std::uint8_t> autoExcluded;
-};
 
 // ---- The classes that the host creates by name
 // ----------------------------------------------------------------------
@@ -112,10 +94,9 @@ class IAFLPResultsPage : public IPageControl {
   virtual bool HideRows(std::int32_t startRow, std::int32_t endRow, bool hide) = 0;
   virtual bool RemoveRows(std::int32_t from, std::int32_t to) = 0;
 
-  // The finished table as records, and as the arrays it was made from.
+  // The finished table as records.
   virtual std::shared_ptr<Collection<std::shared_ptr<banddesk::Bin>>> Bins() = 0;
   virtual std::shared_ptr<Collection<std::shared_ptr<AFLPStudyResult>>> AFLPStudyResults() = 0;
-  virtual AnalysisView Analysis() const = 0;
 
   // Work on the table.
   virtual void Analyze(bool force) = 0;

@@ -77,7 +77,7 @@ void TableLink::guarded(const std::function<void()>& work) const {
 
 void TableLink::refresh() {
   if (!isLinked()) return;
-  guarded([&] { take(binBands(table())); });
+  guarded([&] { take(binBands(*cast<AFLP>(page()->bound(), "AFLP"), table())); });
 }
 
 // Whatever a cell shows of its fragments, it is a number above 0 where there are any.

@@ -19,27 +19,20 @@ constexpr const char* kMinColumn = "9";
 constexpr const char* kMaxColumn = "10";
 constexpr const char* kMeanColumn = "83";
 
-BinMark markOf(const AnalysisView& view, std::size_t bin) {
-  if (view.manualExcluded[bin] != 0) return BinMark::ExcludedByHand;
-  if (view.autoExcluded[bin] == 0) return BinMark::None;
-  return view.manualIncluded[bin] != 0 ? BinMark::BroughtBack : BinMark::ExcludedByFilter;
-}
-
-BinBand bandOfRow(IAFLPResultsPage& page, const AnalysisView& view, std::int32_t row, std::int32_t bin) {
-  const auto at = static_cast<std::size_t>(bin);
+BinBand bandOfRow(IAFLPResultsPage& page, host::FinishedTable& table, std::int32_t row, std::int32_t bin) {
   const std::string dye = page.CellText(kDyeColumn, row);
   const std::string mean = page.CellText(kMeanColumn, row);
   BinBand band;
   band.bin = bin;
   band.row = row;
-  band.dye = std::clamp<int>(view.binDye[at], 0, static_cast<int>(host::kDyeCount) - 1);
+  band.dye = table.dyeOf(bin);
   band.key = dye + "-" + mean;
   band.name = fmt::format("{}-{:.2f}", dye, leadingNumber(mean));
   band.xMin = leadingNumber(page.CellText(kMinColumn, row));
   band.xMax = leadingNumber(page.CellText(kMaxColumn, row));
   band.samples = roundToLong(leadingNumber(page.CellText(kSamplesColumn, row)));
-  band.mark = markOf(view, at);
-  band.excluded = band.mark == BinMark::ExcludedByFilter || band.mark == BinMark::ExcludedByHand;
+  band.mark = table.markOf(row, bin);
+  band.excluded = isExcluded(band.mark);
   band.isHidden = page.IsRowHidden(row);
   return band;
 }
@@ -87,16 +80,13 @@ std::array<DyeLook, host::kDyeCount> dyeLooks(const Study& study) {
   return looks;
 }
 
-std::vector<BinBand> binBands(IAFLPResultsPage& page) {
-  const AnalysisView view = page.Analysis();
-  const auto known =
-      static_cast<std::int32_t>(std::min({view.binDye.size(), view.manualExcluded.size(),
-                                          view.manualIncluded.size(), view.autoExcluded.size()}));
+std::vector<BinBand> binBands(const AFLP& analysis, IAFLPResultsPage& page) {
+  host::FinishedTable table(analysis, page);
   std::vector<BinBand> bands;
   const std::int32_t rows = page.NumRows();
   for (std::int32_t row = 1; row <= rows; ++row) {
     const std::int32_t bin = page.Bin(row);
-    if (bin >= 1 && bin < known) bands.push_back(bandOfRow(page, view, row, bin));
+    if (table.holds(bin)) bands.push_back(bandOfRow(page, table, row, bin));
   }
   return bands;
 }

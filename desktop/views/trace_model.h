@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "host/framework/finished_table.h"
 #include "host/study/fragments.h"
 #include "plugin/banddesk.h"
 
@@ -53,14 +54,14 @@ struct Span {
   friend bool operator==(const Span&, const Span&) = default;
 };
 
-enum class BinMark { None, ExcludedByFilter, ExcludedByHand, BroughtBack };
+using host::BinMark;
 
 struct BinBand {
   double xMin = 0;  // nt
   double xMax = 0;
   int dye = 0;
   bool excluded = false;  // in force
-  std::int32_t bin = 0;   // index into the arrays of the analysis
+  std::int32_t bin = 0;   // its number in the analysis, from 1
   std::string key;        // dye and mean size in full precision
   std::string name;       // the same, shortened: "D1-100.25"
   std::int32_t row = 0;   // logical, in the table's present order
@@ -81,7 +82,7 @@ std::array<DyeLook, host::kDyeCount> dyeLooks(const Study& study);
 
 // The bins of a table in the order of its rows, hidden ones too. What a half-built table does not tell is
 // left out.
-std::vector<BinBand> binBands(IAFLPResultsPage& page);
+std::vector<BinBand> binBands(const AFLP& analysis, IAFLPResultsPage& page);
 // The narrowest bin of these dyes around a size, or null.
 const BinBand* bandAt(const std::vector<BinBand>& bands, double size, const Dyes& dyes);
 

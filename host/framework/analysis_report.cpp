@@ -5,6 +5,7 @@
 #include <fmt/chrono.h>
 #include <fmt/format.h>
 
+#include "host/framework/finished_table.h"
 #include "host/framework/shown_table.h"
 #include "plugin/base/numbers.h"
 
@@ -13,7 +14,7 @@ namespace {
 
 constexpr std::int32_t kHeadRows = 25;
 constexpr std::int32_t kHeadColumns = 16;
-constexpr std::int32_t kDyes = 4;
+constexpr auto kDyes = static_cast<std::int32_t>(kDyeCount);
 
 struct BinColumn {
   const char* key;
@@ -34,7 +35,7 @@ const char* yesOrNo(bool yes) { return yes ? "yes" : "no"; }
 class Reading {
  public:
   Reading(const AFLP& analysis, IAFLPResultsPage& page, const std::string& dyeLetters)
-      : analysis_(analysis), page_(page), dyeLetters_(dyeLetters), view_(page.Analysis()) {}
+      : analysis_(analysis), page_(page), dyeLetters_(dyeLetters), table_(analysis, page) {}
 
   ReportSection parameters() const {
     ReportSection section{"Parameters", {}, {}, {}};
@@ -42,8 +43,8 @@ class Reading {
                                        "largest height (RFU)"};
     const auto option = static_cast<std::size_t>(analysis_.SampleBinOption.get());
     section.facts = {
-        {"Maximum bin width", fmt::format("{} nt", generalText(view_.maxBinWidth))},
-        {"Y threshold", fmt::format("{} RFU", generalText(view_.yThreshold))},
+        {"Maximum bin width", fmt::format("{} nt", generalText(table_.maxBinWidth()))},
+        {"Y threshold", fmt::format("{} RFU", generalText(table_.yThreshold()))},
         {"Dyes", chosenDyes()},
         {"Bins present in every sample are excluded", yesOrNo(isChecked("chkExcludeFullBins"))},
         {"Samples without a fragment are excluded", yesOrNo(isChecked("chkExcludeEmptySamples"))},
@@ -54,19 +55,19 @@ class Reading {
     return section;
   }
 
-  ReportSection counts() const {
+  ReportSection counts() {
     struct Count {
       std::int64_t fragments = 0, bins = 0, excluded = 0;
     };
     std::array<Count, kDyes> ofDye{};
     Count all;
     for (std::int32_t row = 1; row <= page_.NumRows(); ++row) {
-      const auto bin = static_cast<std::size_t>(page_.Bin(row));
+      const std::int32_t bin = page_.Bin(row);
       const auto fragments = static_cast<std::int64_t>(leadingNumber(page_.CellText("119", row)));
-      for (Count* count : {&ofDye.at(static_cast<std::size_t>(view_.binDye[bin])), &all}) {
+      for (Count* count : {&ofDye.at(static_cast<std::size_t>(table_.dyeOf(bin))), &all}) {
         count->fragments += fragments;
         ++count->bins;
-        count->excluded += isSuppressed(bin) ? 1 : 0;
+        count->excluded += isExcluded(table_.markOf(row, bin)) ? 1 : 0;
       }
     }
     ReportSection section{"Counts", {}, {}, {}};
@@ -96,13 +97,13 @@ class Reading {
     return section;
   }
 
-  ReportSection excluded() const {
+  ReportSection excluded() {
     ReportTable bins{{"Dye", "Bin", "Mean (nt)", "Excluded"}, {}, 1};
     for (std::int32_t row = 1; row <= page_.NumRows(); ++row) {
-      const auto bin = static_cast<std::size_t>(page_.Bin(row));
-      if (isSuppressed(bin))
+      const BinMark mark = table_.markOf(row, page_.Bin(row));
+      if (isExcluded(mark))
         bins.rows.push_back(
-            {page_.CellText("7", row), page_.CellText("6", row), page_.CellText("83", row), why(bin)});
+            {page_.CellText("7", row), page_.CellText("6", row), page_.CellText("83", row), who(mark)});
     }
     ReportTable samples{{"Sample", "Excluded"}, {}, 2};
     for (const auto& column : analysis_.SampleGrid->Columns) {
@@ -117,17 +118,17 @@ class Reading {
     return section;
   }
 
-  ReportSection bins() const {
+  ReportSection bins() {
     ReportTable table;
     for (const BinColumn& column : kBinColumns) table.header.emplace_back(column.header);
     table.header.emplace_back("State");
     for (std::int32_t row = 1; row <= page_.NumRows(); ++row) {
       auto& cells = table.rows.emplace_back();
       for (const BinColumn& column : kBinColumns) cells.push_back(page_.CellText(column.key, row));
-      const auto bin = static_cast<std::size_t>(page_.Bin(row));
-      cells.push_back(isSuppressed(bin)                ? "excluded " + why(bin)
-                      : view_.manualIncluded[bin] != 0 ? "kept by hand"
-                                                       : "");
+      const BinMark mark = table_.markOf(row, page_.Bin(row));
+      cells.push_back(isExcluded(mark)               ? std::string("excluded ") + who(mark)
+                      : mark == BinMark::BroughtBack ? "kept by hand"
+                                                     : "");
     }
     ReportSection section{"Bins", {}, {}, "In the order of the table."};
     section.tables.push_back(std::move(table));
@@ -181,23 +182,18 @@ class Reading {
     return names.empty() ? "none" : names;
   }
 
-  bool isSuppressed(std::size_t bin) const {
-    return view_.manualExcluded[bin] != 0 || (view_.autoExcluded[bin] != 0 && view_.manualIncluded[bin] == 0);
-  }
-  std::string why(std::size_t bin) const {
-    return view_.manualExcluded[bin] != 0 ? "by hand" : "by a filter";
-  }
+  static const char* who(BinMark mark) { return mark == BinMark::ExcludedByHand ? "by hand" : "by a filter"; }
 
   const AFLP& analysis_;
   IAFLPResultsPage& page_;
   const std::string& dyeLetters_;
-  AnalysisView view_;
+  FinishedTable table_;
 };
 
 }  // namespace
 
 ReportDocument reportOf(const AFLP& analysis, IAFLPResultsPage& page, const std::string& dyeLetters) {
-  const Reading reading(analysis, page, dyeLetters);
+  Reading reading(analysis, page, dyeLetters);
   ReportDocument document;
   document.title = "AFLP analysis: " + analysis.Name.get();
   document.subtitle =

@@ -1,4 +1,5 @@
-// A bin calculator under the seam at which failures are injected; the work is done by the one it wraps.
+// A bin calculator under the seam at which failures are injected; the work is done by the one it wraps. It
+// remembers what the page gave it, so that the host can read the finished bins for itself.
 #pragma once
 
 #include <functional>
@@ -19,21 +20,28 @@ class GuardedCalculator final : public BinCalculator {
   GuardedCalculator(FaultInjector& faults, std::shared_ptr<BinCalculator> calculator, OnCalculate onCalculate)
       : faults_(faults), calculator_(std::move(calculator)), onCalculate_(std::move(onCalculate)) {}
 
+  // The calculator itself, out of reach of injected failures.
+  const BinCalculator& own() const { return *calculator_; }
+  double maxBinWidth() const { return maxBinWidth_; }  // nt
+  double yThreshold() const { return yThreshold_; }    // RFU
+  std::int16_t dye() const { return dye_; }            // of the fragments added; -1 before any
+
   void SetMaxBinWidth(double nt) override {
     at("MaxBinWidth").SetMaxBinWidth(nt);
-    width_ = nt;
+    maxBinWidth_ = nt;
   }
   void SetYThreshold(double rfu) override {
     at("YThreshold").SetYThreshold(rfu);
-    threshold_ = rfu;
+    yThreshold_ = rfu;
   }
   void AddFragments(std::int32_t resultIndex, std::int32_t zero, const FragmentTable& fragments,
                     std::int16_t dye, std::int32_t one, std::int32_t alsoOne) override {
     at("AddFragments").AddFragments(resultIndex, zero, fragments, dye, one, alsoOne);
+    dye_ = dye;
   }
   void Calculate() override {
     BinCalculator& calculator = at("Calculate");
-    if (onCalculate_) onCalculate_(width_, threshold_);
+    if (onCalculate_) onCalculate_(maxBinWidth_, yThreshold_);
     calculator.Calculate();
   }
   std::int32_t BinCount() const override { return at("BinCount").BinCount(); }
@@ -60,8 +68,9 @@ class GuardedCalculator final : public BinCalculator {
   FaultInjector& faults_;
   std::shared_ptr<BinCalculator> calculator_;
   OnCalculate onCalculate_;
-  double width_ = 0;
-  double threshold_ = 0;
+  double maxBinWidth_ = 0;
+  double yThreshold_ = 0;
+  std::int16_t dye_ = -1;
 };
 
 }  // namespace banddesk::host

@@ -181,9 +181,11 @@ std::shared_ptr<BinCalculator> Host::NewBinCalculator() {
   faults_.check("HostServices", "NewBinCalculator");
   auto calculator = settings_.makeBinCalculator();
   required(calculator, "BinCalculator");
-  return std::make_shared<GuardedCalculator>(
+  auto guarded = std::make_shared<GuardedCalculator>(
       faults_, std::move(calculator),
       [this](double width, double threshold) { pages_.noteCalculation(width, threshold); });
+  if (const auto& page = pages_.initializing()) page->keep(guarded);
+  return guarded;
 }
 
 banddesk::ServiceRegistry& Host::ServiceRegistry() {

@@ -4,6 +4,7 @@
 #include <array>
 #include <exception>
 #include <fmt/format.h>
+#include <utility>
 
 #include "host/framework/first_failure.h"
 #include "plugin/base/text.h"
@@ -105,8 +106,10 @@ void HostPageManager::start(HostPage& page, const char* className) {
   auto base = cast<HostPageBase>(control->Page(), "PageBase");
   page.hold(control, base);
   base->setInitializing(true);
+  const auto outer = std::exchange(initializing_, base);
   FirstFailure failure;
   failure.run([&] { base->Initialize.raise(); });
+  initializing_ = outer;
   base->setInitializing(false);
   if (!failure) return;
   // It may have told others of itself before it failed.

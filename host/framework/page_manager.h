@@ -53,6 +53,8 @@ class HostPageManager final : public PageManager {
   void noteCalculation(double maxBinWidth, double yThreshold) const;
 
   const std::vector<std::shared_ptr<HostPage>>& openPages() const { return pages_; }
+  // The helper of the page that is being initialised, or null.
+  const std::shared_ptr<HostPageBase>& initializing() const { return initializing_; }
   // Null if there is none.
   std::shared_ptr<HostPage> find(std::string_view name, const ObjectRef& bound) const;
 
@@ -78,6 +80,7 @@ class HostPageManager final : public PageManager {
   const Component* component_ = nullptr;
   std::vector<std::shared_ptr<HostPage>> pages_;
   mutable HostPage* atWork_ = nullptr;
+  std::shared_ptr<HostPageBase> initializing_;
 };
 
 }  // namespace banddesk::host

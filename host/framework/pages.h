@@ -5,7 +5,9 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
+#include "host/framework/guarded_calculator.h"
 #include "host/framework/platform.h"
 #include "host/study/fault_injector.h"
 #include "plugin/banddesk.h"
@@ -63,6 +65,10 @@ class HostPageBase final : public PageBase, public LivingOwner {
   void bind(HostPage* page) { page_ = page; }
   void setInitializing(bool initializing) { isInitializing_ = initializing; }
 
+  // The calculators that the host made for the page, which makes them while it is initialised.
+  void keep(std::shared_ptr<GuardedCalculator> calculator) { calculators_.push_back(std::move(calculator)); }
+  const std::vector<std::shared_ptr<GuardedCalculator>>& calculators() const { return calculators_; }
+
  private:
   HostPage& page() const;
 
@@ -70,6 +76,7 @@ class HostPageBase final : public PageBase, public LivingOwner {
   HostPlatform& platform_;
   HostPage* page_ = nullptr;
   bool isInitializing_ = false;
+  std::vector<std::shared_ptr<GuardedCalculator>> calculators_;
 };
 
 // Told of what happens to pages, by whoever shows them.

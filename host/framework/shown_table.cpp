@@ -1,5 +1,6 @@
 #include "host/framework/shown_table.h"
 
+#include "host/framework/finished_table.h"
 #include "plugin/base/numbers.h"
 
 namespace banddesk::host {
@@ -15,16 +16,15 @@ ShownTable shownTable(const AFLP& analysis, IAFLPResultsPage& page) {
     table.samples.push_back(column->ToolTip);
     table.columns.push_back(column->ColumnOrder);
   }
-  const AnalysisView view = page.Analysis();
+  FinishedTable finished(analysis, page);
   for (std::int32_t row = 1; row <= page.NumRows(); ++row) {
     if (page.IsRowHidden(row)) continue;
     table.rows.push_back(row);
     table.bins.push_back(page.CellText("7", row) + "-" + page.CellText("83", row));
     table.extents.push_back(
         {leadingNumber(page.CellText("9", row)), leadingNumber(page.CellText("10", row))});
-    const auto line = view.fragmentCounts.subspan(static_cast<std::size_t>(page.Bin(row)) *
-                                                  static_cast<std::size_t>(view.resultCount));
-    for (const std::size_t at : results) table.counts.push_back(line[at]);
+    const auto counts = finished.cellsOf(page.Bin(row)).counts;
+    for (const std::size_t at : results) table.counts.push_back(counts[at]);
   }
   return table;
 }

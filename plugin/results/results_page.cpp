@@ -121,10 +121,4 @@ void AFLPResultsPage::UserControl_KeyPress(std::int32_t& key) {
   });
 }
 
-AnalysisView AFLPResultsPage::Analysis() const {
-  return {bins_.m_lBinCount,        bins_.resultCount(),      bins_.m_dMaxBinWidth,  bins_.m_dYThreshold,
-          bins_.m_aiBinDye,         bins_.m_alFragmentCounts, bins_.m_adMaxYHeights, bins_.m_abManualExcluded,
-          bins_.m_abManualIncluded, bins_.m_abAutoExcluded};
-}
-
 }  // namespace banddesk

@@ -91,7 +91,6 @@ class AFLPResultsPage final : public IAFLPResultsPage, private LiveObject {
   std::shared_ptr<Collection<std::shared_ptr<AFLPStudyResult>>> AFLPStudyResults() override {
     return statistics_.AFLPStudyResults();
   }
-  AnalysisView Analysis() const override;
   void Analyze(bool force) override { analysis_.Analyze(force); }
   bool Transpose() const override { return table_.m_bTransposed; }
   void SetTranspose(bool transposed) override { transposition_.SetTranspose(transposed); }

@@ -288,7 +288,7 @@ class GridUtilities {
 // -----------------------------------------------------------------------------------
 
 // Bumped whenever a contract changes its shape; host and component must have been built with the same one.
-inline constexpr std::uint32_t kContractStamp = 3;
+inline constexpr std::uint32_t kContractStamp = 4;
 
 class HostServices {
  public:

@@ -416,7 +416,8 @@ TEST_F(Table, ABinIsExcludedAndBroughtBackAsByTheMenuWhicheverWayTheTableLies) {
     showExcluded(true);
     OverlayView& view = overlay();
     const auto isMarked = [&] {
-      return table().Analysis().manualExcluded[static_cast<std::size_t>(view.review().current()->bin)] != 0;
+      const std::int32_t row = view.review().current()->row;
+      return desk.finished().markOf(row, table().Bin(row)) == BinMark::ExcludedByHand;
     };
     ASSERT_TRUE(view.showBin(rowNear(150)));
     desk.analysis().Persistent().IsDirty = false;

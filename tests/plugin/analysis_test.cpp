@@ -8,6 +8,8 @@
 namespace banddesk::test {
 namespace {
 
+using host::BinMark;
+
 using ::testing::ElementsAre;
 
 // Two dyes: bins of 122.5 and 123.5 nt in D1 (ties to even), one of 80.125 in D3; heights that round to even.

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "host/framework/finished_table.h"
 #include "host/framework/host.h"
 #include "host/grid/grid_control.h"
 #include "host/store/memory_store.h"
@@ -57,6 +58,7 @@ class Desk {
   IAFLPResultsPage& page();
   AFLP& analysis();
   host::GridControl& grid();
+  host::FinishedTable finished() { return {analysis(), page()}; }
 
   template <class Wanted>
   static Wanted& control(IPageControl& page, const std::string& name) {

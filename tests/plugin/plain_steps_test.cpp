@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <random>
+#include <set>
 
 #include "host/binning/default_calculator.h"
 #include "tests/plugin/desk.h"
@@ -81,7 +82,7 @@ class PlainSteps {
       case 4:
         return flip("chkDye(" + std::to_string(random_() % 4) + ")");
       case 5:
-        desk_.chooseAt(any(1, page().NumRows()), 1, "mnuExcludeBin");
+        toggle(any(1, page().NumRows()));
         return "exclude a bin";
       case 6:
         desk_.chooseAt(0, any(10, page().NumCols()), "mnuExcludeColumn");
@@ -107,21 +108,20 @@ class PlainSteps {
 
   void compare() {
     const std::vector<PlainBin> bins = plainBins();
-    const AnalysisView view = page().Analysis();
-    ASSERT_EQ(view.binCount, static_cast<std::int32_t>(bins.size()));
-    const auto isBinMarked = plainMarks(bins, view);
+    ASSERT_EQ(page().NumRows(), static_cast<std::int32_t>(bins.size()));
+    marked_ = plainMarks(bins);
+    ASSERT_EQ(page().AnyManualExclusions(), !excluded_.empty() || !included_.empty());
     for (std::int32_t row = 1; row <= page().NumRows(); ++row) {
-      const auto bin = static_cast<std::size_t>(page().Bin(row));
-      ASSERT_EQ(view.autoExcluded[bin] != 0, isBinMarked[bin - 1]) << "bin " << bin;
-      const bool isGrey =
-          view.manualExcluded[bin] != 0 || (isBinMarked[bin - 1] && view.manualIncluded[bin] == 0);
-      const bool isHidden = (isGrey && !isChecked("chkShowExcluded")) || !isDyeChecked(bins[bin - 1].dye);
-      if (view.manualIncluded[bin] == 0) {
+      const std::int32_t bin = page().Bin(row);
+      const PlainBin& plain = bins[static_cast<std::size_t>(bin - 1)];
+      const bool isHidden = (isSuppressed(bin) && !isChecked("chkShowExcluded")) || !isDyeChecked(plain.dye);
+      if (!included_.contains(bin)) {
         ASSERT_EQ(page().IsRowHidden(row), isHidden);
       }
-      compareRow(row, bins[bin - 1], isGrey);
+      compareRow(row, plain, isSuppressed(bin));
+      compareCells(desk_.finished(), row, plain);
     }
-    if (!page().Transpose()) compareWidths(view);
+    if (!page().Transpose()) compareWidths();
     compareFiles(bins);
   }
 
@@ -132,6 +132,37 @@ class PlainSteps {
   bool isChecked(const std::string& box) { return desk_.control<ui::CheckBox>(box).Value == 1; }
   bool isDyeChecked(int dye) { return isChecked("chkDye(" + std::to_string(dye) + ")"); }
 
+  bool isMarked(std::int32_t bin) const { return marked_[static_cast<std::size_t>(bin - 1)]; }
+  bool isSuppressed(std::int32_t bin) const {
+    return excluded_.contains(bin) || (isMarked(bin) && !included_.contains(bin));
+  }
+
+  // The menu's item, and what becomes of the decision about the row's bin.
+  void toggle(std::int32_t row) {
+    const std::int32_t bin = page().Bin(row);
+    const bool bringsBack = isSuppressed(bin);
+    std::set<std::int32_t>& decided = isMarked(bin) ? included_ : excluded_;
+    if (bringsBack == isMarked(bin)) {
+      decided.insert(bin);
+    } else {
+      decided.erase(bin);
+    }
+    desk_.chooseAt(row, 1, "mnuExcludeBin");
+  }
+
+  // What the host reads of a bin from outside the page.
+  void compareCells(host::FinishedTable table, std::int32_t row, const PlainBin& plain) {
+    const std::int32_t bin = page().Bin(row);
+    ASSERT_EQ(table.dyeOf(bin), plain.dye);
+    ASSERT_TRUE(std::ranges::equal(table.cellsOf(bin).counts, plain.counts)) << bin;
+    ASSERT_TRUE(std::ranges::equal(table.cellsOf(bin).heights, plain.heights)) << bin;
+    ASSERT_EQ(isExcluded(table.markOf(row, bin)), isSuppressed(bin)) << bin;
+    if (isMarked(bin)) {
+      const auto mark = isSuppressed(bin) ? host::BinMark::ExcludedByFilter : host::BinMark::BroughtBack;
+      ASSERT_EQ(table.markOf(row, bin), mark) << bin;
+    }
+  }
+
   // What fresh calculators say of the study's fragments.
   std::vector<PlainBin> plainBins() {
     std::vector<PlainBin> bins;
@@ -139,8 +170,8 @@ class PlainSteps {
       const auto calculator = host::makeBinCalculator();
       for (std::size_t sample = 0; sample < kSamples; ++sample)
         calculator->AddFragments(static_cast<std::int32_t>(sample), 0, study_[sample].fragments, dye, 1, 1);
-      calculator->SetMaxBinWidth(page().Analysis().maxBinWidth);
-      calculator->SetYThreshold(page().Analysis().yThreshold);
+      calculator->SetMaxBinWidth(desk_.finished().maxBinWidth());
+      calculator->SetYThreshold(desk_.finished().yThreshold());
       calculator->Calculate();
       for (std::int32_t i = 0; i < calculator->BinCount(); ++i) {
         PlainBin& bin = bins.emplace_back();
@@ -162,12 +193,13 @@ class PlainSteps {
   }
 
   // The filters by the book, until nothing changes; tells the bins' marks and compares the samples'.
-  std::vector<bool> plainMarks(const std::vector<PlainBin>& bins, const AnalysisView& view) {
+  std::vector<bool> plainMarks(const std::vector<PlainBin>& bins) {
     std::vector<bool> isBinMarked(bins.size()), isSampleMarked(kSamples);
     const bool filtersBins = isChecked("chkExcludeFullBins");
     const bool filtersSamples = isChecked("chkExcludeEmptySamples");
     const auto isValid = [&](std::size_t bin) {
-      return view.manualExcluded[bin + 1] == 0 && !isBinMarked[bin] && isDyeChecked(bins[bin].dye);
+      return !excluded_.contains(static_cast<std::int32_t>(bin + 1)) && !isBinMarked[bin] &&
+             isDyeChecked(bins[bin].dye);
     };
     const auto remains = [&](std::size_t sample) {
       return !column(sample).IsExcluded && !isSampleMarked[sample];
@@ -232,8 +264,8 @@ class PlainSteps {
 
   // Every sample's column that is shown is as wide as the longest text of its visible cells. A sort hides
   // bins that were brought back, and fits nothing.
-  void compareWidths(const AnalysisView& view) {
-    if (std::ranges::any_of(view.manualIncluded, [](auto flag) { return flag != 0; })) return;
+  void compareWidths() {
+    if (!included_.empty()) return;
     for (std::int32_t col = 10; col <= page().NumCols(); ++col) {
       if (!column(*sampleOf(col)).IsVisible || page().IsColHidden(col)) continue;
       std::size_t longest = 0;
@@ -341,6 +373,8 @@ class PlainSteps {
   std::mt19937 random_;
   std::vector<host::NewResult> study_;
   Desk desk_;
+  std::vector<bool> marked_;                    // by the filter, at the last comparison; from bin 1
+  std::set<std::int32_t> excluded_, included_;  // bins that the user decided about
 };
 
 TEST(PlainSteps, ComeToTheSameCellsStylesMarksAndFiles) {

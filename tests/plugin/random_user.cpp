@@ -325,23 +325,21 @@ bool RandomUser::isGrey(std::int32_t row, std::int32_t col) {
 
 void RandomUser::checkRows() {
   IAFLPResultsPage& page = desk_.page();
-  const AnalysisView view = page.Analysis();
+  host::FinishedTable table = desk_.finished();
   const bool showExcluded = desk_.control<ui::CheckBox>("chkShowExcluded").Value == ui::kChecked;
-  require(page.NumRows() == view.binCount, "rows and bins are not equally many");
+  require(page.NumRows() == table.binCount(), "rows and bins are not equally many");
   std::set<std::int32_t> seen;
-  for (std::int32_t row = 1; row <= view.binCount; ++row) {
+  for (std::int32_t row = 1; row <= table.binCount(); ++row) {
     const std::int32_t bin = page.Bin(row);
     const std::string who = "row " + integerText(row) + " with bin " + integerText(bin);
-    require(bin >= 1 && bin <= view.binCount && seen.insert(bin).second, who + ": no bin of its own");
-    const auto i = static_cast<std::size_t>(bin);
-    const bool suppressed =
-        view.manualExcluded[i] != 0 || (view.autoExcluded[i] != 0 && view.manualIncluded[i] == 0);
-    const auto dye = desk_.control<ui::CheckBox>("chkDye(" + integerText(view.binDye[i]) + ")").Value.get();
-    require(isGrey(row, 1) == suppressed, who + (suppressed ? ": not grey" : ": grey"));
+    require(table.holds(bin) && seen.insert(bin).second, who + ": no bin of its own");
+    const bool suppressed = isExcluded(table.markOf(row, bin));
+    const auto dye = desk_.control<ui::CheckBox>("chkDye(" + integerText(table.dyeOf(bin)) + ")").Value.get();
+    require(isGrey(row, 2) == suppressed, who + ": grey in one cell and not in another");
     require(page.IsRowHidden(row) || ((!suppressed || showExcluded) && dye == ui::kChecked), who + ": seen");
     // What was brought back by hand from the filter goes with a sort, and stays away when the excluded are
     // shown.
-    const bool isBroughtBack = view.autoExcluded[i] != 0 && !suppressed;
+    const bool isBroughtBack = table.markOf(row, bin) == host::BinMark::BroughtBack;
     const bool mayHide = dye != ui::kChecked || isBroughtBack || (suppressed && !showExcluded);
     require(!page.IsRowHidden(row) || mayHide, who + ": hidden");
   }

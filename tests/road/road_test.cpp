@@ -246,8 +246,9 @@ std::int32_t Day::currentRow() {
 }
 
 std::ptrdiff_t Day::excludedByHand() {
-  const auto marks = desk.results().Analysis().manualExcluded;
-  return std::ranges::count_if(marks, [](std::uint8_t mark) { return mark != 0; });
+  const auto analysis = cast<AFLP>(desk.results().Page()->BoundObject(), "AFLP");
+  const auto bands = desktop::binBands(*analysis, desk.results());
+  return std::ranges::count(bands, desktop::BinMark::ExcludedByHand, &desktop::BinBand::mark);
 }
 
 // Bins that a filter has excluded are passed by.
