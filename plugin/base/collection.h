@@ -42,10 +42,45 @@ std::string ignoringCase(std::string_view key);
 [[noreturn]] void raiseDuplicateKey(std::string_view key);
 }  // namespace detail
 
+// The items of a collection and all that is read of them. Who may change them is the derived class's to say.
 template <class T>
-class Collection : public KeyedLookup {
+class ItemList : public KeyedLookup {
  public:
-  Collection() = default;
+  const T& Item(std::string_view key) const {
+    before("Item");
+    const auto found = byKey_.find(detail::ignoringCase(key));
+    if (found == byKey_.end()) detail::raiseMissingKey(key);
+    return found->second->item;
+  }
+  const T& Item(const char* key) const { return Item(std::string_view(key)); }
+  const T& Item(std::int32_t index) const {
+    before("Item");
+    return entries_[position(index)]->item;
+  }
+
+  std::int32_t Count() const override { return static_cast<std::int32_t>(entries_.size()); }
+  bool holdsKey(std::string_view key) const override { return byKey_.contains(detail::ignoringCase(key)); }
+
+  class const_iterator {
+   public:
+    const_iterator(const ItemList* list, std::size_t at) : list_(list), at_(at) {}
+    const T& operator*() const { return list_->entries_[at_]->item; }
+    const_iterator& operator++() {
+      ++at_;
+      return *this;
+    }
+    // An item removed while walking shortens the walk; it never runs past the end.
+    bool operator!=(const const_iterator&) const { return at_ < list_->entries_.size(); }
+
+   private:
+    const ItemList* list_;
+    std::size_t at_;
+  };
+  const_iterator begin() const { return {this, 0}; }
+  const_iterator end() const { return {this, entries_.size()}; }
+
+ protected:
+  ItemList() = default;
 
   // The observer outlives the collection; none by default.
   void observe(CollectionObserver* observer) { observer_ = observer; }
@@ -66,18 +101,6 @@ class Collection : public KeyedLookup {
     after();
   }
 
-  const T& Item(std::string_view key) const {
-    before("Item");
-    const auto found = byKey_.find(detail::ignoringCase(key));
-    if (found == byKey_.end()) detail::raiseMissingKey(key);
-    return found->second->item;
-  }
-  const T& Item(const char* key) const { return Item(std::string_view(key)); }
-  const T& Item(std::int32_t index) const {
-    before("Item");
-    return entries_[position(index)]->item;
-  }
-
   void Remove(std::string_view key) {
     before("Remove");
     const auto found = byKey_.find(detail::ignoringCase(key));
@@ -94,27 +117,6 @@ class Collection : public KeyedLookup {
     erase(position(index));
     after();
   }
-
-  std::int32_t Count() const override { return static_cast<std::int32_t>(entries_.size()); }
-  bool holdsKey(std::string_view key) const override { return byKey_.contains(detail::ignoringCase(key)); }
-
-  class const_iterator {
-   public:
-    const_iterator(const Collection* collection, std::size_t at) : collection_(collection), at_(at) {}
-    const T& operator*() const { return collection_->entries_[at_]->item; }
-    const_iterator& operator++() {
-      ++at_;
-      return *this;
-    }
-    // An item removed while walking shortens the walk; it never runs past the end.
-    bool operator!=(const const_iterator&) const { return at_ < collection_->entries_.size(); }
-
-   private:
-    const Collection* collection_;
-    std::size_t at_;
-  };
-  const_iterator begin() const { return {this, 0}; }
-  const_iterator end() const { return {this, entries_.size()}; }
 
  private:
   struct Entry {
@@ -141,6 +143,17 @@ class Collection : public KeyedLookup {
   std::vector<std::unique_ptr<Entry>> entries_;
   std::unordered_map<std::string, Entry*> byKey_;
   CollectionObserver* observer_ = nullptr;
+};
+
+// A plain collection: whoever holds it may change it.
+template <class T>
+class Collection : public ItemList<T> {
+ public:
+  Collection() = default;
+
+  using ItemList<T>::observe;
+  using ItemList<T>::Add;
+  using ItemList<T>::Remove;
 };
 
 template <class T>

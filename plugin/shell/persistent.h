@@ -82,11 +82,12 @@ class PersistentObject : public Object, public IPersistentAccess, public Propert
 };
 
 // A collection of persistent objects under the keys that the objects themselves give. What is removed waits
-// in DeletedItems until it is deleted from the store.
+// in DeletedItems until it is deleted from the store. It is not a Collection, through which either could be
+// passed by.
 template <class T>
-class PersistentCollection final : public Collection<std::shared_ptr<T>>, private CollectionObserver {
+class PersistentCollection final : public ItemList<std::shared_ptr<T>>, private CollectionObserver {
  public:
-  using Base = Collection<std::shared_ptr<T>>;
+  using Base = ItemList<std::shared_ptr<T>>;
 
   // `name` is a literal. With `owns` the objects added belong to the owner alone and report their changes to
   // it; other collections share their objects. What comes and goes changes the owner in either case.
@@ -130,7 +131,7 @@ class PersistentCollection final : public Collection<std::shared_ptr<T>>, privat
   PersistentObject& owner_;
   const char* name_;
   bool owns_;
-  Base deleted_;
+  Collection<std::shared_ptr<T>> deleted_;
 };
 
 // What a column is by its kind, shared by all columns of that kind.
@@ -245,6 +246,8 @@ class Dye final : public PersistentObject {
 };
 
 class Study;
+
+inline constexpr std::size_t kLongestAnalysisName = 50;  // characters, of a name that a user gives
 
 // One AFLP analysis of a study.
 class AFLP : public PersistentObject {
