@@ -51,7 +51,7 @@ MGlobals& globalsOf(HostServices& services) {
   return *cast<MGlobals>(state, "MGlobals");
 }
 
-class Factory final : public ClassObject {
+class Factory final : public ClassObject, private LiveObject {
  public:
   Factory(MGlobals& globals, Maker maker) : globals_(globals), maker_(maker) {}
   ObjectRef CreateInstance() override { return maker_(globals_); }

@@ -1,4 +1,5 @@
-// Counts the component's living objects, so that it can say whether the host may let it go.
+// Counts the component's living objects, class objects and shared state among them, so that it can say whether
+// the host may let it go.
 #pragma once
 
 #include <atomic>
