@@ -108,6 +108,9 @@ void runStudyAnalysis(const AnalyzeArguments& arguments) {
           fmt::format("{}: the study has no results: import peak tables first",
                       arguments.files.front().string()));
 
+  if (arguments.name && characterCount(*arguments.name) > kLongestAnalysisName)
+    raise(ErrorNumber::InvalidArgument, "Study",
+          fmt::format("--name: a name has at most {} characters", kLongestAnalysisName));
   const auto existing = arguments.name ? find(session, *arguments.name) : nullptr;
   if (existing) {
     session.reopen(existing, host::StaleAnalysis::Redo);

@@ -5,11 +5,6 @@
 #include "plugin/shell/report_context.h"
 
 namespace banddesk {
-namespace {
-
-constexpr std::size_t kLongestName = 50;  // characters
-
-}  // namespace
 
 AFLPExplorerItem::AFLPExplorerItem(MGlobals& globals)
     : globals_(globals), services_(globals.services()), frame_(services_.Framework(), "AFLPExplorerItem") {
@@ -86,7 +81,7 @@ void AFLPExplorerItem::m_oExplorerItemBase_OnBeforeRename(std::string& name) {
 void AFLPExplorerItem::m_oExplorerItemBase_OnAfterRename(const std::string& newName) {
   frame_.procedure("m_oExplorerItemBase_OnAfterRename", [&] {
     AFLP& analysis = required(m_oAFLP, "AFLP");
-    if (characterCount(newName) > kLongestName) {
+    if (characterCount(newName) > kLongestAnalysisName) {
       services_.Platform().MsgBox("Maximum length is 50 characters", ui::kInformation, "Rename");
       m_oExplorerItemBase->SetText(analysis.Name);
       return;

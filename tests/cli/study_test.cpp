@@ -246,6 +246,22 @@ TEST(Quality, TellsTheFiguresOfAStoredTableAndEveryPairItCannotMake) {
   expectError({"quality", study, "--replicates", in("pairs.tsv")}, "pairs.tsv, line 2");
 }
 
+TEST(Analyze, SortsAsToldHoweverTheStoredAnalysisWasSorted) {
+  const std::string study = smallStudy();
+  const auto sorted = [&](const char* order) {
+    ok({"analyze", study, "--name", "First", "--sort", order, "--matrix", in("m.tsv")});
+    return readFile(in("m.tsv"));
+  };
+  const std::string ascending = sorted("83");
+  const std::string descending = sorted("83:desc");
+  EXPECT_NE(ascending, descending);
+  EXPECT_EQ(sorted("83:desc"), descending);
+  EXPECT_EQ(sorted("83"), ascending);
+  EXPECT_EQ(sorted("83"), ascending);
+  ok({"analyze", study, "--name", std::string(50, 'x')});
+  expectError({"analyze", study, "--name", std::string(51, 'x')}, "at most 50 characters");
+}
+
 TEST(Report, TellsAnAnalysisAsOneEscapedPage) {
   const std::string study = smallStudy();
   ok({"analyze", study, "--name", "A <b> & \"c\"", "--exclude-bin", "D1-300", "--exclude-sample", "b<i>&"});
