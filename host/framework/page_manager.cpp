@@ -5,6 +5,7 @@
 #include <exception>
 #include <fmt/format.h>
 #include <utility>
+#include <vector>
 
 #include "host/framework/first_failure.h"
 #include "plugin/base/text.h"
@@ -39,6 +40,31 @@ const PageDefinition& definitionOf(const std::string& name) {
   }
   return *found;
 }
+
+// Holds the timers of the open pages, so that nothing runs below a page that stands over them; afterwards
+// each waits its whole time again.
+class HeldTimers {
+ public:
+  explicit HeldTimers(const std::vector<std::shared_ptr<HostPage>>& pages) {
+    for (const auto& page : pages) {
+      if (!page->control()) continue;
+      for (ui::Control* control : page->control()->Controls().all()) {
+        auto* timer = dynamic_cast<ui::Timer*>(control);
+        if (timer == nullptr || !timer->Enabled) continue;
+        timer->Enabled = false;
+        held_.emplace_back(page->control(), timer);
+      }
+    }
+  }
+  HeldTimers(const HeldTimers&) = delete;
+  HeldTimers& operator=(const HeldTimers&) = delete;
+  ~HeldTimers() {
+    for (const auto& [control, timer] : held_) timer->Enabled = true;
+  }
+
+ private:
+  std::vector<std::pair<std::shared_ptr<IPageControl>, ui::Timer*>> held_;
+};
 
 // Whether the user took the draft over.
 template <class Draft>
@@ -88,6 +114,7 @@ std::shared_ptr<banddesk::Page> HostPageManager::OpenPage(const std::string& nam
   }
   auto page = std::make_shared<HostPage>(faults_, watch, definition.name, definition.caption, bound, owner);
   if (definition.isModal) {
+    const HeldTimers held(pages_);  // until the owner has taken the answer over
     const bool accepted = runModal(*page, owner);
     if (accepted && page->DefinitionName() == kColumnSelector && onColumnsSelected) onColumnsSelected();
     page->owner().raiseExit(*page, !accepted);
