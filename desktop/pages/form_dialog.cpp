@@ -7,6 +7,7 @@
 #include <QMouseEvent>
 #include <QVBoxLayout>
 #include <exception>
+#include <unordered_map>
 #include <vector>
 
 #include "desktop/base/qt_text.h"
@@ -31,9 +32,9 @@ class FormDialog final : public QDialog {
 
  private:
   void add(ui::Control& control);
-  void hear(QWidget& widget);
+  void hear(QWidget& widget, const ui::Control& control);
   void addButton(ui::CommandButton& control);
-  bool hearMouse(QEvent& event);
+  bool hearMouse(QEvent& event, const ui::Control* where);
   void run(const std::function<void()>& action);
 
   ui::Form& form_;
@@ -44,6 +45,7 @@ class FormDialog final : public QDialog {
   QVBoxLayout* choices_;
   QDialogButtonBox* buttons_;
   std::vector<QWidget*> tabOrder_;
+  std::unordered_map<const QObject*, const ui::Control*> heard_;
   std::exception_ptr failure_;
 };
 
@@ -87,11 +89,12 @@ void FormDialog::add(ui::Control& control) {
     addButton(*button);
     return;
   }
-  if (made != nullptr) hear(*made);
+  if (made != nullptr) hear(*made, control);
 }
 
 // What the mouse does to a control is not told a second time as done to the form.
-void FormDialog::hear(QWidget& widget) {
+void FormDialog::hear(QWidget& widget, const ui::Control& control) {
+  heard_[&widget] = &control;
   widget.setAttribute(Qt::WA_NoMousePropagation);
   widget.installEventFilter(this);
 }
@@ -105,7 +108,7 @@ void FormDialog::addButton(ui::CommandButton& control) {
     button->setDefault(true);
     button->setFocus();
   }
-  hear(*button);
+  hear(*button, control);
   tabOrder_.push_back(button);
 }
 
@@ -130,20 +133,20 @@ void FormDialog::raiseFailure() const {
 
 // Help is a release of the mouse before which the form saw no press: the platform's question-mark pointer
 // takes the press for itself. F1 counts as the same.
-bool FormDialog::hearMouse(QEvent& event) {
+bool FormDialog::hearMouse(QEvent& event, const ui::Control* where) {
   switch (event.type()) {
     case QEvent::MouseButtonPress:
     case QEvent::MouseButtonDblClick:
       form_.MouseDown();
       return false;
     case QEvent::MouseButtonRelease:
-      form_.MouseUp();
+      form_.MouseUp(where);
       return false;
     case QEvent::QueryWhatsThis:
       event.accept();
       return true;
     case QEvent::WhatsThis:
-      form_.MouseUp();
+      form_.MouseUp(where);
       event.ignore();  // one answer, and the pointer is an arrow again
       return true;
     default:
@@ -151,14 +154,17 @@ bool FormDialog::hearMouse(QEvent& event) {
   }
 }
 
-bool FormDialog::eventFilter(QObject*, QEvent* event) { return hearMouse(*event); }
+bool FormDialog::eventFilter(QObject* watched, QEvent* event) {
+  const auto found = heard_.find(watched);
+  return hearMouse(*event, found == heard_.end() ? nullptr : found->second);
+}
 
 bool FormDialog::event(QEvent* event) {
   if (event->type() == QEvent::KeyPress && static_cast<QKeyEvent*>(event)->key() == Qt::Key_F1) {
-    form_.MouseUp();
+    form_.MouseUp(nullptr);
     return true;
   }
-  return hearMouse(*event) || QDialog::event(event);
+  return hearMouse(*event, nullptr) || QDialog::event(event);
 }
 
 }  // namespace

@@ -1,5 +1,8 @@
 #include "plugin/analysis/aflp_warning.h"
 
+#include <string>
+#include <utility>
+
 namespace banddesk {
 
 AFLPWarning::AFLPWarning(HostServices& services, bool& accepted)
@@ -50,15 +53,17 @@ void AFLPWarning::btnCancel_Click() {
 
 void AFLPWarning::MouseDown() { m_bMouseWasDown = true; }
 
-void AFLPWarning::MouseUp() {
-  frame_.handler("Form_MouseUp", [&] { releaseMouse(); });
+// Each control has a handler of its own, and so has the form.
+void AFLPWarning::MouseUp(const ui::Control* where) {
+  const std::string handler = (where != nullptr ? where->Name() : "Form") + "_MouseUp";
+  frame_.handler(handler.c_str(), [&] { releaseMouse(); });
 }
 
-// A release that no press came before asks for help.
+// A release that no press came before asks for help. Whatever becomes of that, the next one does so too.
 void AFLPWarning::releaseMouse() {
+  const bool wasDown = std::exchange(m_bMouseWasDown, false);
   frame_.procedure("MouseUp", [&] {
-    if (!m_bMouseWasDown) services_.Platform().ShowHelp("AFLPWarning", 1, 0);
-    m_bMouseWasDown = false;
+    if (!wasDown) services_.Platform().ShowHelp("AFLPWarning", 1, 0);
   });
 }
 

@@ -14,7 +14,7 @@ class AFLPWarning final : public ui::Form {
 
   const ui::ControlSet& Controls() const override { return controls_; }
   void MouseDown() override;
-  void MouseUp() override;
+  void MouseUp(const ui::Control* where) override;
 
  private:
   void Form_Load() override;

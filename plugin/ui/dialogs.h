@@ -44,9 +44,10 @@ class Form : public Object {
   // Ends the form. The platform calls it when the user closes the frame.
   void UnloadMe();
 
-  // A press or release of the mouse on the form, its label, image, check box or buttons.
+  // A press or release of the mouse on the form, its label, image, check box or buttons. `where` is the control
+  // under the mouse, null on the form itself.
   virtual void MouseDown() {}
-  virtual void MouseUp() {}
+  virtual void MouseUp(const Control* /*where*/) {}
 
  protected:
   virtual void Form_Load() {}

@@ -120,7 +120,7 @@ void addMouse(std::vector<Road>& all) {
     desk.chooseAt(2, 1, "mnuExcludeBin");
     desk.host.platform().onRunModal = [](ui::Form& form) {
       form.Controls().find<ui::CheckBox>("chkDontShow")->click();
-      form.MouseUp();
+      form.MouseUp(form.Controls().find<ui::Label>("lblWarning"));
       form.Controls().find<ui::CommandButton>("btnOK")->Click.raise();
     };
     desk.control<ui::TextBox>("txtYThreshold").Text = "9";
