@@ -176,11 +176,16 @@ class Sheet {
   lxw_row_t sheetRow(std::int32_t row) const { return static_cast<lxw_row_t>(row - firstRow_); }
   lxw_col_t sheetCol(std::int32_t col) const { return static_cast<lxw_col_t>(col - firstCol_); }
 
+  // Columns are as wide as in the grid, and wide enough for the names in their headers: what is exported may
+  // have longer ones than what showed when the grid was fitted.
   void layOut() {
+    const std::vector<std::int32_t> headers = grid_.headerWidths();
     for (std::int32_t col = firstCol_; col <= grid_.ColCount(); ++col) {
       lxw_row_col_options options{};
       options.hidden = grid_.IsColHidden(col);
-      const auto pixels = std::min(static_cast<std::uint32_t>(grid_.colWidth(col)), kWidestColumn);
+      const std::int32_t header = firstRow_ == 0 ? headers[static_cast<std::size_t>(col)] : 0;
+      const auto width = static_cast<std::uint32_t>(std::max(grid_.colWidth(col), header));
+      const auto pixels = std::min(width, kWidestColumn);
       check(worksheet_set_column_pixels_opt(sheet_, sheetCol(col), sheetCol(col), pixels, nullptr, &options));
     }
     const std::int32_t rows = std::min(grid_.FrozenRows(), grid_.RowCount()) + 1 - firstRow_;

@@ -189,7 +189,21 @@ class BodyFitting {
   std::vector<double>& widest_;
 };
 
+std::int32_t columnWidth(double widest) {
+  return std::max(kNarrowest, static_cast<std::int32_t>(std::ceil(widest + kMargins)));
+}
+
 }  // namespace
+
+std::vector<std::int32_t> GridControl::headerWidths() const {
+  Fitting fitting(store_, looks_, *ports_.measure);
+  std::vector<std::int32_t> widths;
+  for (std::int32_t col = 0; col <= cols_.count; ++col) {
+    const Cell* const found = cell(0, col);
+    widths.push_back(columnWidth(found != nullptr ? fitting.widthOf(*found, layerOf(0, col)) : 0));
+  }
+  return widths;
+}
 
 bool GridControl::ResizeToFit(const GridRange& range) {
   const Block block = blockOf(range);
@@ -221,8 +235,7 @@ bool GridControl::ResizeToFit(const GridRange& range) {
   }
   BodyFitting(store_, fitting, widest).fit(plainRows, cols, block.left == 0 ? 1 : 0);
   for (std::int32_t col = block.left; col <= block.right; ++col) {
-    const double width = std::ceil(widest[static_cast<std::size_t>(col - block.left)] + kMargins);
-    cols_.setWidth(col, col, std::max(kNarrowest, static_cast<std::int32_t>(width)));
+    cols_.setWidth(col, col, columnWidth(widest[static_cast<std::size_t>(col - block.left)]));
   }
   return true;
 }

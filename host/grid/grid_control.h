@@ -78,6 +78,8 @@ class GridControl final : public Grid, private GridData, private GridParameters,
   void UnfreezeCols() override { SetFrozenCols(0, 0); }
   bool SetColWidth(std::int32_t from, std::int32_t to, std::int32_t width) override;
   bool ResizeToFit(const GridRange& range) override;  // fit.cpp
+  // What the texts of row 0 need, by column from 0 on.
+  std::vector<std::int32_t> headerWidths() const;
   SortInfo NewSortInfo() const override { return {}; }
   bool SortRows(const GridRange& range, std::int32_t count, std::span<const SortInfo> keys, double) override;
   bool SortColumns(const GridRange& range, std::int32_t count, std::span<const SortInfo> keys,

@@ -188,6 +188,9 @@ TEST_F(ExcelFile, HoldsTheShownTableWithTypesColoursBlocksAndHiddenLines) {
   const std::string second = readBack(path("a.xlsx"));
   EXPECT_NE(second.find("n:None|s:x|s:4e2\ns:Name: =1|"), std::string::npos) << second;
   EXPECT_NE(second.find("B2 ['A2:A4', 'A5:C5']"), std::string::npos) << second;
+  grid.SetValueRange(0, 1, "a name longer than its column", 4);  // 29 characters of 6 units, and the margins
+  grid.SaveExcelFile(path("a.xlsx"));
+  EXPECT_TRUE(readBack(path("a.xlsx")).ends_with(" 182\n")) << readBack(path("a.xlsx"));
 }
 
 TEST_F(ExcelFile, WritesDecimalPointsWhateverTheLocale) {
