@@ -73,7 +73,8 @@ std::unique_ptr<host::GridControl> makeGrid() {
       const std::int32_t count = drawn == 0 ? 2 : drawn < 8 ? 1 : 0;
       line.push_back({kInfoColumns + sample, count, count == 0 ? 3 : count});
     }
-    grid->StoreLine(Axis::Rows, row, line);
+    LineStep step{};
+    grid->StoreLine(Axis::Rows, row, line, step);
     for (std::int32_t col = 1; col <= kInfoColumns; ++col) {
       grid->SetValueRange(row, col, std::to_string(row + col * 50) + ".371", 4);
     }

@@ -52,7 +52,8 @@ void fill(GridControl& grid) {
     line.clear();
     for (std::int32_t col = 1; col <= kCols; col += 3)
       line.push_back({col, (row * 7 + col) % 13, 1 + col % 3});
-    grid.StoreLine(Axis::Rows, row, line);
+    LineStep step{};
+    grid.StoreLine(Axis::Rows, row, line, step);
     grid.SetValueRange(row, 6, std::to_string(row) + ".25", 4);
   }
 }
@@ -113,7 +114,9 @@ void StoreLines(benchmark::State& state) {
   std::vector<LineCell> line;
   for (std::int32_t col = 1; col <= kCols; ++col) line.push_back({col, col % 13, 1 + col % 3});
   onFilledGrid(state, [&](GridControl& grid, std::int32_t) {
-    for (std::int32_t row = 1; row <= kRows; ++row) grid.StoreLine(Axis::Rows, row, line);
+    LineStep step{};
+    LineStep step{};
+    for (std::int32_t row = 1; row <= kRows; ++row) grid.StoreLine(Axis::Rows, row, line, step);
   });
 }
 
@@ -173,7 +176,7 @@ void Sort(benchmark::State& state) {
 }
 
 void Exchange(benchmark::State& state) {
-  onFilledGrid(state, [](GridControl& grid, std::int32_t) { grid.ExchangeAxes(); });
+  onFilledGrid(state, [](GridControl& grid, std::int32_t) { grid.exchangeAxes(); });
 }
 
 void MoveColumns(benchmark::State& state) {

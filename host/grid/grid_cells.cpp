@@ -10,8 +10,7 @@ namespace {
 class ValueChange {
  public:
   ValueChange(CellStore& store, const GridStyle& style, StyleMode mode)
-      : store_(store),
-        acts_(mode == StyleMode::Copy || (mode != StyleMode::Registered && style.attributes().value)) {
+      : store_(store), acts_(mode == StyleMode::Copy || style.attributes().value.has_value()) {
     if (acts_ && mode != StyleMode::Remove) {
       store_.setText(model_, style.attributes().value.value_or(std::string()));
     }
@@ -134,7 +133,7 @@ void GridControl::SetToolTip(std::int32_t row, std::int32_t col, std::string_vie
 
 bool GridControl::SetStyleRange(const GridRange& range, const GridStyle& style, StyleMode mode) {
   const Block block = blockOf(range);
-  if (block.isEmpty() || mode == StyleMode::Registered) return true;
+  if (block.isEmpty()) return true;
   if (lockReadOnly_) return changeCells(block, style, mode);
   changeBlock(block, style, mode);
   return true;
@@ -192,7 +191,6 @@ void GridControl::changeAsides(std::int32_t row, std::int32_t col, const GridSty
 bool GridControl::StoreStyleRowCol(std::int32_t row, std::int32_t col, const GridStyle& style, StyleMode mode,
                                    std::int32_t) {
   if (row < 0 || col < 0 || refuses(row, col)) return false;
-  if (mode == StyleMode::Registered) return true;
   Cell& cell = cellAt(row, col);
   cell.setStyle(sets_.change(lookPart(style.attributes()), mode)(cell.style()));
   ValueChange(store_, style, mode)(cell);
@@ -229,7 +227,7 @@ std::string GridControl::GetCurrentCellText(std::int32_t row, std::int32_t col) 
   return edit_ && edit_->row == row && edit_->col == col ? edit_->text : GetValue(row, col);
 }
 
-void GridControl::StoreLine(Axis which, std::int32_t index, std::span<const LineCell> cells) {
+void GridControl::StoreLine(Axis which, std::int32_t index, std::span<const LineCell> cells, LineStep&) {
   if (index < 0 || cells.empty()) return;
   const bool isRow = which == Axis::Rows;
   LineOrder& along = isRow ? cols_.order : rows_.order;
@@ -290,7 +288,7 @@ std::int32_t GridControl::typedIn(Axis which, std::int32_t index) const {
 
 std::int32_t GridControl::AppendTexts(Axis which, std::int32_t index, std::int32_t from, std::int32_t to,
                                       bool visibleOnly, std::string_view before, std::string_view after,
-                                      std::string& out) const {
+                                      std::string& out) {
   const std::int32_t typed = typedIn(which, index);
   DigitTexts digits(before, after, out);
   std::int32_t last = -1;

@@ -27,6 +27,8 @@ void GridControl::keepViewInside() {
   selection_.cutTo(rows_.count, cols_.count);
   topRow_ = std::clamp(topRow_, 1, std::max(rows_.count, 1));
   leftCol_ = std::clamp(leftCol_, 1, std::max(cols_.count, 1));
+  currentRow_ = std::clamp(currentRow_, 0, std::max(rows_.count, 0));
+  currentCol_ = std::clamp(currentCol_, 0, std::max(cols_.count, 0));
 }
 
 void GridControl::discard(Axis which, std::int32_t from, std::int32_t to) {
@@ -72,7 +74,14 @@ void GridControl::scrollTo(std::int32_t row, std::int32_t col) {
   }
 }
 
-void GridControl::ExchangeAxes() {
+// At one stroke, whatever the size.
+void GridControl::ExchangeAxes(std::int64_t every, const CellsExchanged& done) {
+  const std::int64_t cells = (std::int64_t{rows_.count} + 1) * (std::int64_t{cols_.count} + 1);
+  exchangeAxes();
+  for (std::int64_t cell = every; cell <= cells; cell += every) done(cell);
+}
+
+void GridControl::exchangeAxes() {
   endEdit(false);
   store_.exchangeAxes();
   rows_.exchangeWith(cols_);

@@ -44,7 +44,7 @@ class GridControl final : public Grid, private GridData, private GridParameters,
   bool SetValueRange(std::int32_t row, std::int32_t col, std::string_view text, std::int32_t) override;
   std::string GetUserAttribute(std::int32_t row, std::int32_t col) const override;
   void SetUserAttribute(std::int32_t row, std::int32_t col, std::string_view text) override;
-  std::string GetToolTip(std::int32_t row, std::int32_t col) const override;
+  std::string GetToolTip(std::int32_t row, std::int32_t col) const;
   void SetToolTip(std::int32_t row, std::int32_t col, std::string_view text) override;
   bool SetStyleRange(const GridRange& range, const GridStyle& style, StyleMode mode) override;
   void SetCoveredCells(std::int32_t top, std::int32_t left, std::int32_t bottom, std::int32_t right) override;
@@ -52,13 +52,14 @@ class GridControl final : public Grid, private GridData, private GridParameters,
   std::string GetCurrentCellText(std::int32_t row, std::int32_t col) const override;
 
   // ---- whole lines at once (grid_cells.cpp)
-  void StoreLine(Axis axis, std::int32_t index, std::span<const LineCell> cells) override;
+  void StoreLine(Axis axis, std::int32_t index, std::span<const LineCell> cells, LineStep& step) override;
   std::int32_t AppendTexts(Axis axis, std::int32_t index, std::int32_t from, std::int32_t to,
                            bool visibleOnly, std::string_view before, std::string_view after,
-                           std::string& out) const override;
+                           std::string& out) override;
   void VisitUserAttributes(Axis axis, std::int32_t index, std::int32_t from, std::int32_t to,
                            const TextVisitor& visitor) const override;
-  void ExchangeAxes() override;
+  void ExchangeAxes(std::int64_t every, const CellsExchanged& done) override;
+  void exchangeAxes();  // with the counts
 
   // ---- rows and columns (grid_lines.cpp)
   bool InsertRows(std::int32_t start, std::int32_t count) override;

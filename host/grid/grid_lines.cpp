@@ -79,15 +79,9 @@ bool GridControl::HideCols(std::int32_t from, std::int32_t to, bool hide) {
   return true;
 }
 
-void GridControl::SetFrozenRows(std::int32_t count, std::int32_t headers) {
-  rows_.frozen = std::max(count, 0);
-  rows_.frozenHeaders = headers;
-}
+void GridControl::SetFrozenRows(std::int32_t count, std::int32_t) { rows_.frozen = std::max(count, 0); }
 
-void GridControl::SetFrozenCols(std::int32_t count, std::int32_t headers) {
-  cols_.frozen = std::max(count, 0);
-  cols_.frozenHeaders = headers;
-}
+void GridControl::SetFrozenCols(std::int32_t count, std::int32_t) { cols_.frozen = std::max(count, 0); }
 
 bool GridControl::SetColWidth(std::int32_t from, std::int32_t to, std::int32_t width) {
   if (width < 0) return false;

@@ -89,7 +89,6 @@ class LineAxis {
 
   Position count = 0;
   std::int32_t frozen = 0;
-  std::int32_t frozenHeaders = 0;  // kept, shown nowhere
   LineOrder order;
   Visibility visibility;
   Visibility seen;  // the visibility when the table was shown last; where lines come, go or move it follows

@@ -29,10 +29,9 @@ enum class Axis { Rows, Columns };
 
 // How a style acts on cells.
 enum class StyleMode : std::int32_t {
-  Override = 0,    // each attribute that the style includes replaces the cell's, others stay
-  Copy = 2,        // the cell becomes an exact copy
-  Remove = 3,      // each attribute that the style includes is taken off the cell, whatever its value
-  Registered = 4,  // goes with ChangeRegisteredStyle; no effect of its own
+  Override = 0,  // each attribute that the style includes replaces the cell's, others stay
+  Copy = 2,      // the cell becomes an exact copy
+  Remove = 3,    // each attribute that the style includes is taken off the cell, whatever its value
 };
 
 struct GridBrush {
@@ -199,8 +198,14 @@ struct LineCell {
   std::int32_t baseStyle;
 };
 
+// What of a cell a line is storing: told so that a failure can name the operation.
+enum class LineStep { Value, Style };
+
 // Called with the index along the line and the attribute there; the text lives for the call only.
 using TextVisitor = std::function<void(std::int32_t position, std::string_view text)>;
+
+// Called with a number of cells that have been exchanged.
+using CellsExchanged = std::function<void(std::int64_t cells)>;
 
 class Grid : public ui::Control {
  public:
@@ -228,7 +233,6 @@ class Grid : public ui::Control {
   virtual bool SetValueRange(std::int32_t row, std::int32_t col, std::string_view text, std::int32_t) = 0;
   virtual std::string GetUserAttribute(std::int32_t row, std::int32_t col) const = 0;
   virtual void SetUserAttribute(std::int32_t row, std::int32_t col, std::string_view text) = 0;
-  virtual std::string GetToolTip(std::int32_t row, std::int32_t col) const = 0;
   virtual void SetToolTip(std::int32_t row, std::int32_t col, std::string_view text) = 0;
   virtual bool SetStyleRange(const GridRange& range, const GridStyle& style, StyleMode mode) = 0;
   virtual void SetCoveredCells(std::int32_t top, std::int32_t left, std::int32_t bottom,
@@ -238,18 +242,21 @@ class Grid : public ui::Control {
   virtual void SetCurrentCell(std::int32_t row, std::int32_t col) = 0;
   virtual std::string GetCurrentCellText(std::int32_t row, std::int32_t col) const = 0;
 
-  // ---- whole lines at once. A line is a row (Axis::Rows) or a column (Axis::Columns).
-  virtual void StoreLine(Axis axis, std::int32_t index, std::span<const LineCell> cells) = 0;
+  // ---- whole lines at once. A line is a row (Axis::Rows) or a column (Axis::Columns). Each of these goes
+  // cell by cell over the operations above and below; a grid with a faster way overrides it.
+  // Stores the cells of a line in their order. Where one fails, `step` says what was being stored.
+  virtual void StoreLine(Axis axis, std::int32_t index, std::span<const LineCell> cells, LineStep& step);
   // Appends the live texts of a line's cells from..to, all of them or the visible ones, to `out`, each
-  // between `before` and `after`. Gives the position of the last, -1 without any.
+  // between `before` and `after`. Gives the position of the last, -1 without any. The current cell may move.
   virtual std::int32_t AppendTexts(Axis axis, std::int32_t index, std::int32_t from, std::int32_t to,
                                    bool visibleOnly, std::string_view before, std::string_view after,
-                                   std::string& out) const = 0;
+                                   std::string& out);
   virtual void VisitUserAttributes(Axis axis, std::int32_t index, std::int32_t from, std::int32_t to,
-                                   const TextVisitor& visitor) const = 0;
-  // Exchanges rows and columns: counts, cells with all that belongs to them, coverings and hidden states.
-  // Widths, frozen counts, header, drag and base styles stay as they are.
-  virtual void ExchangeAxes() = 0;
+                                   const TextVisitor& visitor) const;
+  // Exchanges cells with all that belongs to them, and the hidden states of rows and columns. Calls `done`
+  // after every `every` cells. The counts are the caller's to exchange; widths, frozen counts, header, drag
+  // and base styles stay as they are.
+  virtual void ExchangeAxes(std::int64_t every, const CellsExchanged& done);
 
   // ---- rows and columns. Row 0 and column 0 are never removed; inserting before 0 acts as before 1.
   virtual bool InsertRows(std::int32_t start, std::int32_t count) = 0;
@@ -266,8 +273,8 @@ class Grid : public ui::Control {
   virtual void UnfreezeRows() = 0;
   virtual void UnfreezeCols() = 0;
   virtual bool SetColWidth(std::int32_t from, std::int32_t to, std::int32_t width) = 0;
-  virtual bool ResizeToFit(
-      const GridRange& range) = 0;  // widths of the columns of the range, hidden ones stay hidden
+  // Widths of the columns of the range; hidden ones stay hidden.
+  virtual bool ResizeToFit(const GridRange& range) = 0;
   // Sorting permutes whole rows (columns) of the range, over all columns (rows) and the headers; ties keep
   // their order. What is hidden and how wide it is stays in place.
   virtual SortInfo NewSortInfo() const = 0;

@@ -224,11 +224,14 @@ void LogicalTable::writeCell(std::int32_t row, std::int32_t col, std::string_vie
 }
 
 void LogicalTable::writeRow(std::int32_t row, std::span<const LineCell> cells) {
-  page_.frame.procedure("CellText (Let)", [&] {
+  LineStep step = LineStep::Value;
+  try {
     WriteAccess access(grid());
-    grid().StoreLine(m_bTransposed ? Axis::Columns : Axis::Rows, row, cells);
+    grid().StoreLine(m_bTransposed ? Axis::Columns : Axis::Rows, row, cells, step);
     access.restore();
-  });
+  } catch (...) {
+    page_.frame.reportAndRaise(step == LineStep::Style ? "StoreStyleRowCol" : "CellText (Let)");
+  }
 }
 
 }  // namespace banddesk

@@ -6,7 +6,7 @@
 namespace banddesk {
 namespace {
 
-// Steps the indicator through the cells of a table as they are exchanged.
+// Moves the indicator on as the cells of a table are exchanged.
 class ExchangeIndicator {
  public:
   ExchangeIndicator(Progress& progress, Framework& framework, double rows, double cols)
@@ -15,10 +15,9 @@ class ExchangeIndicator {
     scale_ = static_cast<float>(progress_.Maximum() / framework.Max(1, total_));
     every_ = roundToLong(framework.Max(1, total_ / framework.Max(1, progress_.Steps())));
   }
-  void run() const {
-    for (double cell = every_; cell <= total_; cell += every_) {
-      progress_.SetPosition(static_cast<double>(scale_) * cell);
-    }
+  std::int64_t every() const { return every_; }
+  void show(std::int64_t cells) const {
+    progress_.SetPosition(static_cast<double>(scale_ * static_cast<float>(cells)));
   }
 
  private:
@@ -55,8 +54,7 @@ void Transposition::exchange() {
   const bool rowHeaders = grid.RowHeadersVisible();
   const bool colHeaders = grid.ColHeadersVisible();
   swapDragAndFrozen();
-  grid.ExchangeAxes();
-  indicator.run();
+  grid.ExchangeAxes(indicator.every(), [&](std::int64_t cells) { indicator.show(cells); });
   grid.SetRowHeadersVisible(colHeaders);
   grid.SetColHeadersVisible(rowHeaders);
   // Putting the counts also lets go of what was written beyond the table.

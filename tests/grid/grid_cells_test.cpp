@@ -116,7 +116,8 @@ TEST(GridCells, TheLockRefusesValuesAndStylesOfReadOnlyCellsAndNothingElse) {
   EXPECT_FALSE(grid.SetValueRange(1, 1, "new", 4));
   EXPECT_FALSE(grid.GridParam().GetData().StoreStyleRowCol(1, 1, changed, StyleMode::Copy, 1));
   EXPECT_FALSE(grid.SetStyleRange(block(1, 1, 2, 1), changed, StyleMode::Override));
-  grid.StoreLine(Axis::Rows, 1, line);
+  LineStep step{};
+  grid.StoreLine(Axis::Rows, 1, line, step);
   EXPECT_EQ(grid.GetValue(1, 1), "kept");
   EXPECT_EQ(grid.look(1, 1).textColor, 0U);
   EXPECT_EQ(grid.GetValue(1, 2), "8");  // its neighbour took all of it

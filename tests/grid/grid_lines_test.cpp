@@ -11,7 +11,7 @@ GridRange block(int left, int top, int right, int bottom) {
   return range;
 }
 
-std::string column(const GridControl& grid, int col) {
+std::string column(GridControl& grid, int col) {
   std::string texts;
   grid.AppendTexts(Axis::Columns, col, 0, grid.RowCount(), false, "", "|", texts);
   return texts;
@@ -70,7 +70,7 @@ TEST(GridLines, CoveringsFollowTheirLines) {
   EXPECT_TRUE(is({{2, 1, 2, 4}, {4, 2, 7, 3}}));
   grid.RemoveCols(2, 2);
   EXPECT_TRUE(is({{2, 1, 2, 3}, {4, 2, 7, 2}}));
-  grid.ExchangeAxes();
+  grid.exchangeAxes();
   EXPECT_EQ(*grid.coverings().at(3, 2), (Block{1, 2, 3, 2}));
   EXPECT_EQ(grid.coverings().at(3, 1), nullptr);
   grid.SetCoveredCells(3, 2, 3, 2);  // a single cell dissolves its block
@@ -144,7 +144,7 @@ TEST(GridLines, ExchangingLeavesWidthsFrozenLinesAndHeaderStates) {
   grid.SetAllowDragCols(true);
   grid.HideRows(0, 0, true);
   grid.SetValueRange(0, 5, "header", 4);
-  grid.ExchangeAxes();
+  grid.exchangeAxes();
   EXPECT_EQ(grid.GetValue(5, 0), "header");
   EXPECT_TRUE(grid.IsColHidden(0) && !grid.IsRowHidden(0));
   EXPECT_EQ(grid.colWidth(1), 33);

@@ -119,8 +119,8 @@ std::string GridProgram::text() const {
 void GridProgram::styleRange() {
   std::map<std::string, int> look;
   GridStyle style = this->style(look);
-  constexpr std::array kModes{StyleMode::Override, StyleMode::Copy, StyleMode::Remove, StyleMode::Registered};
-  const StyleMode mode = kModes[static_cast<std::size_t>(upTo_(3))];
+  constexpr std::array kModes{StyleMode::Override, StyleMode::Copy, StyleMode::Remove};
+  const StyleMode mode = kModes[static_cast<std::size_t>(upTo_(2))];
   std::optional<std::string> value, attribute, tip;
   if (upTo_(2) == 0) style.SetValue(*(value = text()));
   if (upTo_(3) == 0) style.attributes().userAttribute = attribute = "key";
@@ -129,7 +129,6 @@ void GridProgram::styleRange() {
   GridRange range;
   range.InitRange(left, top, right, bottom);
   grid_.SetStyleRange(range, style, mode);
-  if (mode == StyleMode::Registered) return;
   for (int row = top; row <= bottom; ++row) {
     for (int col = left; col <= right; ++col) {
       ModelCell& cell = model_.cells[{row, col}];
@@ -162,7 +161,8 @@ void GridProgram::writeCell() {
       break;
     case 2: {
       const LineCell given{row, upTo_(50), upTo_(2) - 1};
-      grid_.StoreLine(Axis::Columns, col, {&given, 1});
+      LineStep step{};
+      grid_.StoreLine(Axis::Columns, col, {&given, 1}, step);
       cell.value = std::to_string(given.value);
       if (given.baseStyle >= 0) cell.look["base"] = given.baseStyle;
       break;
@@ -251,7 +251,7 @@ void GridProgram::step() {
     case 3:
       return drag();
     case 4:
-      grid_.ExchangeAxes();
+      grid_.exchangeAxes();
       return model_.exchange();
     default:
       return writeCell();
@@ -259,8 +259,8 @@ void GridProgram::step() {
 }
 
 void GridProgram::clear() {
-  grid_.ExchangeAxes();
-  grid_.ExchangeAxes();
+  grid_.exchangeAxes();
+  grid_.exchangeAxes();
   compare();
   grid_.SetRowCount(0);
   grid_.SetColCount(0);

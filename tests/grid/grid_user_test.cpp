@@ -260,6 +260,8 @@ TEST(GridUser, ANewCurrentCellScrollsIntoTheViewWithoutAnEvent) {
   grid.SetCurrentCell(2000, 5);
   EXPECT_EQ(std::pair(grid.currentRow(), grid.currentCol()), std::pair(2000, 5));
   EXPECT_EQ(grid.LeftCol(), 5);
+  grid.SetRowCount(999);
+  EXPECT_EQ(std::pair(grid.currentRow(), grid.currentCol()), std::pair(999, 5)) << "never beyond the table";
   grid.SetTopRow(7);
   EXPECT_EQ(grid.TopRow(), 7);
   EXPECT_EQ(log.taken(), "");

@@ -1,5 +1,6 @@
 // A grid under the seam at which failures are injected: the page sees this one, the work is done by the grid
-// control that it wraps. What the user does there reaches the page through it.
+// control that it wraps, one operation at a time: it has none for whole lines. What the user does there reaches
+// the page through it.
 #pragma once
 
 #include <memory>
@@ -42,9 +43,6 @@ class GuardedGrid final : public Grid, private GridParameters, private GridData,
   void SetUserAttribute(std::int32_t r, std::int32_t c, std::string_view text) override {
     at("SetUserAttribute").SetUserAttribute(r, c, text);
   }
-  std::string GetToolTip(std::int32_t r, std::int32_t c) const override {
-    return at("GetToolTip").GetToolTip(r, c);
-  }
   void SetToolTip(std::int32_t r, std::int32_t c, std::string_view text) override {
     at("SetToolTip").SetToolTip(r, c, text);
   }
@@ -58,18 +56,6 @@ class GuardedGrid final : public Grid, private GridParameters, private GridData,
   std::string GetCurrentCellText(std::int32_t r, std::int32_t c) const override {
     return at("GetCurrentCellText").GetCurrentCellText(r, c);
   }
-  void StoreLine(Axis axis, std::int32_t i, std::span<const LineCell> cells) override {
-    at("StoreLine").StoreLine(axis, i, cells);
-  }
-  std::int32_t AppendTexts(Axis axis, std::int32_t i, std::int32_t from, std::int32_t to, bool visibleOnly,
-                           std::string_view before, std::string_view after, std::string& out) const override {
-    return at("AppendTexts").AppendTexts(axis, i, from, to, visibleOnly, before, after, out);
-  }
-  void VisitUserAttributes(Axis axis, std::int32_t i, std::int32_t from, std::int32_t to,
-                           const TextVisitor& visitor) const override {
-    at("VisitUserAttributes").VisitUserAttributes(axis, i, from, to, visitor);
-  }
-  void ExchangeAxes() override { at("ExchangeAxes").ExchangeAxes(); }
 
   bool InsertRows(std::int32_t start, std::int32_t n) override {
     return at("InsertRows").InsertRows(start, n);
