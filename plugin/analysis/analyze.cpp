@@ -31,23 +31,23 @@ struct Analysis::Columns {
 // end exactly at the maximum.
 struct Analysis::Indicator {
   Indicator(Progress& bar, Framework& host) : progress(bar), framework(host) {
-    start = static_cast<float>(progress.Position());
+    start = toFloat(progress.Position());
     if (start == 0) progress.Start(100.0, 0);
-    const auto range = static_cast<float>(progress.Maximum()) - start;
-    dyeShare = (range - start) / kDyeCount;
+    const float range = toFloat(progress.Maximum() - static_cast<double>(start));
+    dyeShare = toFloat((range - start) / kDyeCount);
     updates = roundToLong(framework.Max(progress.Steps() / kDyeCount, 1));
   }
 
   void beginDye(std::int32_t which, std::int32_t count) {
     dye = static_cast<float>(which);
-    binShare = dyeShare / static_cast<float>(framework.Max(count, 1));
+    binShare = toFloat(dyeShare / static_cast<float>(framework.Max(count, 1)));
     interval = roundToLong(framework.Max(count / framework.Max(updates, 1), 1));
   }
   void laidBin(std::int32_t bin) {
     if (bin % interval == 0)
-      progress.SetPosition(start + dyeShare * dye + binShare * static_cast<float>(bin));
+      progress.SetPosition(toFloat(start + dyeShare * dye + binShare * static_cast<float>(bin)));
   }
-  void endDye() { progress.SetPosition(start + dyeShare * (dye + 1)); }
+  void endDye() { progress.SetPosition(toFloat(start + dyeShare * (dye + 1))); }
 
   Progress& progress;
   Framework& framework;
@@ -118,9 +118,10 @@ void Analysis::run() {
   calculate();
   bins_.allocate(page_.analysis().Results.Count());
   initSampleCells();
-  layDyes(indicator);
+  const auto columnStyle = table_.grid().NewStyle();
+  layDyes(required(columnStyle, "Style"), indicator);
   table_.SetNumRows(bins_.m_lBinCount);
-  applyColumnStyles();
+  applyColumnStyles(*columnStyle);
 
   persistence_.LoadAFLPBins();
   exclusion_.CalcExcluded();
@@ -139,8 +140,8 @@ void Analysis::calculate() {
     bins.SetMaxBinWidth(bins_.m_dMaxBinWidth);
     bins.SetYThreshold(bins_.m_dYThreshold);
     bins.Calculate();
-    bins_.m_alDyeFirstRow[static_cast<std::size_t>(dye)] = bins_.m_lBinCount + 1;
-    bins_.m_lBinCount += bins.BinCount();
+    bins_.m_alDyeFirstRow[static_cast<std::size_t>(dye)] = addLongs(bins_.m_lBinCount, 1);
+    bins_.m_lBinCount = addLongs(bins_.m_lBinCount, bins.BinCount());
   }
 }
 
@@ -153,29 +154,29 @@ void Analysis::initSampleCells() {
   style.SetValue("0");
   table_.SetStyleRange(table_.range(), style, StyleMode::Override);
   style.SetIncludeValue(false);
-  columnStyle_ = table_.grid().NewStyle();
 }
 
-void Analysis::layDyes(Indicator& indicator) {
+void Analysis::layDyes(GridStyle& style, Indicator& indicator) {
   std::optional<Columns> columns;  // looked up with the first bin
   resultColumns_ = statistics_.resultColumns();
-  for (std::int32_t dye = 0; dye < kDyeCount; ++dye) layDye(dye, columns, indicator);
+  for (std::int32_t dye = 0; dye < kDyeCount; ++dye) layDye(dye, columns, style, indicator);
 }
 
-void Analysis::layDye(std::int32_t dye, std::optional<Columns>& columns, Indicator& indicator) {
+void Analysis::layDye(std::int32_t dye, std::optional<Columns>& columns, GridStyle& style,
+                      Indicator& indicator) {
   const std::int32_t count = calculator(dye).BinCount();
   const std::int32_t first = bins_.m_alDyeFirstRow[static_cast<std::size_t>(dye)];
   indicator.beginDye(dye, count);
   table_.HideRows(first, first + count - 1, controls_.dyeValue(dye) != ui::kChecked);
   for (std::int32_t bin = 0; bin < count; ++bin) {
-    if (!columns) columns.emplace(table_);
+    if (!columns) page_.frame.procedure("CellText (Let)", [&] { columns.emplace(table_); });
     layBin(first + bin, dye, bin, *columns);
     indicator.laidBin(bin);
   }
   indicator.endDye();
   // One row beyond the block: the next dye's own style covers it.
-  applyBaseStyle(styles_.m_alDyeStyles[static_cast<std::size_t>(dye)], table_.Col(kDyeKey), first,
-                 first + count);
+  style.SetBaseStyle(styles_.m_alDyeStyles[static_cast<std::size_t>(dye)]);
+  applyToColumn(style, table_.Col(kDyeKey), first, first + count);
 }
 
 void Analysis::layBin(std::int32_t row, std::int32_t dye, std::int32_t bin, const Columns& columns) {
@@ -193,28 +194,24 @@ void Analysis::layBin(std::int32_t row, std::int32_t dye, std::int32_t bin, cons
   table_.SetBin(row, row);
   bins_.m_aiBinDye[bins_.at(row)] = static_cast<std::int16_t>(dye);
   bins.GetResultData(bin, counts_, heights_);
-  // A dye whose calculator knows fewer results than the analysis has nothing in the others.
-  const auto results = static_cast<std::size_t>(bins_.resultCount());
-  if (counts_.size() < results) counts_.resize(results, 0);
-  if (heights_.size() < results) heights_.resize(results, 0);
   statistics_.CalcBin(row, row, counts_, heights_, resultColumns_);
 }
 
-void Analysis::applyColumnStyles() {
+void Analysis::applyColumnStyles(GridStyle& style) {
   if (!styles_.m_colColumnStyles) return;
   for (const auto& column : page_.analysis().BinGrid->Columns) {
     const std::string& key = column->Key;
     if (!column->IsVisible || leadingNumber(key) <= 0 || key == kDyeKey) continue;
     if (!page_.framework().ItemExists(*styles_.m_colColumnStyles, key)) continue;
-    applyBaseStyle(styles_.m_colColumnStyles->Item(key), table_.Col(key), 1, bins_.m_lBinCount);
+    style.SetBaseStyle(styles_.m_colColumnStyles->Item(key));
+    applyToColumn(style, table_.Col(key), 1, bins_.m_lBinCount);
   }
 }
 
-void Analysis::applyBaseStyle(std::int32_t style, std::int32_t col, std::int32_t firstRow,
-                              std::int32_t lastRow) {
-  required(columnStyle_, "Style").SetBaseStyle(style);
+void Analysis::applyToColumn(const GridStyle& style, std::int32_t col, std::int32_t firstRow,
+                             std::int32_t lastRow) {
   table_.InitRange(table_.range(), col, firstRow, col, lastRow);
-  table_.SetStyleRange(table_.range(), *columnStyle_, StyleMode::Override);
+  table_.SetStyleRange(table_.range(), style, StyleMode::Override);
 }
 
 }  // namespace banddesk

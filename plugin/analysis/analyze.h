@@ -53,11 +53,11 @@ class Analysis {
   void run();
   void calculate();
   void initSampleCells();
-  void layDyes(Indicator& indicator);
-  void layDye(std::int32_t dye, std::optional<Columns>& columns, Indicator& indicator);
+  void layDyes(GridStyle& style, Indicator& indicator);
+  void layDye(std::int32_t dye, std::optional<Columns>& columns, GridStyle& style, Indicator& indicator);
   void layBin(std::int32_t row, std::int32_t dye, std::int32_t bin, const Columns& columns);
-  void applyColumnStyles();
-  void applyBaseStyle(std::int32_t style, std::int32_t col, std::int32_t firstRow, std::int32_t lastRow);
+  void applyColumnStyles(GridStyle& style);
+  void applyToColumn(const GridStyle& style, std::int32_t col, std::int32_t firstRow, std::int32_t lastRow);
 
   PageContext& page_;
   LogicalTable& table_;
@@ -74,8 +74,7 @@ class Analysis {
   std::array<std::shared_ptr<BinCalculator>, kDyeCount> m_aoBinCalculators;
   bool m_bWarningActive = false;
   bool m_bWarningAccepted = false;
-  std::shared_ptr<GridStyle> columnStyle_;  // of dye and bin information columns
-  std::vector<std::int32_t> counts_;        // of the bin being laid
+  std::vector<std::int32_t> counts_;  // of the bin being laid
   std::vector<double> heights_;
   std::vector<std::int32_t> resultColumns_;
 };

@@ -31,28 +31,29 @@ class BinCalculator : public Object {
   virtual void SetMaxBinWidth(double nt) = 0;
   virtual void SetYThreshold(double rfu) = 0;
 
+  // Computes the bins from all fragments added so far, in ascending size. May be called again with other
+  // parameters.
+  virtual void Calculate() = 0;
+
+  virtual std::int32_t BinCount() const = 0;
+  // Of one bin, counted from 0; error 9 beyond BinCount. Sizes in nt, heights in RFU.
+  virtual std::int32_t SampleCount(std::int32_t bin) const = 0;
+  virtual double XMax(std::int32_t bin) const = 0;
+  virtual double XMin(std::int32_t bin) const = 0;
+  virtual double XMean(std::int32_t bin) const = 0;
+  virtual double YMean(std::int32_t bin) const = 0;
+  virtual double XVariance(std::int32_t bin) const = 0;  // of the population; 0 for one fragment
+
   // Takes over (by copy) the fragments of one dye of a result. `resultIndex`, 0 or more, is the index under
   // which GetResultData reports the result; a result without fragments is given too. The other arguments are
   // fixed.
   virtual void AddFragments(std::int32_t resultIndex, std::int32_t zero, const FragmentTable& fragments,
                             std::int16_t dye, std::int32_t one, std::int32_t alsoOne) = 0;
 
-  // Computes the bins from all fragments added so far, in ascending size. May be called again with other
-  // parameters.
-  virtual void Calculate() = 0;
-
-  virtual std::int32_t BinCount() const = 0;
-  // Of one bin, counted from 0; error 9 beyond BinCount.
-  virtual std::int32_t SampleCount(std::int32_t bin) const = 0;
   virtual std::int32_t FragmentCount(std::int32_t bin) const = 0;
-  virtual double XMin(std::int32_t bin) const = 0;
-  virtual double XMax(std::int32_t bin) const = 0;
-  virtual double XMean(std::int32_t bin) const = 0;
-  virtual double XVariance(std::int32_t bin) const = 0;  // of the population; 0 for one fragment
-  virtual double YMean(std::int32_t bin) const = 0;
-
   // The count of fragments and the largest height (0 without fragments) of each result in the bin, by result
-  // index. Both vectors are sized to the highest index given plus 1; their storage is reused.
+  // index. Both vectors are sized to the highest index given plus 1; their storage is reused. One that is
+  // shorter than the analysis has results is an error of the calculator.
   virtual void GetResultData(std::int32_t bin, std::vector<std::int32_t>& counts,
                              std::vector<double>& heights) const = 0;
 };

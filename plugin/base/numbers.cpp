@@ -118,6 +118,18 @@ std::int32_t roundToLong(double value) {
 
 std::int32_t toLong(std::string_view text) { return roundToLong(strictNumber(text)); }
 
+std::int32_t addLongs(std::int32_t a, std::int32_t b) {
+  return roundToLong(static_cast<double>(a) + static_cast<double>(b));
+}
+
+float toFloat(double value) {
+  const auto narrowed = static_cast<float>(value);
+  if (!std::isfinite(narrowed)) {
+    raise(ErrorNumber::Overflow, "numbers", "The number " + generalText(value) + " is too large.");
+  }
+  return narrowed;
+}
+
 std::string integerText(std::int64_t value) {
   std::array<char, 24> buffer{};
   const auto result = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value);

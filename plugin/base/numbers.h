@@ -25,6 +25,10 @@ std::int32_t roundToLong(double value);
 // The whole text as a 32-bit integer: strictNumber, then roundToLong.
 std::int32_t toLong(std::string_view text);
 
+// The sum of two counters, and a value as a 32-bit float. Error 6 where they hold no such number.
+std::int32_t addLongs(std::int32_t a, std::int32_t b);
+float toFloat(double value);
+
 std::string integerText(std::int64_t value);
 
 // Up to 15 significant digits, no trailing zeros, exponents as 1E-05 and 1E+15.

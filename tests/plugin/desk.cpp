@@ -26,7 +26,9 @@ class ScriptedCalculator final : public BinCalculator {
     results_ = std::max(results_, result + 1);
   }
   void Calculate() override { desk_->calculated.emplace_back(width_, threshold_); }
-  std::int32_t BinCount() const override { return static_cast<std::int32_t>(desk_->script[dye_].size()); }
+  std::int32_t BinCount() const override {
+    return desk_->claimedBins.value_or(static_cast<std::int32_t>(desk_->script[dye_].size()));
+  }
   std::int32_t SampleCount(std::int32_t bin) const override {
     const auto& counts = at(bin).counts;
     return static_cast<std::int32_t>(counts.size() -
@@ -48,7 +50,7 @@ class ScriptedCalculator final : public BinCalculator {
       for (const auto count : counts) heights.push_back(count == 0 ? 0 : 100);
     }
     counts.resize(static_cast<std::size_t>(results_));
-    heights.resize(static_cast<std::size_t>(results_));
+    heights.resize(static_cast<std::size_t>(results_ - (desk_->omitsLastResult ? 1 : 0)));
   }
 
  private:

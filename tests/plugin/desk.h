@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -34,6 +35,8 @@ struct CalculatorCall {
 // What the calculators of one desk are to answer, and what they were told.
 struct CalculatorDesk {
   Script script;
+  std::optional<std::int32_t> claimedBins;  // what BinCount answers instead
+  bool omitsLastResult = false;
   std::vector<CalculatorCall> added;
   std::vector<std::pair<double, double>> calculated;  // width and threshold of each Calculate
 };

@@ -1,6 +1,7 @@
 // Failures of the host, one at a time, in everything that the plug-in does with it: each level of the call
 // chain reports the same error once, the caller gets it, or the event ends there, and nothing crashes.
 #include <gmock/gmock.h>
+#include <limits>
 #include <set>
 
 #include "tests/plugin/failure_roads.h"
@@ -177,6 +178,39 @@ TEST(Failures, ReportEachLevelOnceAndRestoreNothing) {
   EXPECT_FALSE(other.grid().GridEnabledRedraw());
   EXPECT_TRUE(other.grid().LockUpdate(true));
   EXPECT_GT(other.grid().RowCount(), 4);
+}
+
+TEST(Failures, OfARunNameTheStatementTheyCameFrom) {
+  struct Case {
+    std::function<void(Desk&)> breakIt;
+    ErrorNumber number;
+    std::vector<std::string> chain;
+  };
+  const Error broken(ErrorNumber::DeviceIo, "Grid", "broken");
+  const std::vector<Case> cases = {
+      {[&](Desk& desk) { desk.host.faults().failAt("Grid", "StoreStyleRowCol", 1, broken); },
+       ErrorNumber::DeviceIo,
+       {"StoreStyleRowCol", "CalcBin", "Analyze"}},
+      {[](Desk& desk) { desk.analysis().BinGrid->Columns.Remove("9"); },
+       ErrorNumber::InvalidArgument,
+       {"CellText (Let)", "Analyze"}},
+      {[](Desk& desk) { desk.calculators->omitsLastResult = true; },
+       ErrorNumber::SubscriptOutOfRange,
+       {"CalcBin", "Analyze"}},
+      {[](Desk& desk) { desk.calculators->claimedBins = std::numeric_limits<std::int32_t>::max(); },
+       ErrorNumber::Overflow,
+       {"Analyze"}},
+  };
+  for (const Case& each : cases) {
+    Desk desk(sweptScript());
+    desk.guardGrids();
+    IAFLPResultsPage& page = desk.newAnalysis();
+    desk.forget();
+    each.breakIt(desk);
+    EXPECT_THROW(page.Analyze(true), Error);
+    EXPECT_EQ(chain(desk), each.chain);
+    for (const auto& report : desk.host.framework().reports()) EXPECT_EQ(report.error.number(), each.number);
+  }
 }
 
 TEST(Failures, AskTheDeveloperInDebugModeAndGoOnTheirWay) {
