@@ -38,12 +38,10 @@ bool NtsysExport::print(const std::string& fileName, std::int32_t number, const 
   return files_.attempt(fileName, [&] { page_.platform().Files().Print(number, line); });
 }
 
-// The parameter lines go one by one, so that a retry repeats only the line that failed.
+// A retry repeats only the line that failed.
 bool NtsysExport::writeHead(const std::string& fileName, std::int32_t number) {
-  fill_.m_lParameterRow = table_.grid().RowCount();
-  for (const std::string& text : fill_.parameterLines()) {
-    if (!files_.attempt(fileName, [&] { fill_.addParameter(text, number); })) return false;
-  }
+  const auto retried = [&](const std::function<void()>& write) { return files_.attempt(fileName, write); };
+  if (!fill_.AddParameters(number, retried)) return false;
   return print(
       fileName, number,
       "1 " + integerText(files_.VisibleBinCount()) + "L " + integerText(files_.VisibleSampleCount()) + "L 0");
@@ -77,7 +75,8 @@ std::string NtsysExport::binLabels() {
   return line;
 }
 
-// A column's place in the order of adding is its index into the lines of the analysis.
+// A column's place in the order of adding is its index into the lines of the analysis; a column that no
+// sample stands in reads those of the first.
 std::vector<NtsysExport::SampleColumn> NtsysExport::visibleSamples() const {
   std::unordered_map<std::int32_t, std::int32_t> indexOfCol;
   std::int32_t index = 0;
@@ -86,11 +85,7 @@ std::vector<NtsysExport::SampleColumn> NtsysExport::visibleSamples() const {
   for (std::int32_t col = table_.m_lFirstSampleCol; col <= table_.NumCols(); ++col) {
     if (table_.IsColHidden(col)) continue;
     const auto found = indexOfCol.find(col);
-    if (found == indexOfCol.end()) {
-      raise(ErrorNumber::InvalidArgument, "ExportNTSYSpc",
-            "There is no sample in column " + integerText(col) + ".");
-    }
-    samples.push_back({col, found->second});
+    samples.push_back({col, found == indexOfCol.end() ? 0 : found->second});
   }
   return samples;
 }

@@ -66,34 +66,40 @@ std::string GridFill::dyesText() const {
   return text;
 }
 
-std::vector<std::string> GridFill::parameterLines() const {
+std::string GridFill::optionText() const {
   std::string option;
   for (const ui::OptionButton& button : controls_.optSampleBin) {
     if (button.Value) option = button.Caption;
   }
-  std::vector<std::string> lines{"Name: " + page_.analysis().Name.get(),
-                                 "Study: " + page_.study().Name.get(),
-                                 "Max Bin Width: " + controls_.txtMaxBinWidth.Text.get(),
-                                 "Y Threshold: " + controls_.txtYThreshold.Text.get(),
-                                 "Dyes: " + dyesText(),
-                                 plainCaption(option)};
+  return plainCaption(option);
+}
+
+// The parameter lines as they stand in the boxes now, each read when it is added.
+bool GridFill::eachParameter(const std::function<bool(const std::string& line)>& add) const {
+  const bool areAdded = add("Name: " + page_.analysis().Name.get()) &&
+                        add("Study: " + page_.study().Name.get()) &&
+                        add("Max Bin Width: " + controls_.txtMaxBinWidth.Text.get()) &&
+                        add("Y Threshold: " + controls_.txtYThreshold.Text.get()) &&
+                        add("Dyes: " + dyesText()) && add(optionText());
+  if (!areAdded) return false;
   for (const ui::CheckBox* box :
        {&controls_.chkExcludeFullBins, &controls_.chkExcludeEmptySamples, &controls_.chkShowExcluded}) {
-    if (box->Value == ui::kChecked) lines.push_back(plainCaption(box->Caption));
+    if (box->Value == ui::kChecked && !add(plainCaption(box->Caption))) return false;
   }
-  return lines;
+  return true;
 }
 
-void GridFill::AddParameters(std::int32_t target) {
-  page_.frame.procedure("AddParameters", [&] {
+bool GridFill::AddParameters(std::int32_t target, const LineWriter& writer) {
+  return page_.frame.procedure("AddParameters", [&] {
     m_lParameterRow = table_.grid().RowCount();
     if (target < 0) AddLine("", target, kLineWhite);
-    for (const std::string& line : parameterLines()) AddLine(line, target, kLineWhite);
+    return eachParameter([&](const std::string& line) {
+      const auto write = [&] { AddLine(line, target, kLineWhite); };
+      if (writer) return writer(write);
+      write();
+      return true;
+    });
   });
-}
-
-void GridFill::addParameter(const std::string& line, std::int32_t target) {
-  page_.frame.procedure("AddParameters", [&] { AddLine(line, target, kLineWhite); });
 }
 
 void GridFill::RemoveParameters() {

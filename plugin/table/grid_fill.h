@@ -4,8 +4,8 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
-#include <vector>
 
 #include "plugin/table/logical_table.h"
 #include "plugin/table/page_controls.h"
@@ -25,18 +25,19 @@ class GridFill {
   std::int32_t m_lParameterRow = 0;  // the grid's rows before the block; 0 without a block
 
   void InitGrid();
-  void AddParameters(std::int32_t target);
+  // Runs one line's writing, again if need be; false ends the work. By default a line is written once.
+  using LineWriter = std::function<bool(const std::function<void()>& write)>;
+
+  // Line after line, so that one that fails leaves those before it. False if the writer ended it.
+  bool AddParameters(std::int32_t target, const LineWriter& writer = nullptr);
   void RemoveParameters();
   void AddResults(std::int32_t target);
   void AddLine(const std::string& text, std::int32_t target, Colour colour);
 
-  // One of those lines, as a writer that repeats single lines hands it over.
-  void addParameter(const std::string& line, std::int32_t target);
-  // The parameter lines as they stand in the boxes now.
-  std::vector<std::string> parameterLines() const;
-
  private:
+  bool eachParameter(const std::function<bool(const std::string& line)>& add) const;
   std::string dyesText() const;
+  std::string optionText() const;
 
   PageContext& page_;
   LogicalTable& table_;
