@@ -31,7 +31,7 @@ std::vector<std::int32_t> BinStatistics::resultColumns() const {
   places.reserve(static_cast<std::size_t>(analysis.Results.Count()));
   for (const auto& result : analysis.Results) {
     const std::string key = sampleKey(result->ResultID);
-    places.push_back(columns.holdsKey(key) ? table_.Col(key) : 0);
+    places.push_back(page_.framework().ItemExists(columns, key) ? table_.Col(key) : 0);
   }
   return places;
 }

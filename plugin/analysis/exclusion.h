@@ -1,10 +1,9 @@
 // What excluded bins and samples do to the table. Three words are kept apart:
 // - excluded: a bin or sample is marked, by hand or by a filter;
-// - suppressed: the exclusion is in force, after the hand's overrides (bins), or either mark is set
-// (samples);
+// - suppressed: the exclusion is in force: for bins after the user's overrides, for samples if either mark is
+//   set;
 // - hidden: the grid does not show the row or column. Suppressed elements are grey, and hidden only while
-// excluded elements
-//   are not shown; rows of unchecked dyes are hidden and not grey.
+//   excluded elements are not shown; rows of unchecked dyes are hidden and not grey.
 //
 // Two filters mark: bins in which every remaining sample has a fragment, and samples without a fragment in
 // any remaining bin. Each changes what the other sees, so with both on they take turns until nothing changes.
@@ -39,11 +38,11 @@ class Exclusion {
   // Applies the hidden state of rows again after a sort. A negative dye stands for all. It looks at the
   // filter's mark alone: a bin brought back by hand is hidden by it.
   void HideDyes(std::int32_t dye);
+
+ private:
   // Neither mark is set and the bin's dye is not unchecked. A bin brought back by hand counts as invalid
   // while the filter's mark holds.
   bool IsValidBin(std::int32_t bin) const;
-
- private:
   void HideFullBins(bool& changed);
   void HideEmptySamples(bool& changed);
   std::vector<std::uint8_t> remainingSamples() const;

@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "plugin/base/numbers.h"
+#include "plugin/base/text.h"
 #include "plugin/table/page_guards.h"
 
 namespace banddesk {
@@ -77,7 +78,7 @@ void AFLPResultsPage::UserControl_Resize(double scaleWidth, double scaleHeight) 
 }
 
 void AFLPResultsPage::resizeControl(ui::Control& control, std::int32_t delta) {
-  if (control.Name() == "grdAFLP") {
+  if (equalsIgnoringCase(control.Name(), "grdAFLP")) {
     resizeGrid(delta);
   } else if (control.hasPlace()) {
     control.Top = control.Top + delta;
