@@ -19,15 +19,16 @@
 namespace banddesk {
 
 // ---- The classes that the host creates by name
-// ----------------------------------------------------------------------
 
 class IAFLPService : public Object, public IServiceAccess {
  public:
+  // Each hands over to the folder of the explorer; nothing happens without one. Where no study is open,
+  // NewAFLP tells the user so and does nothing.
   virtual void NewAFLP() = 0;
   virtual void OpenAFLP(const std::shared_ptr<AFLP>& analysis) = 0;
   virtual void DeleteAFLP(const std::shared_ptr<AFLP>& analysis) = 0;
   virtual void RenameAFLP(const std::shared_ptr<AFLP>& analysis) = 0;
-  virtual PersistentCollection<AFLP>* AFLPs() = 0;  // null without a folder
+  virtual PersistentCollection<AFLP>* AFLPs() = 0;  // the study's; null without a folder
 };
 
 class IAFLPExplorerItem : public IExplorerItemAccess {
@@ -65,63 +66,90 @@ class IAFLPParamsPage : public IPageControl {};
 
 class IAFLPResultsPage : public IPageControl {
  public:
-  // The logical table: bins in rows, bin information and samples in columns, whichever way the grid shows it.
+  // ---- the logical table: bins in rows, bin information and samples in columns, whichever way the grid shows
+  // it. Rows and columns are logical and count from 1; 0 is the header. A `key` names a column: "6", "7", "8",
+  // "119", "9", "10", "83", "84", "85" for bin information, "-" and a ResultID for a sample. What fails is
+  // reported and raised; a key that no column has is error 5, a key that is no number error 13. Answers of
+  // type bool are the grid's: whether it took the change.
+
+  // Writes visibility, header, tool tip and key of each of the layout's columns into the grid. Error
+  // 0x80040000 without a grid or a layout.
   virtual void Init(const std::shared_ptr<GridLayout>& layout) = 0;
+  // The analysis' layout of samples for a key below 0, else that of bin information; both belong to the analysis.
   virtual std::shared_ptr<GridLayout> ColumnSet(std::string_view key) = 0;
   virtual std::int32_t Col(std::string_view key) = 0;
-  virtual std::string Key(std::int32_t col) = 0;
+  virtual std::string Key(std::int32_t col) = 0;  // "0" of a column that has none
+  // The bin that a row holds, 1 to the number of bins, dye after dye; sorting moves bins to other rows.
   virtual std::int32_t Bin(std::int32_t row) = 0;
   virtual void SetBin(std::int32_t row, std::int32_t bin) = 0;
   virtual std::int32_t NumCols() = 0;
   virtual void SetNumCols(std::int32_t count) = 0;
   virtual std::int32_t NumRows() = 0;
   virtual void SetNumRows(std::int32_t count) = 0;
+  // The live text of a cell, which becomes the current one; `index` is a row here and below.
   virtual std::string CurrentCellText(std::string_view key, std::int32_t index) = 0;
   virtual std::string CellText(std::string_view key, std::int32_t index) = 0;
   virtual void SetCellText(std::string_view key, std::int32_t index, std::string_view text) = 0;
   virtual void SetCellToolTip(std::string_view key, std::int32_t index, std::string_view text) = 0;
   virtual std::string CellUserAttribute(std::string_view key, std::int32_t index) = 0;
   virtual void SetCellUserAttribute(std::string_view key, std::int32_t index, std::string_view text) = 0;
+  // Sets a range to logical bounds, as physical ones.
   virtual void InitRange(GridRange& range, std::int32_t startCol, std::int32_t startRow, std::int32_t endCol,
                          std::int32_t endRow) = 0;
+  // The range is physical: from InitRange, or meant so.
   virtual bool SetStyleRange(const GridRange& range, const GridStyle& style, StyleMode mode) = 0;
   virtual bool StoreStyleRowCol(std::int32_t row, std::int32_t col, const GridStyle& style, StyleMode mode,
                                 std::int32_t type) = 0;
+  // The selected columns (`axis` 1) or rows (any other), without hidden ones, each once; it belongs to the
+  // caller. `raw` 0 gives columns by the number of their key and rows by their bin, any other value gives
+  // indexes. Without a selection: the cell of the last right click; for `raw` 0 the key of the column with its
+  // number, be it of a row.
   virtual std::shared_ptr<Collection<std::int32_t>> GetSelected(std::int32_t axis, std::int32_t raw) = 0;
   virtual bool IsColHidden(std::int32_t col) = 0;
   virtual bool IsRowHidden(std::int32_t row) = 0;
+  // From start to end; nothing where the end lies before the start.
   virtual bool HideCols(std::int32_t startCol, std::int32_t endCol, bool hide) = 0;
   virtual bool HideRows(std::int32_t startRow, std::int32_t endRow, bool hide) = 0;
   virtual bool RemoveRows(std::int32_t from, std::int32_t to) = 0;
 
-  // The finished table as records.
+  // ---- the finished table as records, made anew by each call and the caller's own
+  // One for each visible row, in the order of the rows; the current cell moves. Behind a hidden sample column
+  // the results of a bin are read one place to the left of their own.
   virtual std::shared_ptr<Collection<std::shared_ptr<banddesk::Bin>>> Bins() = 0;
+  // One for each visible sample, in the order of the results.
   virtual std::shared_ptr<Collection<std::shared_ptr<AFLPStudyResult>>> AFLPStudyResults() = 0;
 
-  // Work on the table.
+  // ---- work on the table. After a failure the grid stays locked as the failing step left it.
+  // Runs the analysis with the two parameters as they stand; without `force` only if one has changed. Nothing
+  // happens with a bad parameter, without results, or if the user keeps the decisions that would be lost.
   virtual void Analyze(bool force) = 0;
-  virtual bool Transpose() const = 0;
+  virtual bool Transpose() const = 0;  // whether samples run along rows
   virtual void SetTranspose(bool transposed) = 0;
+  // Sorts the sample columns by a row, or the rows by a column: ascending at first, the other way round when
+  // it was sorted before.
   virtual void SortRow(std::int32_t row) = 0;
   virtual void SortCol(std::int32_t col) = 0;
+  // Excludes a sample's column or hides one of bin information, or takes it back. Gives the column's key. The
+  // filters do not run.
   virtual std::string ExcludeColumn(std::int32_t col, bool exclude) = 0;
-  virtual bool AnyManualExclusions() = 0;
-  virtual std::int32_t LockedCol() = 0;
+  virtual bool AnyManualExclusions() = 0;  // of bins; samples do not count
+  virtual std::int32_t LockedCol() = 0;    // 0 without one; columns up to it do not scroll
   virtual void SetLockedCol(std::int32_t col) = 0;
 
-  // Output.
-  virtual void Export() = 0;
+  // ---- output. Files are written at once and anew; where another program holds one, the user may try again.
+  // Errors are those of the file. The last three rebuild the table by an analysis, and decisions about bins are
+  // lost with that, if the user agrees.
+  virtual void Export() = 0;  // asks for name and type
   virtual void ExportCSV(const std::string& fileName) = 0;
   virtual void ExportNTSYSpc(const std::string& fileName) = 0;
-  virtual void ExportExcel(const std::string& fileName) = 0;
-  virtual void CopyGrid() = 0;
-  virtual void PrintGrid(bool color) = 0;
   virtual std::int32_t VisibleBinCount() = 0;
   virtual std::int32_t VisibleSampleCount() = 0;
+  virtual void ExportExcel(const std::string& fileName) = 0;
+  virtual void CopyGrid() = 0;             // to the clipboard
+  virtual void PrintGrid(bool color) = 0;  // false: black and white
 };
 
 // ---- The component's entry points
-// -----------------------------------------------------------------------------------
 
 // Makes objects of one class. "AFLPService", "AFLPExplorerFolder", "AFLPExplorerItem", "AFLPParamsPage" and
 // "AFLPResultsPage" are offered; each can be cast to the interface of its name.

@@ -36,9 +36,8 @@ class Property {
     return *this;
   }
 
-  operator const T&() const {
-    return value_;
-  }  // NOLINT(google-explicit-constructor): reads as the field it is
+  // NOLINTNEXTLINE(google-explicit-constructor): reads as the field it is
+  operator const T&() const { return value_; }
   const T& get() const { return value_; }
   const char* name() const { return name_; }
 

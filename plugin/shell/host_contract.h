@@ -24,7 +24,6 @@
 namespace banddesk {
 
 // ---- Framework
-// ------------------------------------------------------------------------------------------------------
 
 class Framework : public ErrorReporter {
  public:
@@ -56,7 +55,6 @@ class Progress {
 };
 
 // ---- Services
-// -------------------------------------------------------------------------------------------------------
 
 // A command of a service or an explorer item. Visible may be absent, which counts as not visible.
 class Command : public Object, public PropertyOwner {
@@ -139,7 +137,6 @@ class IServiceAccess {
 };
 
 // ---- Pages and explorer
-// ---------------------------------------------------------------------------------------------
 
 class Page : public Object {
  public:
@@ -234,7 +231,6 @@ class Application {
 };
 
 // ---- Study and objects
-// ----------------------------------------------------------------------------------------------
 
 class Options {
  public:
@@ -285,7 +281,6 @@ class GridUtilities {
 };
 
 // ---- What the component is handed
-// -----------------------------------------------------------------------------------
 
 // Bumped whenever a contract changes its shape; host and component must have been built with the same one.
 inline constexpr std::uint32_t kContractStamp = 4;
