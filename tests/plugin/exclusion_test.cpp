@@ -348,7 +348,7 @@ TEST(Warning, HasItsTextsAndHelpUnlessAPressCameBefore) {
               "Do not show this dialog in the future");
     for (const bool pressed : {true, false, false, true}) {
       if (pressed) form.MouseDown();
-      form.MouseUp();
+      form.MouseUp(nullptr);
       helps.push_back(platform.help().size());
     }
     auto& box = *form.Controls().find<ui::CheckBox>("chkDontShow");

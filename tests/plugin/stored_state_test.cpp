@@ -247,5 +247,24 @@ TEST(Stored, APageFollowsTheStudyTheNameAndItsResults) {
   EXPECT_EQ(page.Transpose(), false);
 }
 
+// What waits when a column page opens would work on its half-made choice.
+TEST(Stored, NothingRunsBelowTheSelectionOfColumns) {
+  Desk desk({{0, {{100, {1, 1, 0}}, {200, {1, 0, 1}}, {300, {1, 1, 1}}}}});
+  desk.newAnalysis();
+  desk.host.pages().selectColumns = [&](host::ColumnSelection& selection) {
+    EXPECT_FALSE(desk.wait());
+    selection.entries[2].isVisible = false;
+    return true;
+  };
+  desk.control<ui::CheckBox>("chkExcludeFullBins").click();
+  desk.chooseAt(0, 12, "mnuSelectColumns");
+  for (const bool isSettled : {false, true}) {
+    EXPECT_TRUE(desk.analysis().SampleGrid->Columns.Item("-3")->IsExcluded) << isSettled;
+    EXPECT_TRUE(desk.page().IsColHidden(desk.page().Col("-3"))) << isSettled;
+    EXPECT_FALSE(desk.page().IsColHidden(desk.page().Col("-1"))) << isSettled;
+    EXPECT_EQ(desk.wait(), !isSettled);
+  }
+}
+
 }  // namespace
 }  // namespace banddesk::test
