@@ -131,7 +131,10 @@ TEST(DelayedWork, IsForgottenWhenItHasRun) {
   desk.wait();
   EXPECT_EQ(runs(desk), 1U);
   desk.control<ui::TextBox>("txtMaxBinWidth").Text = "3";
-  desk.control<ui::CheckBox>("chkShowExcluded").click();
+  for (const char* box : {"chkShowExcluded", "chkExcludeFullBins", "chkShowWellID"}) {
+    desk.control<ui::CheckBox>(box).click();
+  }
+  desk.control<ui::OptionButton>("optSampleBin(1)").Value = true;
   desk.wait();
   EXPECT_EQ(runs(desk), 1U);
 }
