@@ -115,7 +115,6 @@ void StoreLines(benchmark::State& state) {
   for (std::int32_t col = 1; col <= kCols; ++col) line.push_back({col, col % 13, 1 + col % 3});
   onFilledGrid(state, [&](GridControl& grid, std::int32_t) {
     LineStep step{};
-    LineStep step{};
     for (std::int32_t row = 1; row <= kRows; ++row) grid.StoreLine(Axis::Rows, row, line, step);
   });
 }
