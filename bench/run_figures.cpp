@@ -90,6 +90,7 @@ std::vector<std::pair<const runs::Peak*, const OtherPeak*>> match(const std::vec
                                                                   const std::vector<OtherPeak>& others) {
   std::vector<std::pair<const runs::Peak*, const OtherPeak*>> pairs;
   std::vector<const OtherPeak*> free;
+  free.reserve(others.size());
   for (const OtherPeak& other : others) free.push_back(&other);
   for (int distance = 0; distance <= kSamePeakScans; ++distance)
     for (const runs::Peak& peak : own) {

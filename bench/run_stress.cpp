@@ -81,6 +81,7 @@ StressFigures stressFigures(const Stress& stress, const runs::SizeStandard& stan
   std::vector<runs::LadderAssignment> ladders;
   for (const auto& work : works)
     if (work.ladder().quality == runs::LadderQuality::Sized) ladders.push_back(work.ladder());
+  good.reserve(ladders.size());
   for (const auto& ladder : ladders) good.push_back(&ladder);
   for (std::size_t i = 0; i < runs; ++i) {
     if (isOneRun && works[i].ladder().quality != runs::LadderQuality::Sized) works[i].askNeighbours(good);
