@@ -202,12 +202,11 @@ void QualityPanel::showPairs(const host::ShownTable& table, const host::TableQua
   if (!quality.replicates || replicates.pairs.empty())
     return replicates_->setText(QStringLiteral("No shown sample's name ends so beside one without it."));
   const host::ReplicateQuality& of = *quality.replicates;
-  replicates_->setText(
-      QStringLiteral("%1. Jaccard error: %2 on average, standard deviation %3; all pairs "
-                     "pooled %4. Mismatch error: %5")
-          .arg(counted(replicates.pairs.size(), "pair", "pairs"))
-          .arg(percent(of.jaccardError.mean), percent(of.jaccardError.deviation),
-               percent(of.overall.jaccardError()), percent(of.overall.mismatchError())));
+  replicates_->setText(QStringLiteral("%1. Jaccard error: %2 on average, standard deviation %3; all pairs "
+                                      "pooled %4. Mismatch error: %5")
+                           .arg(counted(replicates.pairs.size(), "pair", "pairs"))
+                           .arg(percent(of.jaccardError.mean), percent(of.jaccardError.deviation),
+                                percent(of.overall.jaccardError()), percent(of.overall.mismatchError())));
   for (const host::PairQuality& pair : quality.replicates->pairs) {
     addLine(*pairs_,
             {toQString(table.samples[pair.samples.first]), toQString(table.samples[pair.samples.second]),

@@ -63,7 +63,7 @@ const std::vector<Module> modules = {
     {"pages", {"desktop/pages/"}, {"controls"}},
     {"grid view", {"desktop/grid/"}, {"desktop base"}},
     {"print", {"desktop/print/"}, {"dialogs"}},
-    {"views", {"desktop/views/"}, {"desktop base"}},
+    {"views", {"desktop/views/"}, {"dialogs"}},
     {"quality panel", {"desktop/quality/"}, {"desktop base"}},
     {"app", {"desktop/app/"}, {"framework"}},
     {"window",
