@@ -44,6 +44,7 @@ std::shared_ptr<const TablePlace> viewOf(const HostPage& page) {
 void show(const TablePlace& view, const HostPage& page) {
   GridControl* const grid = gridOf(page);
   if (grid == nullptr) return;
+  grid->Redraw(2.0);  // what the new table hides was hidden before, too, and stays in the selection
   grid->SetCurrentCell(view.currentRow, view.currentCol);
   bool adds = false;
   for (const Block& block : view.selection)

@@ -6,11 +6,13 @@
 #include <gmock/gmock.h>
 
 #include "tests/plugin/desk.h"
+#include "tests/support/test_folder.h"
 
 namespace banddesk::host {
 namespace {
 
 using test::Desk;
+using test::testFolder;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::SizeIs;
@@ -75,11 +77,7 @@ class Kept : public testing::Test {
   Desk desk;
   PageKeeper& keeper = desk.host.keepTablesWhole();
   std::vector<std::string> lines;
-  std::string folder = [] {
-    std::string pattern = (std::filesystem::temp_directory_path() / "banddesk-keeper-XXXXXX").string();
-    return std::string(::mkdtemp(pattern.data()));
-  }();
-  ~Kept() override { std::filesystem::remove_all(folder); }
+  std::string folder = testFolder().string();
 };
 
 TEST_F(Kept, TakesTheStateAndLeavesTheAnalysisAsItStood) {

@@ -135,7 +135,7 @@ TEST_F(TextFile, TakesItsPlaceOnlyWhenItIsWhole) {
 TEST(Platform, AsksAgainUntilTheFileCanBeWritten) {
   FaultInjector faults;
   HostPlatform platform(faults, "UTF-8", '.');
-  const auto folder = fs::temp_directory_path();
+  const fs::path folder = test::testFolder();
   std::deque<std::string> files = {"/proc/none/a.csv", folder.string(), "study", (folder / "a.csv").string()};
   platform.whyNotInto = [](const std::string& file) { return file == "study" ? "it is open" : ""; };
   platform.onShowSave = [&](ui::SaveDialog&) {
