@@ -27,8 +27,6 @@ void GridControl::keepViewInside() {
   selection_.cutTo(rows_.count, cols_.count);
   topRow_ = std::clamp(topRow_, 1, std::max(rows_.count, 1));
   leftCol_ = std::clamp(leftCol_, 1, std::max(cols_.count, 1));
-  currentRow_ = std::clamp(currentRow_, 0, std::max(rows_.count, 0));
-  currentCol_ = std::clamp(currentCol_, 0, std::max(cols_.count, 0));
 }
 
 void GridControl::discard(Axis which, std::int32_t from, std::int32_t to) {

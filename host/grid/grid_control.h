@@ -2,6 +2,7 @@
 // does, as calls of a view or a test. It draws nothing itself; a view paints anew at each Repaint.
 #pragma once
 
+#include <algorithm>
 #include <memory>
 #include <optional>
 #include <string>
@@ -132,8 +133,9 @@ class GridControl final : public Grid, private GridData, private GridParameters,
   const LineAxis& rowAxis() const { return rows_; }
   const LineAxis& colAxis() const { return cols_; }
   std::int32_t colWidth(std::int32_t col) const { return cols_.width(col); }
-  std::int32_t currentRow() const { return currentRow_; }
-  std::int32_t currentCol() const { return currentCol_; }
+  // Never beyond the table. A table that shrinks and grows again, as one made anew does, keeps its current cell.
+  std::int32_t currentRow() const { return std::min(currentRow_, std::max(rows_.count, 1)); }
+  std::int32_t currentCol() const { return std::min(currentCol_, std::max(cols_.count, 1)); }
   bool isEditing() const { return edit_.has_value(); }
   // How many rows and columns the view shows at once; a new current cell scrolls into them.
   void setViewSize(std::int32_t rows, std::int32_t cols);
