@@ -81,9 +81,11 @@ void Grid::ExchangeAxes(std::int64_t every, const CellsExchanged& done) {
       if (!isInSquare || col > row) {
         data.GetStyleRowCol(row, col, own, StyleMode::Copy, kCellStyle);
         if (isInSquare) {
+          // NOLINTNEXTLINE(readability-suspicious-call-argument): rows and columns change places
           data.GetStyleRowCol(col, row, other, StyleMode::Copy, kCellStyle);
           data.StoreStyleRowCol(row, col, other, StyleMode::Copy, kCellStyle);
         }
+        // NOLINTNEXTLINE(readability-suspicious-call-argument): rows and columns change places
         data.StoreStyleRowCol(col, row, own, StyleMode::Copy, kCellStyle);
       }
       if (++cells % every == 0) done(cells);
