@@ -104,7 +104,7 @@ TEST(HelpWindowTest, ShowsTheTopicsHeadingGoesBackAndFindsText) {
   EXPECT_EQ(contents->currentItem()->text(), QStringLiteral("The results"));
   window.findChild<QTextBrowser*>()->backward();
   EXPECT_EQ(contents->currentRow(), 0);
-  contents->setCurrentRow(2);
+  contents->setCurrentRow(3);
   EXPECT_EQ(window.browser().source().fileName(), QStringLiteral("new-analysis.md"));
   auto* search = window.findChild<QLineEdit*>();
   QTest::keyClicks(search, QStringLiteral("scatter"));

@@ -203,7 +203,8 @@ TEST_F(Window, OpensAPageAnewThatItsOwnProcedureLeftHalfMade) {
   EXPECT_EQ(pages().currentIndex(), 0);
   EXPECT_EQ(pages().currentPage(), host().pages().find("AFLP", analysis));
   EXPECT_THAT(desktop::toText(window.statusBar()->currentMessage()), HasSubstr("opened anew"));
-  EXPECT_FALSE(desktop::buttonCalled(pages(), "Reopen the page").isVisible());
+  for (const auto* button : pages().findChildren<QPushButton*>())
+    EXPECT_FALSE(button->text().contains(QStringLiteral("Reopen")) && button->isVisible());
 }
 
 TEST_F(Window, ListsAFailureOnceAndOpensTheLockedPageAnew) {

@@ -196,7 +196,7 @@ TEST(Item, TakesNamesOfUpToFiftyCharactersAndRetitlesThePage) {
     desk.host.runCommand(item, "RenameAFLP");
     EXPECT_EQ(node.edited, before) << "the edit begins with the stored name";
     node.base->SetText(c.name);  // what was typed stands in the tree
-    desk.host.tree().endRename(item, c.name);
+    node.base->OnAfterRename.raise(c.name);
     EXPECT_EQ(desk.analysis().Name.get(), c.isTaken ? c.name : before);
     EXPECT_EQ(desk.pageNamed("AFLP")->Caption(), "AFLP - " + desk.analysis().Name.get());
     EXPECT_EQ(node.base->displayName(), desk.analysis().Name.get());

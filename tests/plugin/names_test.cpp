@@ -90,7 +90,7 @@ std::vector<Chain> tableChains() {
       {"Grid", "GetUserAttribute", [](Desk& d) { page(d).LockedCol(); }, "Key|LockedCol (Get)|"},
       {"Grid", "FrozenCols", [](Desk& d) { page(d).SetLockedCol(2); }, "SetFrozenCols|LockedCol (Let)|"},
       {"Grid", "UnfreezeCols", [](Desk& d) { page(d).SetLockedCol(0); }, "UnfreezeGridCols|LockedCol (Let)|"},
-      {"Grid", "ExchangeAxes", [](Desk& d) { page(d).SetTranspose(true); }, "Transpose (Let)|"},
+      {"Grid", "IsRowHidden", [](Desk& d) { page(d).SetTranspose(true); }, "Transpose (Let)|"},
       {"Grid", "ColHeaderStyle", [](Desk& d) { page(d).SetTranspose(true); },
        "TransposeRowColStyles|Transpose (Let)|"},
       {"Grid", "SortColumns", [](Desk& d) { page(d).SortRow(1); }, "SortRow|"},

@@ -50,7 +50,7 @@ std::vector<Work> works() {
       {"resize", [](Desk& desk) { desk.page().UserControl_Resize(500, 700); }, 1, Pointer::Stays},
       {"sort page", sortPage(true), 1, Pointer::Stays},
       {"sort page cancelled", sortPage(false), 0, Pointer::Stays},
-      {"column page", selectColumns, 1, Pointer::Hourglass},
+      {"column page", selectColumns, 2, Pointer::Hourglass},
       {"exclude bin", menu(2, 1, "mnuExcludeBin"), 1, Pointer::Hourglass},
       {"exclude column", menu(0, 11, "mnuExcludeColumn"), 1, Pointer::Hourglass},
       {"styles", menu(2, 11, "mnuFormatCell"), 1, Pointer::Stays},
