@@ -42,6 +42,7 @@ const std::vector<Module> modules = {
     {"grid", {"host/grid/"}, {"contracts"}},
     {"binning", {"host/binning/"}, {"contracts"}},
     {"quality", {"host/quality/"}, {"contracts"}},
+    {"scoring", {"host/scoring/"}, {"quality"}},
     {"simulation", {"host/simulation/"}, {"contracts"}},
     {"runs", {"host/runs/"}, {}},
     {"import", {"host/import/"}, {"contracts", "runs"}},
