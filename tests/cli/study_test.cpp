@@ -180,6 +180,13 @@ TEST(StudyFiles, SayInOneLineWhatIsWrongAndStayAsTheyWere) {
   ok({"analyze", study, "--name", "Two"});
   writeFile(in("cut.study"), readFile(study).substr(0, 20'000));
   ok({"new", in("empty.study")});
+  fs::copy_file(study, in("twice.study"));
+  {
+    host::SqliteStore store(in("twice.study"));
+    host::AnalysisSnapshot second = store.readAnalysis(store.analysisIds().back());
+    second.name = "one";
+    store.writeAnalysis(second);
+  }
   const std::string before = readFile(study);
   const std::vector<std::pair<Arguments, std::string>> cases = {
       {{"new", study}, "such a file already"},
@@ -191,6 +198,7 @@ TEST(StudyFiles, SayInOneLineWhatIsWrongAndStayAsTheyWere) {
       {{"list", in("t.txt")}, "it is no study"},
       {{"export", study, "--csv", in("x.csv")}, "several analyses"},
       {{"export", study, "--name", "Three", "--csv", in("x.csv")}, "no analysis named \"Three\""},
+      {{"export", in("twice.study"), "--name", "One", "--csv", in("x.csv")}, "2 analyses named \"One\""},
       {{"export", study, "--name", "One"}, "say what to write"},
       {{"report", study, "--name", "One", in("no/r.html")}, "no/r.html"},
       {{"analyze", study, in("t.txt")}, "analysed alone"},

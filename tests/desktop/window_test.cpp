@@ -329,6 +329,17 @@ TEST_F(Window, ActsOnTheAnalysisThatTheUserIsAt) {
   EXPECT_FALSE(action("&New AFLP Analysis")->isVisible());
 }
 
+TEST_F(Window, KeepsTheChoiceNotToBeWarnedForAllStudiesAndTakesItBackInTheMenu) {
+  host().study().options().SetShowInclusionWarning(false);
+  desktop::Workbench other{desktop::desktopGridPorts()};
+  const desktop::MainWindow second(other);
+  EXPECT_FALSE(other.host().study().options().ShowInclusionWarning());
+  for (QAction* each : second.findChildren<QAction*>()) {
+    if (each->text() == QStringLiteral("&Warn before Decisions Are Lost")) each->trigger();
+  }
+  EXPECT_TRUE(other.host().study().options().ShowInclusionWarning());
+}
+
 TEST_F(Window, ShowsAResultOfTheExplorerWithItsPlot) {
   Q_EMIT tree().itemActivated(itemNamed("Plant & 0"), 0);
   QTest::qWait(0);
