@@ -27,12 +27,14 @@ if(BANDDESK_HAS_UNIQUE_VTABLES)
   target_compile_options(banddesk_options INTERFACE -fno-assume-unique-vtables)
 endif()
 # A fault that gets through ends the program instead of doing somebody's will: checked copies, guarded stacks,
-# read-only jump tables, addresses that differ from run to run, checked indexes of the standard library.
+# read-only jump tables, addresses that differ from run to run, checked indexes of the standard library. Copies can
+# be checked in optimised code alone, which the tests' own sources are not.
 include(CheckPIESupported)
 check_pie_supported()
 if(CMAKE_BUILD_TYPE STREQUAL "Release" AND NOT BANDDESK_SANITIZE)
-  target_compile_options(banddesk_options INTERFACE -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2 -D_GLIBCXX_ASSERTIONS -fstack-protector-strong
-                         -fstack-clash-protection)
+  target_compile_options(banddesk_options INTERFACE -U_FORTIFY_SOURCE
+    $<$<NOT:$<BOOL:$<TARGET_PROPERTY:BANDDESK_IS_TEST>>>:-D_FORTIFY_SOURCE=2> -D_GLIBCXX_ASSERTIONS -fstack-protector-strong
+    -fstack-clash-protection)
   target_link_options(banddesk_options INTERFACE -Wl,-z,relro,-z,now)
 endif()
 if(BANDDESK_SANITIZE)
