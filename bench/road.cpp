@@ -137,7 +137,6 @@ IAFLPResultsPage& Road::page() {
 }
 
 void Road::excludeBin(std::int32_t row) {
-  host_->platform().popupAnswers.push_back([](ui::MenuItem&, ui::MenuItem*) {});
   page().Transpose() ? grid().rightClick(1, row) : grid().rightClick(row, 1);
   control<ui::MenuItem>("mnuExcludeBin").choose();
 }

@@ -24,18 +24,31 @@ host::HostSettings settings() {
 
 }  // namespace
 
+ui::BoxAnswer SessionFront::showMessage(const host::MessageShown& message) {
+  ++messages;
+  return CarefulFront::showMessage(message);
+}
+
+void SessionFront::runForm(ui::Form& form) {
+  ++forms;
+  form.UnloadMe();
+}
+
 Session::Session(std::function<void(double)> onProgress) : host_(settings()) {
+  connections_.push_back(host_.seat().take(front_));
   if (onProgress) {
-    host_.progress().onChange = [tell = std::move(onProgress)](const host::HostProgress& progress) {
-      if (progress.Maximum() > 0) tell(progress.Position() / progress.Maximum());
-    };
+    connections_.push_back(
+        host_.progress().Changed.connect([tell = std::move(onProgress)](const host::HostProgress& progress) {
+          if (progress.Maximum() > 0) tell(progress.Position() / progress.Maximum());
+        }));
   }
   host::PageKeeper& keeper = host_.keepTablesWhole();
-  keeper.onReopened = [this](host::HostPage&, const std::string& line) {
+  connections_.push_back(keeper.Reopened.connect([this](host::HostPage&, const std::string& line) {
     takePage();
     reopened_ = line;
-  };
-  keeper.onLeftHalfMade = [this](const host::HostPage&, const std::string& line) { reopened_ = line; };
+  }));
+  connections_.push_back(keeper.LeftHalfMade.connect(
+      [this](const host::HostPage&, const std::string& line) { reopened_ = line; }));
   host_.loadComponent();
 }
 
@@ -116,7 +129,6 @@ void Session::decide(const AnalysisRequest& request) {
 // A right click on a cell, and one item of the menu that pops up.
 void Session::chooseFromMenu(std::int32_t row, std::int32_t col, const char* item) {
   act([&] {
-    host_.platform().popupAnswers.push_back([&](ui::MenuItem&, ui::MenuItem*) {});
     grid().clickCell(row, col);
     grid().rightClick(row, col);
     control<ui::MenuItem>(page_->Controls(), item).choose();
@@ -240,10 +252,10 @@ void Session::exportXlsx(const std::filesystem::path& path) {
 }
 
 void Session::exportBy(const std::filesystem::path& path, std::int32_t filterIndex) {
-  host_.platform().saveAnswers.push_back(host::SaveAnswer{path.string(), filterIndex});
-  const std::size_t messagesBefore = host_.platform().messages().size();
+  front_.file = host::SaveAnswer{path.string(), filterIndex};
+  front_.messages = 0;
   procedure([&] { page_->Export(); });
-  if (host_.platform().messages().size() > messagesBefore) {
+  if (front_.messages > 0) {
     raise(ErrorNumber::PermissionDenied, "Export", "it cannot be written: permission denied");
   }
 }

@@ -5,8 +5,10 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "cli/analysis_request.h"
@@ -14,6 +16,26 @@
 #include "host/grid/grid_control.h"
 
 namespace banddesk::cli {
+
+// Answers for a command: what it was told before, else carefully. It keeps what it was asked.
+class SessionFront final : public host::CarefulFront {
+ public:
+  ui::BoxAnswer showMessage(const host::MessageShown& message) override;
+  std::optional<host::SaveAnswer> askWhereToSave(ui::SaveDialog&) override {
+    return std::exchange(file, std::nullopt);
+  }
+  void runForm(ui::Form& form) override;
+  host::StaleAnalysis decideStale(std::shared_ptr<AFLP>&) override { return stale; }
+  void showReport(const host::ReportRequest&, const std::function<std::string()>& makePage) override {
+    report = makePage();
+  }
+
+  std::optional<host::SaveAnswer> file;  // for the next save dialog
+  host::StaleAnalysis stale = host::StaleAnalysis::OpenAsStored;
+  std::string report;  // the last one, as an HTML page
+  int messages = 0;
+  int forms = 0;  // each was closed without a choice
+};
 
 class Session {
  public:
@@ -70,11 +92,13 @@ class Session {
   void exportBy(const std::filesystem::path& path, std::int32_t filterIndex);
 
   host::Host host_;
+  SessionFront front_;
   std::shared_ptr<Study> study_;
   std::shared_ptr<AFLP> analysis_;
   std::shared_ptr<IAFLPResultsPage> page_;
   std::shared_ptr<host::HostPage> hostPage_;
   std::string reopened_;  // what is to be said of a page that was opened anew, if the command goes on
+  Connections connections_;
 };
 
 // A control of a page by its name; a missing one is an Error.

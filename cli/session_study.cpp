@@ -17,7 +17,7 @@ void Session::openStudy(std::shared_ptr<host::Store> store) {
 }
 
 void Session::reopen(const std::shared_ptr<AFLP>& analysis, host::StaleAnalysis stale) {
-  host_.study().decideStale = [stale](const AFLP&) { return stale; };
+  front_.stale = stale;
   host_.service().OpenAFLP(analysis);
   takePage();
   analysis_ = cast<AFLP>(hostPage_->bound(), "AFLP");
@@ -48,16 +48,11 @@ void Session::change(const AnalysisRequest& request, const std::set<std::string>
 // Other parameters lose what was decided by hand, of which the page warns; here that is no.
 void Session::fillBox(const char* box, const std::string& text, const AnalysisRequest& request) {
   auto& filled = control<ui::TextBox>(page_->Controls(), box);
-  bool isWarned = false;
-  host_.platform().onRunModal = [&](ui::Form& form) {
-    isWarned = true;
-    form.UnloadMe();
-  };
+  front_.forms = 0;
   filled.Text = text;
   const bool isValid = filled.leave();
-  host_.platform().onRunModal = nullptr;
   if (!isValid) raiseRefused(request);
-  if (isWarned)
+  if (front_.forms > 0)
     raise(
         ErrorNumber::InvalidArgument, "Session",
         "The analysis has bins that were decided by hand and that other parameters would lose: make another "
@@ -69,12 +64,8 @@ void Session::showExcluded(bool show) {
 }
 
 std::string Session::report() {
-  std::string html;
-  auto& reports = host_.reports();
-  reports.onReport = [&](const host::ReportRequest&, const std::string& page) { html = page; };
-  reports.NewReport(analysis_->Name, analysis_, kReportContext);
-  reports.onReport = nullptr;
-  return html;
+  host_.reports().NewReport(analysis_->Name, analysis_, kReportContext);
+  return std::exchange(front_.report, {});
 }
 
 }  // namespace banddesk::cli

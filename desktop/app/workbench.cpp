@@ -49,8 +49,8 @@ void Workbench::open(const std::filesystem::path& path) {
   close();
   host_.openStudy(std::move(store));
   path_ = whole;
-  resultChanges_ = study()->ResultChanged.connect([this] { changed(); });
-  changed();
+  resultChanges_ = study()->ResultChanged.connect([this] { Changed.raise(); });
+  Changed.raise();
 }
 
 void Workbench::close() {
@@ -60,27 +60,23 @@ void Workbench::close() {
   try {
     host_.closeStudy();
   } catch (...) {
-    changed();
+    Changed.raise();
     throw;
   }
-  changed();
+  Changed.raise();
 }
 
 host::SaveOutcome Workbench::saveAs(const std::filesystem::path& path) {
   const std::filesystem::path whole = std::filesystem::absolute(path);
   host_.study().saveAs(whole.string());
   path_ = whole;
-  changed();
+  Changed.raise();
   return host_.save();
 }
 
 host::ImportOutcome Workbench::import(const host::ImportRequest& request,
                                       const host::import::Progress& progress) {
   return host::importIntoStudy(host_.study(), request, progress);
-}
-
-void Workbench::changed() const {
-  if (onChange) onChange();
 }
 
 }  // namespace banddesk::desktop

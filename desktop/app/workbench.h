@@ -3,7 +3,6 @@
 #pragma once
 
 #include <filesystem>
-#include <functional>
 #include <string>
 
 #include "host/framework/host.h"
@@ -41,11 +40,9 @@ class Workbench {
   std::string whyReadOnly() { return host_.study().whyReadOnly(); }
   host::ImportOutcome import(const host::ImportRequest& request, const host::import::Progress& progress);
 
-  std::function<void()> onChange;  // another study, or other results in it
+  Event<> Changed;  // another study, or other results in it
 
  private:
-  void changed() const;
-
   host::Host host_;
   host::PageKeeper& keeper_;
   std::filesystem::path path_;

@@ -1,10 +1,9 @@
-// Sits in front of the host's platform for one window: message boxes, pointer, beep, focus, save dialog,
-// popups, help and modal forms, as the pages ask for them. Another front takes over once this one is gone.
+// The front of a host at a screen: message boxes, save dialog, popups, column pages, and the pointer, beep,
+// focus and help that the pages ask for. What belongs to one window is left to who derives from it.
 #pragma once
 
 #include <QPoint>
 #include <QPointer>
-#include <functional>
 
 #include "desktop/base/widget_registry.h"
 #include "desktop/dialogs/mouse_pointer.h"
@@ -13,32 +12,37 @@
 
 namespace banddesk::desktop {
 
-// What the window itself brings in. Absent ones do nothing, or what they say.
-struct FrontActions {
-  UserAction userAction;  // absent: just calls
-  std::function<void(const std::string& topic)> showHelp;
-  std::function<void(ui::Form&)> runForm;
-  std::function<QPoint()> popupPosition;               // on the screen; absent: at the pointer
-  std::function<bool(const ui::MenuItem&)> mayChoose;  // of an item that was taken; absent: always
-};
-
-class PlatformFront final {
+class PlatformFront : public host::CarefulFront {
  public:
-  // The platform and the registry outlive the front.
-  PlatformFront(host::HostPlatform& platform, QWidget* window, const WidgetRegistry& widgets,
-                FrontActions actions);
-  ~PlatformFront();
+  // Takes the seat in front of the platform's host. Platform, seat and registry outlive the front.
+  PlatformFront(host::HostPlatform& platform, host::FrontSeat& seat, QWidget* window,
+                const WidgetRegistry& widgets);
   PlatformFront(const PlatformFront&) = delete;
   PlatformFront& operator=(const PlatformFront&) = delete;
 
+  ui::BoxAnswer showMessage(const host::MessageShown& message) override;
+  std::optional<host::SaveAnswer> askWhereToSave(ui::SaveDialog& dialog) override;
+  void showPopup(ui::MenuItem& menu, ui::MenuItem* defaultItem) override;
+  bool selectColumns(host::ColumnSelection& draft) override;
+  bool sortColumns(host::ColumnSorting& draft) override;
+
+ protected:
+  QWidget* window() const { return window_; }  // null once it has gone
+  // An act of the user: the work of a menu item that changes something.
+  virtual void act(const std::function<void()>& work) { work(); }
+  virtual void showHelp(const std::string& /*topic*/) {}
+  virtual QPoint popupPosition() const;  // on the screen
+  // Of an item that was taken.
+  virtual bool mayChoose(const ui::MenuItem& /*item*/) { return true; }
+
  private:
-  void showPopup(const ui::MenuItem& menu, const ui::MenuItem* defaultItem) const;
+  void giveFocus(const ui::Control& control) const;
 
   host::HostPlatform& platform_;
   QPointer<QWidget> window_;
   const WidgetRegistry& widgets_;
-  FrontActions actions_;
   MousePointer pointer_;
+  Connections connections_;
 };
 
 }  // namespace banddesk::desktop

@@ -53,10 +53,10 @@ void ColourButton::setColour(const QColor& colour) {
 }
 
 void ColourButton::choose() {
-  const QColor chosen = QColorDialog::getColor(colour_, this, accessibleName());
-  if (!chosen.isValid()) return;
-  setColour(chosen);
-  if (onChosen) onChosen(chosen);
+  const QColor colour = QColorDialog::getColor(colour_, this, accessibleName());
+  if (!colour.isValid()) return;
+  setColour(colour);
+  Q_EMIT chosen(colour);
 }
 
 StyleSample::StyleSample(QWidget* parent) : QWidget(parent) { setAccessibleName(QStringLiteral("Sample")); }
@@ -113,12 +113,12 @@ StyleEditor::StyleEditor(QWidget* parent)
   places_->setRange(0, kMostPlaces);
   connect(places_, &QSpinBox::valueChanged, this,
           [this](int places) { change([places](GridStyle& style) { style.SetPlaces(places); }); });
-  interior_->onChosen = [this](const QColor& colour) {
+  connect(interior_, &ColourButton::chosen, this, [this](const QColor& colour) {
     change([&](GridStyle& style) { style.SetInterior(toColour(colour)); });
-  };
-  text_->onChosen = [this](const QColor& colour) {
+  });
+  connect(text_, &ColourButton::chosen, this, [this](const QColor& colour) {
     change([&](GridStyle& style) { style.SetTextColor(toColour(colour)); });
-  };
+  });
   makeForm();
   edit(nullptr);
 }

@@ -18,7 +18,9 @@ class ColourButton final : public QPushButton {
  public:
   ColourButton(const QString& name, QWidget* parent);
   void setColour(const QColor& colour);
-  std::function<void(const QColor&)> onChosen;
+
+ Q_SIGNALS:
+  void chosen(const QColor& colour);
 
  private:
   void choose();

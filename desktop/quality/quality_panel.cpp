@@ -102,8 +102,8 @@ QTreeWidget* QualityPanel::makeList(const QStringList& header, const QString& na
   // Only what the user does to a line points at it: a list that gets the focus makes a line current by
   // itself.
   const auto point = [this, list](const QTreeWidgetItem* line) {
-    const auto& tell = list == bins_ ? onBin : onSample;
-    if (tell) tell(line->data(0, kPlaceRole).toInt());
+    const std::int32_t place = line->data(0, kPlaceRole).toInt();
+    list == bins_ ? Q_EMIT binChosen(place) : Q_EMIT sampleChosen(place);
   };
   connect(list, &QTreeWidget::itemClicked, this, point);
   connect(list, &QTreeWidget::itemActivated, this, point);

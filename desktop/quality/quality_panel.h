@@ -4,7 +4,6 @@
 
 #include <QTimer>
 #include <QWidget>
-#include <functional>
 #include <memory>
 
 #include "host/framework/pages.h"
@@ -25,8 +24,9 @@ class QualityPanel final : public QWidget {
   // The results page to follow; any other page, or none, empties the panel.
   void follow(const std::shared_ptr<host::HostPage>& page);
 
-  std::function<void(std::int32_t row)> onBin;     // logical
-  std::function<void(std::int32_t col)> onSample;  // logical
+ Q_SIGNALS:
+  void binChosen(std::int32_t row);     // logical
+  void sampleChosen(std::int32_t col);  // logical
 
  protected:
   void showEvent(QShowEvent* event) override;

@@ -81,7 +81,7 @@ void BinReview::show(const BinBand& band) {
   current_ = band;
   link_.select(band.row);
   tell();
-  if (onShow) onShow(*current_);
+  Q_EMIT shown(*current_);
 }
 
 // The nearest visible row above or below one, which itself may be hidden by now.
@@ -124,7 +124,7 @@ void BinReview::follow() {
       current_.reset();
     else
       current_ = *found;
-    if (onMark) onMark(current_);
+    Q_EMIT marked(current_);
   }
   tell();
 }

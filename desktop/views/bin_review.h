@@ -5,7 +5,6 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QWidget>
-#include <functional>
 #include <optional>
 
 #include "desktop/views/table_link.h"
@@ -29,8 +28,9 @@ class BinReview final : public QWidget {
   const std::optional<BinBand>& current() const { return current_; }
   QString status() const { return status_->text(); }
 
-  std::function<void(const BinBand&)> onShow;                 // a bin comes into view
-  std::function<void(const std::optional<BinBand>&)> onMark;  // it is marked otherwise, or gone
+ Q_SIGNALS:
+  void shown(const BinBand& bin);                  // comes into view
+  void marked(const std::optional<BinBand>& bin);  // otherwise than before, or it has gone
 
  private:
   void step(int direction);

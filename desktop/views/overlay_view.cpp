@@ -23,15 +23,16 @@ OverlayView::OverlayView(host::Host& host, ViewContent content, ViewActions acti
   column().addWidget(splitter, 1);
   plot_->setTraces(this->content().traces, {});
   drawChecked();
-  samples_->onCheck = [this] { drawChecked(); };
-  samples_->onSelect = [this] { plot_->setEmphasis(samples_->selected()); };
+  connect(samples_, &SampleList::checksChanged, this, [this] { drawChecked(); });
+  connect(samples_, &SampleList::selectionChanged, this,
+          [this] { plot_->setEmphasis(samples_->selected()); });
   addCheck(QStringLiteral("&Samples"), QStringLiteral("The list of the samples"),
            [this](bool isShown) { samples_->setVisible(isShown); });
 
   review_ = new BinReview(link(), this, this);
   column().addWidget(review_);
-  review_->onShow = [this](const BinBand& band) { zoomTo(band); };
-  review_->onMark = [this](const std::optional<BinBand>& band) { plot_->setOutlinedBand(band); };
+  connect(review_, &BinReview::shown, this, [this](const BinBand& band) { zoomTo(band); });
+  connect(review_, &BinReview::marked, plot_, &PlotView::setOutlinedBand);
 }
 
 void OverlayView::zoomTo(const BinBand& band) {

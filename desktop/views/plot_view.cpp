@@ -127,14 +127,14 @@ void PlotView::showHeights(Span heights) {
   isAutomatic_ = false;
   heights_ = heights;
   update();
-  if (onHeightChange) onHeightChange();
+  Q_EMIT heightsChanged();
 }
 
 void PlotView::setAutomaticHeight(bool isAutomatic) {
   if (isAutomatic_ == isAutomatic) return;
   isAutomatic_ = isAutomatic;
   fitHeights();
-  if (onHeightChange) onHeightChange();
+  Q_EMIT heightsChanged();
 }
 
 void PlotView::showAll() {

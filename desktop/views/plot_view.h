@@ -5,7 +5,6 @@
 #include <QPixmap>
 #include <QTimer>
 #include <QWidget>
-#include <functional>
 #include <memory>
 #include <optional>
 
@@ -60,11 +59,12 @@ class PlotView final : public QWidget {
   // The same plot for another device, on white.
   void paintFigure(QPainter& painter, const QRectF& whole, double columnsPerUnit) const;
 
-  // Other heights were chosen, or they became automatic.
-  std::function<void()> onHeightChange;
-
   QSize sizeHint() const override;
   QSize minimumSizeHint() const override;
+
+ Q_SIGNALS:
+  // Other heights were chosen, or they became automatic.
+  void heightsChanged();
 
  protected:
   void paintEvent(QPaintEvent* event) override;

@@ -66,7 +66,7 @@ ResultViewPage::ResultViewPage(host::Host& host, ViewContent content, ViewAction
   column_->addWidget(trouble_);
   makeTools();
   link_->showError = [this](const Error& error) { showError(error); };
-  link_->onChange = [this] { bandsChanged(); };
+  connect(link_, &TableLink::changed, this, [this] { bandsChanged(); });
   Span whole = sizeExtent(traces(), everySample()).value_or(Span{0, 500});
   const double margin = std::max(whole.length() * kMarginShare, kLeastMargin);
   axis_->setWhole({whole.low - margin, whole.high + margin});
@@ -84,7 +84,7 @@ PlotView* ResultViewPage::makePlot(QWidget* parent) {
   plot->setBands(link_->bands());
   plot->setLegend(legend_->isChecked());
   plot->setAutomaticHeight(automatic_->isChecked());
-  plot->onHeightChange = [this, plot] { heightsChanged(*plot); };
+  connect(plot, &PlotView::heightsChanged, this, [this, plot] { heightsChanged(*plot); });
   plots_.push_back(plot);
   return plot;
 }

@@ -34,11 +34,9 @@ SampleList::SampleList(const TraceSet& traces, QWidget* parent)
   connect(all, &QPushButton::clicked, this, [this] { checkAll(true); });
   connect(none, &QPushButton::clicked, this, [this] { checkAll(false); });
   connect(list_, &QListWidget::itemChanged, this, [this] {
-    if (!isFilling_ && onCheck) onCheck();
+    if (!isFilling_) Q_EMIT checksChanged();
   });
-  connect(list_, &QListWidget::itemSelectionChanged, this, [this] {
-    if (onSelect) onSelect();
-  });
+  connect(list_, &QListWidget::itemSelectionChanged, this, [this] { Q_EMIT selectionChanged(); });
   isFilling_ = false;
 }
 
@@ -91,7 +89,7 @@ void SampleList::checkAll(bool isChecked) {
   for (int i = 0; i < list_->count(); ++i)
     list_->item(i)->setCheckState(isChecked ? Qt::Checked : Qt::Unchecked);
   isFilling_ = false;
-  if (onCheck) onCheck();
+  Q_EMIT checksChanged();
 }
 
 }  // namespace banddesk::desktop

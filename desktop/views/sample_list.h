@@ -3,7 +3,6 @@
 
 #include <QListWidget>
 #include <QWidget>
-#include <functional>
 #include <optional>
 #include <vector>
 
@@ -23,10 +22,11 @@ class SampleList final : public QWidget {
   // All samples in another order; those of `checked` are checked. Nobody is told.
   void arrange(const std::vector<std::size_t>& order, const std::vector<bool>& checked);
 
-  std::function<void()> onCheck;
-  std::function<void()> onSelect;
-
   QSize sizeHint() const override;
+
+ Q_SIGNALS:
+  void checksChanged();
+  void selectionChanged();
 
  private:
   void fill(const TraceSet& traces);

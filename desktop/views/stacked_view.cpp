@@ -34,10 +34,10 @@ StackedView::StackedView(host::Host& host, ViewContent content, ViewActions acti
   scroll_->setFocusPolicy(Qt::StrongFocus);
   scroll_->setAccessibleName(QStringLiteral("First sample shown"));
   connect(scroll_, &QScrollBar::valueChanged, this, [this] { assign(); });
-  samples_->onCheck = [this] {
+  connect(samples_, &SampleList::checksChanged, this, [this] {
     shown_ = samples_->checked();
     layOut();
-  };
+  });
   addCheck(QStringLiteral("&Samples"), QStringLiteral("The list of the samples"),
            [this](bool isShown) { samples_->setVisible(isShown); });
   addScrollKey(Qt::Key_PageUp, -1);

@@ -62,7 +62,7 @@ void TableLink::take(Bands bands) {
   later_.stop();
   if (bands == *bands_) return;
   bands_ = std::make_shared<const Bands>(std::move(bands));
-  if (onChange) onChange();
+  Q_EMIT changed();
 }
 
 // What is called from the toolkit ends here.
@@ -115,19 +115,14 @@ void TableLink::toggleExcluded(std::int32_t row) {
   refresh();
 }
 
-// The menu's item acts on the cell of the last right click; its popup needs an answer, and nothing to look
-// at.
+// The menu's item acts on the cell of the last right click. Without its menu the item would act on some other
+// cell; the page has reported why.
 void TableLink::chooseExclude(std::int32_t row) {
   const bool isTransposed = table().Transpose();
   const auto controls = page()->control();
-  auto& answers = host_.platform().popupAnswers;
-  const std::size_t waiting = answers.size();
-  bool isShown = false;
-  answers.emplace_front([&isShown](ui::MenuItem&, ui::MenuItem*) { isShown = true; });
-  grid().rightClick(isTransposed ? 1 : row, isTransposed ? row : 1);
-  if (answers.size() > waiting) answers.pop_front();
-  // Without its menu the item would act on some other cell; the page has reported why.
-  if (isShown) required(controls->Controls().find<ui::MenuItem>("mnuExcludeBin"), "MenuItem").choose();
+  const bool hasMenu = host_.platform().withoutPopups(
+      [&] { grid().rightClick(isTransposed ? 1 : row, isTransposed ? row : 1); });
+  if (hasMenu) required(controls->Controls().find<ui::MenuItem>("mnuExcludeBin"), "MenuItem").choose();
 }
 
 }  // namespace banddesk::desktop

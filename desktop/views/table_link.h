@@ -40,8 +40,10 @@ class TableLink final : public QObject {
   // The row's bin is excluded or brought back by the item of its menu.
   void toggleExcluded(std::int32_t row);
 
-  std::function<void()> onChange;
   std::function<void(const Error&)> showError;
+
+ Q_SIGNALS:
+  void changed();
 
  private:
   bool holdsResults(const host::HostPage& page) const;

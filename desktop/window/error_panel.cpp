@@ -49,12 +49,12 @@ void ErrorPanel::add(const host::Report& report) {
     // The chain is over when the call that failed has returned to the event loop.
     QTimer::singleShot(0, this, [this] { isChainOpen_ = false; });
   }
-  if (onCount) onCount();
+  Q_EMIT countChanged();
 }
 
 void ErrorPanel::clear() {
   list_->clear();
-  if (onCount) onCount();
+  Q_EMIT countChanged();
 }
 
 void ErrorPanel::copy() const {

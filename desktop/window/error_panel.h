@@ -3,7 +3,6 @@
 #pragma once
 
 #include <QTreeWidget>
-#include <functional>
 
 #include "host/framework/framework.h"
 
@@ -19,7 +18,8 @@ class ErrorPanel final : public QWidget {
   void clear();
   int count() const { return list_->topLevelItemCount(); }
 
-  std::function<void()> onCount;
+ Q_SIGNALS:
+  void countChanged();
 
  private:
   void copy() const;

@@ -53,11 +53,11 @@ ExplorerPanel::ExplorerPanel(Workbench& workbench, QWidget* parent)
   setUniformRowHeights(true);
   setExpandsOnDoubleClick(false);
   connect(this, &QTreeWidget::itemActivated, this, [this](QTreeWidgetItem* item) { activate(item); });
-  workbench_.host().tree().onChange = [this] {
+  treeChanges_ = workbench_.host().tree().Changed.connect([this] {
     // Within a change the items may still be on their way in or out.
     if (std::exchange(isRefreshWaiting_, true)) return;
     QTimer::singleShot(0, this, [this] { refreshAnalyses(); });
-  };
+  });
 }
 
 QTreeWidgetItem* ExplorerPanel::makeGroup(const QString& name, QStyle::StandardPixmap icon) {
@@ -166,9 +166,9 @@ ExplorerPanel::Item ExplorerPanel::currentAnalysis() const {
 
 void ExplorerPanel::activate(QTreeWidgetItem* item) {
   if (const Item analysis = currentAnalysis(); analysis && state() != QAbstractItemView::EditingState) {
-    onCommand(analysis, "OpenAFLP");
+    Q_EMIT commandChosen(analysis, "OpenAFLP");
   } else if (item != nullptr && item->data(0, kResultRole).isValid()) {
-    onShowResult(item->data(0, kResultRole).toInt());
+    Q_EMIT showResultChosen(item->data(0, kResultRole).toInt());
   } else if (item != nullptr) {
     item->setExpanded(!item->isExpanded());
   }
@@ -177,9 +177,9 @@ void ExplorerPanel::activate(QTreeWidgetItem* item) {
 void ExplorerPanel::keyPressEvent(QKeyEvent* event) {
   const Item analysis = currentAnalysis();
   if (analysis && event->key() == Qt::Key_F2) {
-    onCommand(analysis, "RenameAFLP");
+    Q_EMIT commandChosen(analysis, "RenameAFLP");
   } else if (analysis && event->key() == Qt::Key_Delete) {
-    onCommand(analysis, "DeleteAFLP");
+    Q_EMIT commandChosen(analysis, "DeleteAFLP");
   } else {
     QTreeWidget::keyPressEvent(event);
   }
@@ -201,7 +201,7 @@ void ExplorerPanel::fillMenu(QMenu& menu, QTreeWidgetItem* item) {
   if (analyses_.contains(item)) {
     const Item analysis = analyses_.at(item);
     const auto add = [&](const QString& caption, const char* command) {
-      menu.addAction(caption, this, [this, analysis, command] { onCommand(analysis, command); });
+      menu.addAction(caption, this, [this, analysis, command] { Q_EMIT commandChosen(analysis, command); });
     };
     add(QStringLiteral("&Open"), "OpenAFLP");
     menu.setDefaultAction(menu.actions().constFirst());
@@ -213,23 +213,24 @@ void ExplorerPanel::fillMenu(QMenu& menu, QTreeWidgetItem* item) {
   } else if (item->data(0, kResultRole).isValid()) {
     fillResultMenu(menu, *item);
   } else {
-    follow(*menu.addAction(QStringLiteral("&New AFLP Analysis"), this, [this] { onNewAnalysis(); }),
-           workbench_.host().command(host::kNewAnalysisCommand));
-    menu.addAction(QStringLiteral("&Import Peak Tables..."), this, [this] { onImport(); });
+    follow(
+        *menu.addAction(QStringLiteral("&New AFLP Analysis"), this, [this] { Q_EMIT newAnalysisChosen(); }),
+        workbench_.host().command(host::kNewAnalysisCommand));
+    menu.addAction(QStringLiteral("&Import Peak Tables..."), this, [this] { Q_EMIT importChosen(); });
   }
 }
 
 void ExplorerPanel::fillResultMenu(QMenu& menu, const QTreeWidgetItem& item) {
   const std::int32_t id = item.data(0, kResultRole).toInt();
   const bool isExcluded = item.data(0, kExcludedRole).toBool();
-  menu.addAction(QStringLiteral("Show Single &Result..."), this, [this, id] { onShowResult(id); });
+  menu.addAction(QStringLiteral("Show Single &Result..."), this, [this, id] { Q_EMIT showResultChosen(id); });
   menu.setDefaultAction(menu.actions().constFirst());
   menu.addSeparator();
   QAction* exclude = menu.addAction(QStringLiteral("&Exclude from New Analyses"), this,
-                                    [this, id, isExcluded] { onExcludeResult(id, !isExcluded); });
+                                    [this, id, isExcluded] { Q_EMIT excludeResultChosen(id, !isExcluded); });
   exclude->setCheckable(true);
   exclude->setChecked(isExcluded);
-  menu.addAction(QStringLiteral("&Delete Result..."), this, [this, id] { onDeleteResult(id); });
+  menu.addAction(QStringLiteral("&Delete Result..."), this, [this, id] { Q_EMIT deleteResultChosen(id); });
 }
 
 }  // namespace banddesk::desktop

@@ -21,13 +21,6 @@ class ExplorerPanel final : public QTreeWidget {
 
   using Item = std::shared_ptr<IExplorerItemAccess>;
 
-  // A command of an analysis: "OpenAFLP" and the others that the host knows.
-  std::function<void(const Item&, const std::string& command)> onCommand;
-  std::function<void()> onNewAnalysis;
-  std::function<void()> onImport;
-  std::function<void(std::int32_t resultId, bool excluded)> onExcludeResult;
-  std::function<void(std::int32_t resultId)> onDeleteResult;
-  std::function<void(std::int32_t resultId)> onShowResult;
   // A failure in the tree's own events: the end of an edit.
   std::function<void(const std::function<void()>&)> guarded = [](const auto& work) { work(); };
 
@@ -35,6 +28,15 @@ class ExplorerPanel final : public QTreeWidget {
   Item currentAnalysis() const;
   // The study or its results have changed.
   void refreshStudy();
+
+ Q_SIGNALS:
+  // What the user wants. Of an analysis: "OpenAFLP" and the other commands that the host knows.
+  void commandChosen(const Item& item, const std::string& command);
+  void newAnalysisChosen();
+  void importChosen();
+  void excludeResultChosen(std::int32_t resultId, bool excluded);
+  void deleteResultChosen(std::int32_t resultId);
+  void showResultChosen(std::int32_t resultId);
 
  protected:
   void contextMenuEvent(QContextMenuEvent* event) override;
@@ -60,6 +62,7 @@ class ExplorerPanel final : public QTreeWidget {
   std::map<QTreeWidgetItem*, Item> analyses_;
   Item edited_;
   bool isRefreshWaiting_ = false;
+  Connection treeChanges_;
 };
 
 }  // namespace banddesk::desktop

@@ -6,25 +6,19 @@
 #include <QLabel>
 #include <QMessageBox>
 #include <QMimeData>
-#include <QPushButton>
 #include <QScreen>
 #include <QSettings>
 #include <QStatusBar>
 
 #include "desktop/base/qt_text.h"
-#include "desktop/dialogs/column_sorter.h"
 #include "desktop/grid/grid_view.h"
-#include "desktop/pages/form_dialog.h"
 #include "desktop/pages/number_boxes.h"
 #include "desktop/pages/page_widget.h"
 #include "desktop/views/result_view_page.h"
-#include "desktop/window/report_window.h"
 #include "plugin/base/numbers.h"
 
 namespace banddesk::desktop {
 namespace {
-
-constexpr int kMessageTime = 8000;  // ms
 
 QString geometryKey() { return QStringLiteral("window/geometry"); }
 QString stateKey() { return QStringLiteral("window/state"); }
@@ -47,11 +41,11 @@ MainWindow::MainWindow(Workbench& workbench)
   summary_ = new QLabel(this);
   statusBar()->addPermanentWidget(summary_);
   statusBar()->addPermanentWidget(progress_);
-  commands_.tell = [this](const QString& line) { statusBar()->showMessage(line, kMessageTime); };
-  commands_.rename = [this](const auto& analysis) {
+  connections_.push_back(
+      commands_.Told.connect([this](const QString& line) { statusBar()->showMessage(line, kMessageTime); }));
+  connections_.push_back(commands_.RenameWanted.connect([this](const auto& analysis) {
     guard_.run([&] { workbench_.host().service().RenameAFLP(analysis); });
-  };
-  workbench_.onChange = [this] { studyChanged(); };
+  }));
   connectHost();
   connectExplorer();
   connectPages();
@@ -64,7 +58,6 @@ MainWindow::MainWindow(Workbench& workbench)
 }
 
 MainWindow::~MainWindow() {
-  host::Host& host = workbench_.host();
   qApp->disconnect(this);
   explorer_->disconnect(this);
   // While the widgets still stand: pages take leave of them.
@@ -73,17 +66,8 @@ MainWindow::~MainWindow() {
   } catch (const std::exception&) {
     // It is in the list of failures, which goes with the window.
   }
-  workbench_.onChange = nullptr;
-  host.framework().onReport = nullptr;
-  workbench_.keeper().onReopened = nullptr;
-  workbench_.keeper().onLeftHalfMade = nullptr;
-  host.progress().onChange = nullptr;
-  host.reports().onReport = nullptr;
-  host.tree().onChange = nullptr;
-  host.study().decideStale = nullptr;
-  host.study().options().onChange = nullptr;
-  host.pages().selectColumns = nullptr;
-  host.pages().sortColumns = nullptr;
+  connections_.clear();
+  front_.reset();
   // Before the registry, in which they are.
   delete pages_;
 }
@@ -93,64 +77,29 @@ void MainWindow::openFiles(const QStringList& files) {
   updateState();
 }
 
-void MainWindow::connectHost() {
-  host::Host& host = workbench_.host();
-  progress_->follow(host.progress());
-  const auto help = [this](const std::string& topic) { help_.show(topic); };
-  FrontActions actions;
-  actions.userAction = [this](const auto& work) {
-    const Page page = pages_->currentPage();
-    page ? actionOn (*page)(work) : work();
-  };
-  actions.showHelp = help;
-  actions.popupPosition = [this] {
-    const Page page = pages_->currentPage();
-    const auto* content = page ? pages_->contentOf(*page) : nullptr;
-    const auto* table = content != nullptr ? content->findChild<GridView*>() : nullptr;
-    return table != nullptr ? table->menuPosition() : QCursor::pos();
-  };
-  actions.runForm = [this](ui::Form& form) { runForm(form, this); };
-  actions.mayChoose = [this](const ui::MenuItem& item) { return mayChoose(item); };
-  front_ = std::make_unique<PlatformFront>(host.platform(), this, registry_, std::move(actions));
-  host.framework().onReport = [this](const host::Report& report) { noteFailure(report); };
-  workbench_.keeper().onReopened = [this](const auto&, const std::string& line) {
-    statusBar()->showMessage(toQString(line), kMessageTime);
-  };
-  workbench_.keeper().onLeftHalfMade = [this](const auto& page, const std::string& line) {
-    pages_->showFailure(page, toQString(line));
-  };
-  host.reports().onReport = [this](const auto& request, const auto& html) { showReport(request, html); };
-  host.study().decideStale = [this](const AFLP& analysis) { return decideStale(analysis); };
-  host.pages().selectColumns = [this, help](host::ColumnSelection& draft) {
-    return selectColumns(draft, help, this);
-  };
-  host.pages().sortColumns = [this, help](host::ColumnSorting& draft) {
-    return sortColumns(draft, help, this);
-  };
-}
-
 void MainWindow::connectExplorer() {
   explorer_->guarded = [this](const auto& work) {
     guard_.run(work);
     updateState();
   };
-  explorer_->onCommand = [this](const auto& item, const auto& command) { runCommand(item, command); };
-  explorer_->onNewAnalysis = [this] { newAnalysis(); };
-  explorer_->onImport = [this] { commands_.import(); };
-  explorer_->onShowResult = [this](std::int32_t id) { showResult(id); };
-  explorer_->onDeleteResult = [this](std::int32_t id) { deleteResult(id); };
-  explorer_->onExcludeResult = [this](std::int32_t id, bool excluded) {
+  connect(explorer_, &ExplorerPanel::commandChosen, this, &MainWindow::runCommand);
+  connect(explorer_, &ExplorerPanel::newAnalysisChosen, this, &MainWindow::newAnalysis);
+  connect(explorer_, &ExplorerPanel::importChosen, this, [this] { commands_.import(); });
+  connect(explorer_, &ExplorerPanel::showResultChosen, this, &MainWindow::showResult);
+  connect(explorer_, &ExplorerPanel::deleteResultChosen, this, &MainWindow::deleteResult);
+  connect(explorer_, &ExplorerPanel::excludeResultChosen, this, [this](std::int32_t id, bool excluded) {
     guard_.run([&] { workbench_.host().study().setResultExcluded(id, excluded); });
-  };
+  });
 }
 
 void MainWindow::connectPages() {
   pages_->guarded = [this](const auto& work) { return guard_.run(work); };
-  pages_->onClose = [this](const Page& page) { closePage(page); };
-  pages_->onReopen = [this](const Page& page) { reopenPage(page); };
-  pages_->onCurrent = [this] { updateState(); };
-  quality_->onBin = [this](std::int32_t row) { pointAt(Axis::Rows, row); };
-  quality_->onSample = [this](std::int32_t col) { pointAt(Axis::Columns, col); };
+  connect(pages_, &PageArea::closeChosen, this, &MainWindow::closePage);
+  connect(pages_, &PageArea::reopenChosen, this, &MainWindow::reopenPage);
+  connect(pages_, &PageArea::pageChanged, this, &MainWindow::updateState);
+  connect(quality_, &QualityPanel::binChosen, this, [this](std::int32_t row) { pointAt(Axis::Rows, row); });
+  connect(quality_, &QualityPanel::sampleChosen, this,
+          [this](std::int32_t col) { pointAt(Axis::Columns, col); });
 }
 
 // Which of the two the user works in decides which analysis the commands mean. Menus take the focus, too, but
@@ -199,33 +148,6 @@ QWidget* MainWindow::makePageContent(host::HostPage& page, QWidget* parent) {
 UserAction MainWindow::actionOn(const host::HostPage& page) {
   return userActionOn(workbench_.host(), page,
                       [this](const Error& error) { guard_.tell(toQString(error.description())); });
-}
-
-host::StaleAnalysis MainWindow::decideStale(const AFLP& analysis) {
-  QMessageBox box(QMessageBox::Question, QStringLiteral("AFLP Analysis"),
-                  QStringLiteral("The results of the study have changed since the analysis \"%1\" was made.")
-                      .arg(toQString(analysis.Name.get())),
-                  QMessageBox::Cancel, this);
-  box.setTextFormat(Qt::PlainText);
-  box.setInformativeText(QStringLiteral(
-      "Analyse again takes the present results, and new ones with them. Open as it was keeps to the "
-      "results that the analysis had."));
-  const QAbstractButton* again = box.addButton(QStringLiteral("&Analyse again"), QMessageBox::AcceptRole);
-  const QAbstractButton* asStored = box.addButton(QStringLiteral("&Open as it was"), QMessageBox::NoRole);
-  box.exec();
-  if (box.clickedButton() == again) return host::StaleAnalysis::Redo;
-  return box.clickedButton() == asStored ? host::StaleAnalysis::OpenAsStored : host::StaleAnalysis::DoNotOpen;
-}
-
-void MainWindow::showReport(const host::ReportRequest& request, const std::string& html) {
-  (new ReportWindow(toQString(request.contextName), toQString(html), this))->show();
-}
-
-void MainWindow::noteFailure(const host::Report& report) {
-  errors_->add(report);
-  // Of what a page does, its keeper tells.
-  if (report.module == "AFLPResultsPage" && !workbench_.keeper().isAtWork())
-    pages_->showFailure(toQString(report.error.description()));
 }
 
 void MainWindow::showHelp(const std::string& topic) { help_.show(topic); }

@@ -24,6 +24,7 @@ class QLabel;
 namespace banddesk::desktop {
 
 inline constexpr const char* kResultsPage = "AFLP";
+inline constexpr int kMessageTime = 8000;  // of a line in the status bar, ms
 
 class MainWindow final : public QMainWindow {
   Q_OBJECT
@@ -56,13 +57,12 @@ class MainWindow final : public QMainWindow {
   void fillReports();
   void fillTable();
 
-  // ---- the host's wishes
+  // ---- the host's wishes (main_window_front.cpp)
+  class Front;
   void connectHost();
   void connectExplorer();
   void connectPages();
   QWidget* makePageContent(host::HostPage& page, QWidget* parent);
-  host::StaleAnalysis decideStale(const AFLP& analysis);
-  void showReport(const host::ReportRequest& request, const std::string& html);
   void noteFailure(const host::Report& report);
   void showHelp(const std::string& topic);
 
@@ -126,6 +126,7 @@ class MainWindow final : public QMainWindow {
   bool isExplorerMeant_ = false;  // else the page in front
   HelpDesk help_;
   std::unique_ptr<PlatformFront> front_;
+  Connections connections_;
 };
 
 }  // namespace banddesk::desktop

@@ -46,10 +46,10 @@ void MainWindow::makeDocks() {
     errorDock_->raise();
   });
   statusBar()->addPermanentWidget(showErrors);
-  errors_->onCount = [this, showErrors] {
+  connect(errors_, &ErrorPanel::countChanged, showErrors, [this, showErrors] {
     showErrors->setText(QStringLiteral("Failures: %1").arg(errors_->count()));
     showErrors->setVisible(errors_->count() > 0);
-  };
+  });
 
   quality_ = new QualityPanel(this);
   qualityDock_ = new QDockWidget(QStringLiteral("Quality"), this);
@@ -142,9 +142,9 @@ void MainWindow::makeAnalysisMenu() {
 void MainWindow::makeWarningOption(QMenu& menu) {
   host::HostOptions& options = workbench_.host().study().options();
   options.load(QSettings().value(warningKey(), true).toBool());
-  options.onChange = [](const host::HostOptions& changed) {
+  connections_.push_back(options.Changed.connect([](const host::HostOptions& changed) {
     QSettings().setValue(warningKey(), changed.ShowInclusionWarning());
-  };
+  }));
   QAction* warns = menu.addAction(QStringLiteral("&Warn before Decisions Are Lost"));
   warns->setCheckable(true);
   connect(warns, &QAction::triggered, this, [&options](bool on) { options.SetShowInclusionWarning(on); });

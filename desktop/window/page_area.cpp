@@ -51,20 +51,14 @@ PageArea::PageArea(host::Host& host, MakeWidget makeWidget, QWidget* parent)
   setDocumentMode(true);
   setElideMode(Qt::ElideRight);
   tabBar()->setAccessibleName(QStringLiteral("Pages"));
-  host_.pages().watch = {
-      [this](host::HostPage& page) { show(page); }, [this](host::HostPage& page) { end(page); },
-      [this](const host::HostPage& former, host::HostPage& page) { replace(former, page); },
-      [this](host::HostPage& page) { change(page); },
-      [this](const host::HostPage&) {
-        if (onCurrent) onCurrent();
-      }};
+  followPages();
   connect(this, &QTabWidget::tabCloseRequested, this, [this](int index) {
-    if (const auto page = pageOf(widget(index)); page && onClose) onClose(page);
+    if (const auto page = pageOf(widget(index))) Q_EMIT closeChosen(page);
   });
   connect(this, &QTabWidget::currentChanged, this, [this] {
     if (isChanging_) return;
     fillCurrent();
-    if (onCurrent) onCurrent();
+    Q_EMIT pageChanged();
   });
   tabBar()->installEventFilter(this);
   tabBar()->setContextMenuPolicy(Qt::CustomContextMenu);
@@ -76,8 +70,18 @@ PageArea::PageArea(host::Host& host, MakeWidget makeWidget, QWidget* parent)
 }
 
 PageArea::~PageArea() {
-  host_.pages().watch = {};
-  onCurrent = nullptr;
+  connections_.clear();
+  disconnect();  // tabs that go are no news any more
+}
+
+void PageArea::followPages() {
+  host::PageWatch& watch = host_.pages().watch;
+  connections_.push_back(watch.Shown.connect([this](host::HostPage& page) { show(page); }));
+  connections_.push_back(watch.Ended.connect([this](const host::HostPage& page) { end(page); }));
+  connections_.push_back(watch.Replaced.connect(
+      [this](const host::HostPage& former, host::HostPage& page) { replace(former, page); }));
+  connections_.push_back(watch.Changed.connect([this](const host::HostPage& page) { change(page); }));
+  connections_.push_back(watch.UserActed.connect([this](const host::HostPage&) { Q_EMIT pageChanged(); }));
 }
 
 std::shared_ptr<host::HostPage> PageArea::sharedPage(const host::HostPage& page) const {
@@ -120,7 +124,7 @@ void PageArea::settle() {
   removeEnded();
   addWaiting();
   fillCurrent();
-  if (onCurrent) onCurrent();
+  Q_EMIT pageChanged();
 }
 
 void PageArea::changeTabs(std::size_t howMany, const std::function<void()>& change) {
@@ -222,7 +226,7 @@ void PageArea::runMenu(int index, const QPoint& where) {
   others->setEnabled(count() > 1);
   const QAction* all = menu.addAction(QStringLiteral("Close &All"));
   const QAction* taken = menu.exec(where);
-  if (taken == close && onClose) onClose(page);
+  if (taken == close) Q_EMIT closeChosen(page);
   if (taken == others) closeAll(page.get());
   if (taken == all) closeAll(nullptr);
 }
@@ -232,7 +236,7 @@ void PageArea::closeAll(const host::HostPage* except) {
   const auto open = host_.pages().openPages();
   for (const auto& page : open) {
     if (page.get() == except || !tabs_.contains(page.get())) continue;
-    if (onClose) onClose(page);
+    Q_EMIT closeChosen(page);
     if (tabs_.contains(page.get())) return;
   }
 }
@@ -269,7 +273,7 @@ void PageArea::makeBar(Tab& tab, const host::HostPage& page) {
   row->addWidget(dismiss);
   const host::HostPage* failed = &page;
   connect(reopen, &QPushButton::clicked, this, [this, failed] {
-    if (const auto open = sharedPage(*failed); open && onReopen) onReopen(open);
+    if (const auto open = sharedPage(*failed)) Q_EMIT reopenChosen(open);
   });
   connect(dismiss, &QPushButton::clicked, tab.bar, &QWidget::hide);
 }
@@ -307,7 +311,7 @@ void PageArea::change(const host::HostPage& page) {
   const int index = indexOf(found->second.frame);
   setTabText(index, captionOf(page));
   setTabToolTip(index, toQString(page.Caption()).toHtmlEscaped());
-  if (onCurrent) onCurrent();
+  Q_EMIT pageChanged();
 }
 
 }  // namespace banddesk::desktop

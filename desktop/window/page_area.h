@@ -32,11 +32,13 @@ class PageArea final : public QTabWidget {
   void showFailure(const QString& what);
   void showFailure(const host::HostPage& page, const QString& line);
 
-  std::function<void(const std::shared_ptr<host::HostPage>&)> onClose;   // the user wants to close a page
-  std::function<void(const std::shared_ptr<host::HostPage>&)> onReopen;  // and to open it anew
-  std::function<void()> onCurrent;  // another page in front, its caption, or something done to a page
   // Keeps failures of a page's widget from the toolkit.
   std::function<bool(const std::function<void()>&)> guarded = [](const auto& work) { return work(), true; };
+
+ Q_SIGNALS:
+  void closeChosen(const std::shared_ptr<host::HostPage>& page);   // the user wants to close it
+  void reopenChosen(const std::shared_ptr<host::HostPage>& page);  // and to open it anew
+  void pageChanged();  // another page in front, its caption, or something done to a page
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;
@@ -50,6 +52,7 @@ class PageArea final : public QTabWidget {
 
   // Very many tabs come and go together: out of sight, and without a look at their texts, each costs little.
   void changeTabs(std::size_t howMany, const std::function<void()>& change);
+  void followPages();
   void show(host::HostPage& page);
   void end(const host::HostPage& page);
   void replace(const host::HostPage& former, host::HostPage& page);
@@ -75,6 +78,7 @@ class PageArea final : public QTabWidget {
   std::vector<QWidget*> ended_;           // frames whose tabs are to go
   QTimer later_;                          // one piece of work may show or end very many pages
   bool isChanging_ = false;               // tabs come or go: which is in front is not settled
+  Connections connections_;
 };
 
 }  // namespace banddesk::desktop

@@ -18,9 +18,9 @@ ProgressIndicator::ProgressIndicator(QWidget* parent) : QProgressBar(parent) {
 }
 
 void ProgressIndicator::follow(host::HostProgress& progress) {
-  progress.onChange = [this](const host::HostProgress& changed) {
+  changes_ = progress.Changed.connect([this](const host::HostProgress& changed) {
     show(changed.Maximum() > 0 ? changed.Position() / changed.Maximum() : 0);
-  };
+  });
 }
 
 void ProgressIndicator::show(double share) {

@@ -16,6 +16,9 @@ class ProgressIndicator final : public QProgressBar {
   void follow(host::HostProgress& progress);
   // From 0 to 1; 0 hides it.
   void show(double share);
+
+ private:
+  Connection changes_;
 };
 
 }  // namespace banddesk::desktop

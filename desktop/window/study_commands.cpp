@@ -56,7 +56,7 @@ bool StudyCommands::open(const QString& path) {
     QSettings().setValue(folderKey(), QFileInfo(path).absolutePath());
     recent_.add(QFileInfo(path).absoluteFilePath());
     const std::string why = workbench_.host().study().whyReadOnly();
-    if (!why.empty()) tell(QStringLiteral("The study is open for reading only: ") + toQString(why));
+    if (!why.empty()) Told.raise(QStringLiteral("The study is open for reading only: ") + toQString(why));
   });
 }
 
@@ -76,7 +76,7 @@ bool StudyCommands::import(QStringList files) {
   if (!done) return false;
   const QString summary =
       QStringLiteral("Added %1 results; the study has %2.").arg(outcome.added).arg(workbench_.resultCount());
-  tell(summary);
+  Told.raise(summary);
   QMessageBox box(QMessageBox::Information, QStringLiteral("Import"), summary, QMessageBox::Ok, &window_);
   box.setTextFormat(Qt::PlainText);
   box.setDetailedText(toQString(outcome.report));
@@ -133,7 +133,7 @@ bool StudyCommands::saveAsked(SaveOccasion occasion) {
 bool StudyCommands::saveChosen(SaveOccasion occasion, Chosen& chosen) {
   host::Host& host = workbench_.host();
   const auto unsaved = host.unsaved();
-  if (unsaved.empty()) return tell(QStringLiteral("Nothing waits to be saved.")), true;
+  if (unsaved.empty()) return Told.raise(QStringLiteral("Nothing waits to be saved.")), true;
   if (!chosen) chosen = askWhatToSave(unsaved, occasion, &window_);
   if (!chosen) return false;
   // Of a save that failed some may be saved.
@@ -142,7 +142,7 @@ bool StudyCommands::saveChosen(SaveOccasion occasion, Chosen& chosen) {
 }
 
 bool StudyCommands::tellOutcome(const host::SaveOutcome& outcome) {
-  if (!outcome.saved.empty()) tell(QStringLiteral("Saved %1.").arg(outcome.saved.size()));
+  if (!outcome.saved.empty()) Told.raise(QStringLiteral("Saved %1.").arg(outcome.saved.size()));
   if (outcome.refused.empty()) return true;
   QString names;
   for (const std::string& name : outcome.refused) names += QLatin1Char('\n') + toQString(name);
@@ -161,7 +161,7 @@ AfterFailedSave StudyCommands::askWhatNow(const Error& failure, SaveOccasion occ
 
 void StudyCommands::renameNamesake() {
   const auto equal = host::namesakes(*workbench_.study());
-  if (!equal.empty() && rename) rename(equal.back());
+  if (!equal.empty()) RenameWanted.raise(equal.back());
 }
 
 bool StudyCommands::saveAs() {
@@ -173,7 +173,8 @@ bool StudyCommands::saveAs() {
     isWhole = tellOutcome(workbench_.saveAs(toPath(path)));
     QSettings().setValue(folderKey(), QFileInfo(path).absolutePath());
     recent_.add(QFileInfo(path).absoluteFilePath());
-    if (isWhole) tell(QStringLiteral("The study lies in %1 now.").arg(QFileInfo(path).absoluteFilePath()));
+    if (isWhole)
+      Told.raise(QStringLiteral("The study lies in %1 now.").arg(QFileInfo(path).absoluteFilePath()));
   });
   return done && isWhole;
 }

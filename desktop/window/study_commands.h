@@ -3,7 +3,6 @@
 #pragma once
 
 #include <QStringList>
-#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -43,8 +42,8 @@ class StudyCommands {
   const RecentStudies& recent() const { return recent_; }
   void forgetRecent() { recent_.clear(); }
 
-  std::function<void(const QString&)> tell;                           // a line for the status bar
-  std::function<void(const std::shared_ptr<AFLP>& analysis)> rename;  // has the user rename it
+  Event<const QString&> Told;                        // a line for the status bar
+  Event<const std::shared_ptr<AFLP>&> RenameWanted;  // by the user, of that analysis
 
  private:
   // What the user has chosen to save, once he was asked.

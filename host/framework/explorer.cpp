@@ -33,14 +33,14 @@ void HostExplorerItemBase::place(const ExplorerItemDefinition* definition, std::
 
 HostExplorerTree::Node HostExplorerTree::makeNode(const std::shared_ptr<IExplorerItemAccess>& item) {
   auto base = cast<HostExplorerItemBase>(required(item, "ExplorerItem").ExplorerItem(), "ExplorerItemBase");
-  base->place(&definition_, [this] { changed(); });
+  base->place(&definition_, [this] { Changed.raise(); });
   return {item, std::move(base), std::nullopt};
 }
 
 void HostExplorerTree::setFolder(const std::shared_ptr<IExplorerItemAccess>& folder) {
   clear(true);
   folder_ = makeNode(folder);
-  changed();
+  Changed.raise();
 }
 
 void HostExplorerTree::initialize() {
@@ -50,7 +50,7 @@ void HostExplorerTree::initialize() {
   Collection<std::shared_ptr<IExplorerItemAccess>> children;
   base->Initialize.raise(children);
   for (const auto& child : children) children_.push_back(makeNode(child));
-  changed();
+  Changed.raise();
 }
 
 void HostExplorerTree::clear(bool withFolder) {
@@ -60,7 +60,7 @@ void HostExplorerTree::clear(bool withFolder) {
     folder_->base->place(nullptr, nullptr);
     folder_.reset();
   }
-  changed();
+  Changed.raise();
 }
 
 void HostExplorerTree::AddItem(const std::shared_ptr<IExplorerItemAccess>& item, const std::string& type,
@@ -71,7 +71,7 @@ void HostExplorerTree::AddItem(const std::shared_ptr<IExplorerItemAccess>& item,
           fmt::format("The tree takes no item of type {} there.", type));
   }
   children_.push_back(makeNode(item));
-  changed();
+  Changed.raise();
 }
 
 void HostExplorerTree::RemoveItem(const std::shared_ptr<IExplorerItemAccess>& item) {
@@ -79,7 +79,7 @@ void HostExplorerTree::RemoveItem(const std::shared_ptr<IExplorerItemAccess>& it
   const auto node = find(item);
   node->base->place(nullptr, nullptr);
   children_.erase(node);
-  changed();
+  Changed.raise();
 }
 
 void HostExplorerTree::BeginRename(const std::shared_ptr<IExplorerItemAccess>& item) {
@@ -88,7 +88,7 @@ void HostExplorerTree::BeginRename(const std::shared_ptr<IExplorerItemAccess>& i
   std::string text = base->text();
   base->OnBeforeRename.raise(text);
   find(item)->edited = std::move(text);
-  changed();
+  Changed.raise();
 }
 
 void HostExplorerTree::takeEdit(const std::shared_ptr<IExplorerItemAccess>& item) {
@@ -99,11 +99,11 @@ void HostExplorerTree::takeEdit(const std::shared_ptr<IExplorerItemAccess>& item
 
 void HostExplorerTree::endRename(const std::shared_ptr<IExplorerItemAccess>& item, const std::string& text) {
   takeEdit(item);
-  changed();
+  Changed.raise();
   requireFreeName(find(item), text);
   const auto base = find(item)->base;
   base->OnAfterRename.raise(text);
-  changed();
+  Changed.raise();
 }
 
 void HostExplorerTree::requireFreeName(const std::vector<Node>::iterator& node,
@@ -119,7 +119,7 @@ void HostExplorerTree::requireFreeName(const std::vector<Node>::iterator& node,
 
 void HostExplorerTree::cancelRename(const std::shared_ptr<IExplorerItemAccess>& item) {
   takeEdit(item);
-  changed();
+  Changed.raise();
 }
 
 std::vector<HostExplorerTree::Node>::iterator HostExplorerTree::find(
@@ -129,10 +129,6 @@ std::vector<HostExplorerTree::Node>::iterator HostExplorerTree::find(
     raise(ErrorNumber::InvalidArgument, "ExplorerTree", "The item is not in the tree.");
   }
   return found;
-}
-
-void HostExplorerTree::changed() const {
-  if (onChange) onChange();
 }
 
 ExplorerTree& HostExplorer::Tree() {

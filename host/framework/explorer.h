@@ -68,14 +68,13 @@ class HostExplorerTree final : public ExplorerTree {
   const std::optional<Node>& folder() const { return folder_; }
   const std::vector<Node>& children() const { return children_; }
 
-  std::function<void()> onChange;  // children, labels or an edit
+  Event<> Changed;  // children, labels or an edit
 
  private:
   Node makeNode(const std::shared_ptr<IExplorerItemAccess>& item);
   std::vector<Node>::iterator find(const std::shared_ptr<IExplorerItemAccess>& item);
   void requireFreeName(const std::vector<Node>::iterator& node, const std::string& text) const;
   void takeEdit(const std::shared_ptr<IExplorerItemAccess>& item);
-  void changed() const;
 
   FaultInjector& faults_;
   const ExplorerItemDefinition& definition_;

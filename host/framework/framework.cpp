@@ -8,16 +8,14 @@ namespace banddesk::host {
 void HostFramework::ReportError(std::string_view title, std::string_view module, std::string_view procedure,
                                 const Error& error, const char*, std::int32_t) {
   reports_.push_back({std::string(title), std::string(module), std::string(procedure), error});
-  if (onReport) onReport(reports_.back());
+  Reported.raise(reports_.back());
 }
 
 bool HostFramework::ConfirmDebugStop(std::intptr_t instance) {
-  return confirmDebugStop && confirmDebugStop(instance);
+  return seat_.front().confirmDebugStop(instance);
 }
 
-void HostFramework::DebugBreak() {
-  if (debugBreak) debugBreak();
-}
+void HostFramework::DebugBreak() { seat_.front().debugBreak(); }
 
 bool HostFramework::ItemExists(const KeyedLookup& collection, std::string_view key) {
   faults_.check("Framework", "ItemExists");
@@ -88,7 +86,7 @@ void HostProgress::Finish() {
 
 void HostProgress::moveTo(double position) {
   position_ = position;
-  if (onChange) onChange(*this);
+  Changed.raise(*this);
 }
 
 Colour HostGridUtilities::ContrastColor(Colour colour) {

@@ -3,10 +3,10 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <string>
 #include <vector>
 
+#include "host/framework/host_front.h"
 #include "host/study/fault_injector.h"
 #include "plugin/shell/host_contract.h"
 
@@ -21,8 +21,8 @@ struct Report {
 
 class HostFramework final : public Framework {
  public:
-  HostFramework(FaultInjector& faults, std::string applicationPath)
-      : faults_(faults), applicationPath_(std::move(applicationPath)) {}
+  HostFramework(FaultInjector& faults, FrontSeat& seat, std::string applicationPath)
+      : faults_(faults), seat_(seat), applicationPath_(std::move(applicationPath)) {}
 
   void ReportError(std::string_view title, std::string_view module, std::string_view procedure,
                    const Error& error, const char* text, std::int32_t flags) override;
@@ -42,12 +42,11 @@ class HostFramework final : public Framework {
   void clearReports() { reports_.clear(); }
 
   bool isDebugging = false;
-  std::function<bool(std::intptr_t)> confirmDebugStop;  // absent: never
-  std::function<void()> debugBreak;
-  std::function<void(const Report&)> onReport;  // must not throw
+  Event<const Report&> Reported;  // listeners must not throw
 
  private:
   FaultInjector& faults_;
+  FrontSeat& seat_;
   std::string applicationPath_;
   std::vector<Report> reports_;
 };
@@ -66,7 +65,7 @@ class HostProgress final : public Progress {
   void Finish() override;
 
   // After each change of the position. It may repaint, and must not let other events run.
-  std::function<void(const HostProgress&)> onChange;
+  Event<const HostProgress&> Changed;
 
  private:
   void moveTo(double position);

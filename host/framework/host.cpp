@@ -13,24 +13,23 @@ namespace banddesk::host {
 
 Host::Host(HostSettings settings)
     : settings_(std::move(settings)),
-      framework_(faults_, settings_.applicationPath),
-      platform_(faults_, settings_.codeSet, settings_.decimalSeparator),
+      framework_(faults_, seat_, settings_.applicationPath),
+      platform_(faults_, seat_, settings_.codeSet, settings_.decimalSeparator),
       progress_(faults_),
       gridUtilities_(faults_),
-      reporting_(std::make_shared<HostReportingService>(faults_)),
+      reporting_(std::make_shared<HostReportingService>(
+          faults_, seat_,
+          [this](const ReportRequest& request) { return makeReport(cast<AFLP>(request.context, "AFLP")); })),
       registry_(faults_, reporting_),
       objects_(faults_, hooks_),
-      studyService_(faults_, objects_),
+      studyService_(faults_, objects_, seat_),
       explorer_(faults_, registry_.itemDefinition()),
-      pages_(faults_, platform_) {
+      pages_(faults_, platform_, seat_) {
   platform_.whyNotInto = [this](const std::string& file) {
     return studyService_.liesIn(file) ? std::string("it is the open study") : std::string();
   };
   hooks_.open = [this](const std::shared_ptr<AFLP>& analysis, bool show) {
     return openAnalysis(analysis, show);
-  };
-  reporting_->makeReport = [this](const ReportRequest& request) {
-    return makeReport(cast<AFLP>(request.context, "AFLP"));
   };
   if (!settings_.makeBinCalculator) {
     settings_.makeBinCalculator = [] { return makeBinCalculator(); };
@@ -41,7 +40,6 @@ Host::~Host() {
   faults_.disarm();
   FirstFailure unheard;
   unheard.run([&] { closeStudy(); });
-  explorer_.tree().onChange = nullptr;
   explorer_.tree().clear(true);
   folder_.reset();
   serviceBase_.reset();
@@ -84,7 +82,6 @@ void Host::closeStudy() {
   FirstFailure failure;
   failure.run([&] { pages_.endAll(); });
   failure.run([&] { studyService_.close(); });
-  reporting_->clear();
   explorer_.tree().clear();
   failure.raise();
 }

@@ -11,6 +11,7 @@
 #include "host/framework/component.h"
 #include "host/framework/explorer.h"
 #include "host/framework/framework.h"
+#include "host/framework/host_front.h"
 #include "host/framework/object_manager.h"
 #include "host/framework/page_keeper.h"
 #include "host/framework/page_manager.h"
@@ -69,6 +70,7 @@ class Host final : public HostServices, private Application {
   std::vector<ReportRequest> reportContexts() const;
 
   // ---- the parts
+  FrontSeat& seat() { return seat_; }
   FaultInjector& faults() { return faults_; }
   HostFramework& framework() { return framework_; }
   HostPlatform& platform() { return platform_; }
@@ -109,6 +111,7 @@ class Host final : public HostServices, private Application {
 
   HostSettings settings_;
   FaultInjector faults_;
+  FrontSeat seat_;
   HostFramework framework_;
   HostPlatform platform_;
   HostProgress progress_;

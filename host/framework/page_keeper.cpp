@@ -95,23 +95,18 @@ class PageKeeper::AtWork {
 
 PageKeeper::PageKeeper(HostPageManager& pages, HostObjectManager& objects, HostPlatform& platform,
                        HostFramework& framework, FaultInjector& faults)
-    : pages_(pages), objects_(objects), platform_(platform), framework_(framework), faults_(faults) {
+    : pages_(pages), objects_(objects), framework_(framework), faults_(faults) {
   pages_.aroundProcedure = [this](const auto& page, const auto& work) { run(page, work); };
-  pages_.onColumnsSelected = [this] {
+  connections_.push_back(pages_.ColumnsSelected.connect([this] {
     if (watch_ != nullptr) watch_->selectedAt = watch_->page.tableRun().count;
-  };
-  platform_.beforeForm = [this] { formShows(); };
-  platform_.afterForm = [this](bool accepted) {
+  }));
+  connections_.push_back(platform.FormShows.connect([this] { formShows(); }));
+  connections_.push_back(platform.FormLeft.connect([this](bool accepted) {
     if (watch_ != nullptr && watch_->rebuilds && !accepted) watch_->wasRefused = true;
-  };
+  }));
 }
 
-PageKeeper::~PageKeeper() {
-  pages_.aroundProcedure = nullptr;
-  pages_.onColumnsSelected = nullptr;
-  platform_.beforeForm = nullptr;
-  platform_.afterForm = nullptr;
-}
+PageKeeper::~PageKeeper() { pages_.aroundProcedure = nullptr; }
 
 // A run that other parameters call for asks before it touches the table; a forced one asks in the middle of a
 // rebuilding.
@@ -212,22 +207,20 @@ void PageKeeper::heal(const std::shared_ptr<HostPage>& page, const std::string& 
       const PageState state = kept->second;
       const auto now = restore(page, state);
       kept_[now.get()] = state;
-      if (onReopened)
-        onReopened(*now,
-                   fmt::format("The table of \"{}\" was left incomplete ({}); the page was opened anew, "
-                               "decisions included.",
-                               name, why));
+      Reopened.raise(*now,
+                     fmt::format("The table of \"{}\" was left incomplete ({}); the page was opened anew, "
+                                 "decisions included.",
+                                 name, why));
       return;
     }
   } catch (const std::exception& error) {
     trouble = error.what();
   }
   page->markHalfMade();
-  if (onLeftHalfMade)
-    onLeftHalfMade(*page,
-                   fmt::format("The table of \"{}\" was left incomplete ({}), and the page could not be "
-                               "opened anew: {}",
-                               name, why, trouble));
+  LeftHalfMade.raise(*page,
+                     fmt::format("The table of \"{}\" was left incomplete ({}), and the page could not be "
+                                 "opened anew: {}",
+                                 name, why, trouble));
 }
 
 }  // namespace banddesk::host

@@ -55,7 +55,7 @@ struct PageState {
 
 class PageKeeper final {
  public:
-  // All outlive the keeper. It begins with its making: it takes the hooks of pages and platform.
+  // All outlive the keeper. It begins with its making: from then on every procedure goes through it.
   PageKeeper(HostPageManager& pages, HostObjectManager& objects, HostPlatform& platform,
              HostFramework& framework, FaultInjector& faults);
   ~PageKeeper();
@@ -74,8 +74,8 @@ class PageKeeper final {
   bool isAtWork() const { return isAtWork_; }
 
   // One line for the user; `page` is the one that stands there now.
-  std::function<void(HostPage& page, const std::string& line)> onReopened;
-  std::function<void(HostPage& page, const std::string& line)> onLeftHalfMade;
+  Event<HostPage& /*page*/, const std::string& /*line*/> Reopened;
+  Event<HostPage& /*page*/, const std::string& /*line*/> LeftHalfMade;
 
  private:
   struct Watch;  // of one procedure
@@ -90,12 +90,12 @@ class PageKeeper final {
 
   HostPageManager& pages_;
   HostObjectManager& objects_;
-  HostPlatform& platform_;
   HostFramework& framework_;
   FaultInjector& faults_;
   std::map<const HostPage*, PageState> kept_;  // of open pages
   Watch* watch_ = nullptr;
   bool isAtWork_ = false;
+  Connections connections_;
 };
 
 }  // namespace banddesk::host

@@ -66,16 +66,6 @@ class HeldTimers {
   std::vector<std::pair<std::shared_ptr<IPageControl>, ui::Timer*>> held_;
 };
 
-// Whether the user took the draft over.
-template <class Draft>
-bool isAccepted(
-    Draft draft, const std::function<bool(Draft&)>& user, const std::function<void()>& beforeAccept = [] {}) {
-  if (!user || !user(draft)) return false;
-  beforeAccept();
-  draft.accept();
-  return true;
-}
-
 // A save leaves the sample columns without their labels, and the page would write those into its table. It
 // makes them when the list of its sample axis is clicked, whichever way the table lies; to choose there what
 // is chosen changes nothing else. Not later: it finds the headers by the order that the columns have now.
@@ -116,7 +106,7 @@ std::shared_ptr<banddesk::Page> HostPageManager::OpenPage(const std::string& nam
   if (definition.isModal) {
     const HeldTimers held(pages_);  // until the owner has taken the answer over
     const bool accepted = runModal(*page, owner);
-    if (accepted && page->DefinitionName() == kColumnSelector && onColumnsSelected) onColumnsSelected();
+    if (accepted && page->DefinitionName() == kColumnSelector) ColumnsSelected.raise();
     page->owner().raiseExit(*page, !accepted);
     return page;
   }
@@ -148,8 +138,17 @@ void HostPageManager::start(HostPage& page, const char* className) {
 
 bool HostPageManager::runModal(const HostPage& page, PageOwner* owner) const {
   const auto layout = cast<GridLayout>(page.bound(), "GridLayout");
-  if (page.DefinitionName() != kColumnSelector) return isAccepted(ColumnSorting(*layout), sortColumns);
-  return isAccepted(ColumnSelection(*layout), selectColumns, [owner] { remakeLabels(owner); });
+  if (page.DefinitionName() == kColumnSelector) {
+    ColumnSelection draft(*layout);
+    if (!seat_.front().selectColumns(draft)) return false;
+    remakeLabels(owner);
+    draft.accept();
+    return true;
+  }
+  ColumnSorting draft(*layout);
+  const bool isAccepted = seat_.front().sortColumns(draft);
+  if (isAccepted) draft.accept();
+  return isAccepted;
 }
 
 bool HostPageManager::validate(HostPage& page) const {
@@ -172,7 +171,7 @@ bool HostPageManager::end(const std::shared_ptr<HostPage>& given, bool accept) {
   FirstFailure failure;
   failure.run([&] { page->owner().raiseExit(*page, !accept); });
   if (page->base()) failure.run([&] { page->base()->Terminate.raise(); });
-  if (watch.onEnd) failure.run([&] { watch.onEnd(*page); });
+  failure.run([&] { watch.Ended.raise(*page); });
   page->hold();
   platform_.resetPointer();
   failure.raise();
@@ -185,13 +184,13 @@ void HostPageManager::endAll() {
   failure.raise();
 }
 
-void HostPageManager::userEvent(const HostPage& page, const std::function<void()>& action) const {
+void HostPageManager::userEvent(const HostPage& page, const std::function<void()>& action) {
   const auto held = shared(page);  // another may stand in its place afterwards
   procedure(page, [&] {
     markIfPersistent(page.bound());
     action();
   });
-  if (watch.onUserEvent) watch.onUserEvent(page);
+  watch.UserActed.raise(page);
 }
 
 void HostPageManager::procedure(const HostPage& page, const std::function<void()>& work) const {
@@ -212,7 +211,7 @@ std::shared_ptr<HostPage> HostPageManager::replace(const std::shared_ptr<HostPag
   // It has taken the analysis for its own at its start, and the former let go of it at its end.
   if (const auto analysis = std::dynamic_pointer_cast<AFLP>(page->bound()))
     analysis->ResultsPage = static_cast<Object*>(page->control().get());
-  if (watch.onReplace) failure.run([&] { watch.onReplace(*former, *page); });
+  failure.run([&] { watch.Replaced.raise(*former, *page); });
   former->hold();
   platform_.resetPointer();
   failure.raise();

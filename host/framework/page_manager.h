@@ -18,7 +18,9 @@ namespace banddesk::host {
 
 class HostPageManager final : public PageManager {
  public:
-  HostPageManager(FaultInjector& faults, HostPlatform& platform) : faults_(faults), platform_(platform) {}
+  // All outlive it.
+  HostPageManager(FaultInjector& faults, HostPlatform& platform, FrontSeat& seat)
+      : faults_(faults), platform_(platform), seat_(seat) {}
 
   // The component that makes the pages; it outlives them.
   void setComponent(const Component* component) { component_ = component; }
@@ -39,7 +41,7 @@ class HostPageManager final : public PageManager {
 
   // The user does something to a page, by way of `action`. The page may take it over into its object only
   // when it is saved, so the object counts as changed from now on.
-  void userEvent(const HostPage& page, const std::function<void()>& action) const;
+  void userEvent(const HostPage& page, const std::function<void()>& action);
 
   // Runs what may change the page's table without being an act of the user: the work of a timer, an export.
   void procedure(const HostPage& page, const std::function<void()>& work) const;
@@ -62,10 +64,7 @@ class HostPageManager final : public PageManager {
   // Absent: a procedure just runs.
   std::function<void(const std::shared_ptr<HostPage>&, const std::function<void()>&)> aroundProcedure;
   // The user has accepted a selection of columns, of which a table is to be made.
-  std::function<void()> onColumnsSelected;
-  // The user's work on a column page: true accepts the draft. Absent: cancelled.
-  std::function<bool(ColumnSelection&)> selectColumns;
-  std::function<bool(ColumnSorting&)> sortColumns;
+  Event<> ColumnsSelected;
 
  private:
   // A page at work, until the end of the scope.
@@ -77,6 +76,7 @@ class HostPageManager final : public PageManager {
 
   FaultInjector& faults_;
   HostPlatform& platform_;
+  FrontSeat& seat_;
   const Component* component_ = nullptr;
   std::vector<std::shared_ptr<HostPage>> pages_;
   mutable HostPage* atWork_ = nullptr;

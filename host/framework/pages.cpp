@@ -55,19 +55,19 @@ ObjectRef HostPage::BoundObject() const {
 void HostPage::SetCaption(const std::string& caption) {
   faults_.check("Page", "Caption");
   caption_ = caption;
-  if (watch_.onChange) watch_.onChange(*this);
+  watch_.Changed.raise(*this);
 }
 
 void HostPage::SetViewIndex(std::int16_t index) {
   faults_.check("Page", "ViewIndex");
   viewIndex_ = index;
-  if (watch_.onChange) watch_.onChange(*this);
+  watch_.Changed.raise(*this);
 }
 
 void HostPage::Show() {
   faults_.check("Page", "Show");
   isShown_ = true;
-  if (watch_.onShow) watch_.onShow(*this);
+  watch_.Shown.raise(*this);
 }
 
 void HostPage::hold(std::shared_ptr<IPageControl> control, std::shared_ptr<HostPageBase> base) {

@@ -2,7 +2,6 @@
 // pages is the page manager's work.
 #pragma once
 
-#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -79,19 +78,19 @@ class HostPageBase final : public PageBase, public LivingOwner {
   std::vector<std::shared_ptr<GuardedCalculator>> calculators_;
 };
 
-// Told of what happens to pages, by whoever shows them.
+// What happens to pages, for whoever shows them.
 struct PageWatch {
-  std::function<void(HostPage&)> onShow;
-  std::function<void(HostPage&)> onEnd;
+  Event<HostPage&> Shown;
+  Event<HostPage&> Ended;
   // The page takes the other's place; that one is at its end.
-  std::function<void(HostPage& former, HostPage& page)> onReplace;
-  std::function<void(HostPage&)> onChange;           // caption or view index
-  std::function<void(const HostPage&)> onUserEvent;  // after what the user did to it
+  Event<HostPage& /*former*/, HostPage& /*page*/> Replaced;
+  Event<HostPage&> Changed;          // caption or view index
+  Event<const HostPage&> UserActed;  // after what the user did to it
 };
 
 class HostPage final : public Page, public std::enable_shared_from_this<HostPage> {
  public:
-  HostPage(FaultInjector& faults, const PageWatch& watch, std::string definitionName, std::string caption,
+  HostPage(FaultInjector& faults, PageWatch& watch, std::string definitionName, std::string caption,
            ObjectRef bound, PageOwner* owner)
       : faults_(faults),
         watch_(watch),
@@ -136,7 +135,7 @@ class HostPage final : public Page, public std::enable_shared_from_this<HostPage
 
  private:
   FaultInjector& faults_;
-  const PageWatch& watch_;
+  PageWatch& watch_;
   std::string definitionName_;
   std::string caption_;
   ObjectRef bound_;

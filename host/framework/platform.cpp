@@ -5,17 +5,11 @@
 #include <fmt/format.h>
 #include <utility>
 
+#include "host/framework/first_failure.h"
 #include "plugin/base/text.h"
 
 namespace banddesk::host {
 namespace {
-
-template <class Answer>
-Answer takeFirst(std::deque<Answer>& answers) {
-  Answer answer = std::move(answers.front());
-  answers.pop_front();
-  return answer;
-}
 
 // Of the marks of direction: U+200E, U+200F, U+202A to U+202E, U+2066 to U+2069; and all control characters.
 bool isUnseen(std::string_view c) {
@@ -44,54 +38,50 @@ std::string harmlessFileName(std::string_view suggestion) {
 
 ui::BoxAnswer HostPlatform::MsgBox(const std::string& text, std::int32_t style, const std::string& title) {
   faults_.check("Platform", "MsgBox");
-  const MessageShown message{text, style, title};
-  messages_.push_back(message);
-  if (!boxAnswers.empty()) return takeFirst(boxAnswers);
-  if (onMsgBox) return onMsgBox(message);
-  return style == ui::kExclamationRetryCancel ? ui::BoxAnswer::Cancel : ui::BoxAnswer::Ok;
+  return seat_.front().showMessage({text, style, title});
 }
 
 void HostPlatform::Beep() {
   faults_.check("Platform", "Beep");
-  ++beeps_;
-  if (onBeep) onBeep();
+  Beeped.raise();
 }
 
 void HostPlatform::SetMousePointer(std::int32_t pointer) {
   faults_.check("Platform", "MousePointer");
   pointer_ = pointer;
-  if (onMousePointer) onMousePointer(pointer);
+  PointerChanged.raise(pointer);
 }
 
 void HostPlatform::resetPointer() {
   if (pointer_ == ui::kPointerDefault) return;
   pointer_ = ui::kPointerDefault;
-  if (onMousePointer) onMousePointer(pointer_);
+  PointerChanged.raise(pointer_);
 }
 
 void HostPlatform::SetFocus(ui::Control& control) {
   faults_.check("Platform", "SetFocus");
-  focus_ = control.Name();
-  if (onSetFocus) onSetFocus(control);
+  FocusGiven.raise(control);
 }
 
 bool HostPlatform::ShowSave(ui::SaveDialog& dialog) {
   faults_.check("Platform", "ShowSave");
   dialog.FileName = harmlessFileName(dialog.FileName.get());
-  std::optional<SaveAnswer> answer;
-  if (!saveAnswers.empty()) {
-    answer = takeFirst(saveAnswers);
-  } else if (onShowSave) {
-    answer = onShowSave(dialog);
-    for (std::string why; answer && !(why = whyRefused(answer->fileName)).empty();) {
-      tellRefused(answer->fileName, why);
-      answer = onShowSave(dialog);
-    }
-  }
+  const auto answer = seat_.front().askWhereToSave(dialog);
   if (!answer) return false;
   dialog.FileName = answer->fileName;
   dialog.FilterIndex = answer->filterIndex;
   return true;
+}
+
+std::optional<SaveAnswer> HostPlatform::askUntilWritable(
+    const std::function<std::optional<SaveAnswer>()>& ask) {
+  for (;;) {
+    auto answer = ask();
+    const std::string why = answer ? whyRefused(answer->fileName) : std::string();
+    if (why.empty()) return answer;
+    const std::string text = fmt::format("{} cannot be written: {}", answer->fileName, why);
+    seat_.front().showMessage({text, ui::kInformation, "Save"});
+  }
 }
 
 std::string HostPlatform::whyRefused(const std::string& fileName) const {
@@ -99,14 +89,9 @@ std::string HostPlatform::whyRefused(const std::string& fileName) const {
   return why.empty() ? whyNotWritable(fileName) : why;
 }
 
-void HostPlatform::tellRefused(const std::string& fileName, const std::string& why) {
-  messages_.push_back({fmt::format("{} cannot be written: {}", fileName, why), ui::kInformation, "Save"});
-  if (onMsgBox) onMsgBox(messages_.back());
-}
-
 void HostPlatform::RunModal(ui::Form& form) {
   faults_.check("Platform", "RunModal");
-  if (beforeForm) beforeForm();
+  FormShows.raise();
   bool accepted = false;
   Connection choice;
   for (ui::Control* control : form.Controls().all()) {
@@ -115,27 +100,29 @@ void HostPlatform::RunModal(ui::Form& form) {
     choice = button->Click.connect([&] { accepted = true; });
     break;
   }
-  if (!formAnswers.empty()) {
-    takeFirst(formAnswers)(form);
-  } else if (onRunModal) {
-    onRunModal(form);
-  }
-  if (afterForm) afterForm(accepted);
+  seat_.front().runForm(form);
+  FormLeft.raise(accepted);
 }
 
 void HostPlatform::ShowPopup(ui::MenuItem& menu, ui::MenuItem* defaultItem) {
   faults_.check("Platform", "ShowPopup");
-  if (!popupAnswers.empty()) {
-    takeFirst(popupAnswers)(menu, defaultItem);
-  } else if (onShowPopup) {
-    onShowPopup(menu, defaultItem);
-  }
+  wasPopupAsked_ = true;
+  if (showsPopups_) seat_.front().showPopup(menu, defaultItem);
+}
+
+bool HostPlatform::withoutPopups(const std::function<void()>& work) {
+  const bool showed = std::exchange(showsPopups_, false);
+  wasPopupAsked_ = false;
+  FirstFailure failure;
+  failure.run(work);
+  showsPopups_ = showed;
+  failure.raise();
+  return wasPopupAsked_;
 }
 
 void HostPlatform::ShowHelp(const std::string& topic, std::int32_t command, std::int32_t data) {
   faults_.check("Platform", "ShowHelp");
-  help_.push_back({topic, command, data});
-  if (onShowHelp) onShowHelp(help_.back());
+  HelpAsked.raise({topic, command, data});
 }
 
 std::string HostPlatform::JoinPath(const std::string& folder, const std::string& relative) {

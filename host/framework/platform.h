@@ -1,37 +1,22 @@
-// The platform under the pages. Its questions go to whoever sits in front: answers waiting in a queue are
-// taken first (tests), then the hook (a desktop, a command line), else the careful answer: OK, or Cancel
-// where there is a choice. What it is asked is kept for tests to see.
+// The platform under the pages. Its questions go to the front of the host; what else the pages do to it is told
+// by events.
 #pragma once
 
-#include <deque>
 #include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
 
+#include "host/framework/host_front.h"
 #include "host/framework/text_files.h"
 #include "host/study/fault_injector.h"
-#include "plugin/ui/dialogs.h"
-#include "plugin/ui/platform.h"
 
 namespace banddesk::host {
-
-struct MessageShown {
-  std::string text;
-  std::int32_t style;
-  std::string title;
-};
 
 struct HelpShown {
   std::string topic;
   std::int32_t command;
   std::int32_t data;
-};
-
-struct SaveAnswer {
-  std::string fileName;  // the full path
-  std::int32_t filterIndex = 1;
 };
 
 // A name as a file of one folder may have it on any system: no separators, control characters or marks that
@@ -40,8 +25,9 @@ std::string harmlessFileName(std::string_view suggestion);
 
 class HostPlatform final : public ui::Platform {
  public:
-  HostPlatform(FaultInjector& faults, const std::string& codeSet, char decimalSeparator)
-      : faults_(faults), files_(faults, codeSet), decimalSeparator_(decimalSeparator) {}
+  // Faults and seat outlive it.
+  HostPlatform(FaultInjector& faults, FrontSeat& seat, const std::string& codeSet, char decimalSeparator)
+      : faults_(faults), seat_(seat), files_(faults, codeSet), decimalSeparator_(decimalSeparator) {}
 
   ui::BoxAnswer MsgBox(const std::string& text, std::int32_t style, const std::string& title) override;
   void Beep() override;
@@ -56,51 +42,35 @@ class HostPlatform final : public ui::Platform {
   std::string JoinPath(const std::string& folder, const std::string& relative) override;
   char DecimalSeparator() const override { return decimalSeparator_; }
 
-  // A modal form is about to show, and was left: by its first button or in another way.
-  std::function<void()> beforeForm;
-  std::function<void(bool accepted)> afterForm;
-
   // The pointer as it is when nothing runs: what failed leaves its hourglass behind.
   void resetPointer();
+  // Runs what clicks for code and not for the user: no popup menu shows. Whether one was asked for.
+  bool withoutPopups(const std::function<void()>& work);
+  // For a front with a user: asks, by way of `ask`, until the file can be written or the user cancels. Each
+  // refusal is a message.
+  std::optional<SaveAnswer> askUntilWritable(const std::function<std::optional<SaveAnswer>()>& ask);
 
-  // Answers for the next questions, the first one first. No save answer in its optional is a cancel.
-  std::deque<ui::BoxAnswer> boxAnswers;
-  std::deque<std::optional<SaveAnswer>> saveAnswers;
-  std::deque<std::function<void(ui::Form&)>> formAnswers;
-  std::deque<std::function<void(ui::MenuItem& menu, ui::MenuItem* defaultItem)>> popupAnswers;
-
-  // Who answers when no answer waits.
-  std::function<ui::BoxAnswer(const MessageShown&)> onMsgBox;
-  // Asked again, after a message, until the file that it names can be written.
-  std::function<std::optional<SaveAnswer>(ui::SaveDialog&)> onShowSave;
-  // Why a file must not be written, although it could be; absent: none is refused.
+  // Why a file must not be written, although it could be; absent: none is refused. The host's.
   std::function<std::string(const std::string& fileName)> whyNotInto;
-  std::function<void(ui::Form&)> onRunModal;
-  std::function<void(ui::MenuItem& menu, ui::MenuItem* defaultItem)> onShowPopup;
-  // Who is told.
-  std::function<void(const HelpShown&)> onShowHelp;
-  std::function<void()> onBeep;
-  std::function<void(std::int32_t pointer)> onMousePointer;
-  std::function<void(ui::Control&)> onSetFocus;
 
-  const std::vector<MessageShown>& messages() const { return messages_; }
-  const std::vector<HelpShown>& help() const { return help_; }
-  int beeps() const { return beeps_; }
-  // The control that was last given the focus by code, by its name; empty before.
-  const std::string& focus() const { return focus_; }
+  // A modal form is about to show, and was left: by its first button or in another way.
+  Event<> FormShows;
+  Event<bool> FormLeft;
+  Event<> Beeped;
+  Event<std::int32_t> PointerChanged;
+  Event<ui::Control&> FocusGiven;
+  Event<const HelpShown&> HelpAsked;
 
  private:
   std::string whyRefused(const std::string& fileName) const;
-  void tellRefused(const std::string& fileName, const std::string& why);
 
   FaultInjector& faults_;
+  FrontSeat& seat_;
   DiskTextFiles files_;
   char decimalSeparator_;
   std::int32_t pointer_ = ui::kPointerDefault;
-  std::vector<MessageShown> messages_;
-  std::vector<HelpShown> help_;
-  int beeps_ = 0;
-  std::string focus_;
+  bool showsPopups_ = true;
+  bool wasPopupAsked_ = false;
 };
 
 }  // namespace banddesk::host

@@ -15,8 +15,8 @@ std::shared_ptr<Command> makeGuardedCommand(FaultInjector& faults) {
 void HostReportingService::NewReport(const std::string& contextName, const ObjectRef& context,
                                      std::int32_t contextType) {
   faults_.check("ReportingService", "NewReport");
-  requests_.push_back({contextName, context, contextType});
-  if (onReport && makeReport) onReport(requests_.back(), makeReport(requests_.back()));
+  const ReportRequest request{contextName, context, contextType};
+  seat_.front().showReport(request, [&] { return makePage_(request); });
   ReportFinished.raise();
 }
 
@@ -28,7 +28,7 @@ bool HostOptions::ShowInclusionWarning() const {
 void HostOptions::SetShowInclusionWarning(bool show) {
   faults_.check("Options", "ShowInclusionWarning");
   showInclusionWarning_ = show;
-  if (onChange) onChange(*this);
+  Changed.raise(*this);
 }
 
 HostRegistry::HostRegistry(FaultInjector& faults, const ObjectRef& reportingService)

@@ -5,8 +5,9 @@
 #include <functional>
 #include <memory>
 #include <string>
-#include <vector>
+#include <utility>
 
+#include "host/framework/host_front.h"
 #include "host/study/fault_injector.h"
 #include "plugin/shell/host_contract.h"
 
@@ -18,26 +19,20 @@ inline constexpr const char* kNewAnalysisCommand = "NewAFLP1";
 inline constexpr const char* kNewReportCommand = "NewReport";
 inline constexpr const char* kReportingService = "ReportingService";
 
-struct ReportRequest {
-  std::string contextName;
-  ObjectRef context;
-  std::int32_t contextType = 0;
-};
-
 class HostReportingService final : public ReportingService {
  public:
-  explicit HostReportingService(FaultInjector& faults) : faults_(faults) {}
-  // Keeps the request, makes the report where somebody wants it, and tells that it is finished.
-  void NewReport(const std::string& contextName, const ObjectRef& context, std::int32_t contextType) override;
+  using MakePage = std::function<std::string(const ReportRequest&)>;  // as HTML
 
-  std::function<std::string(const ReportRequest&)> makeReport;                      // as an HTML page
-  std::function<void(const ReportRequest&, const std::string& htmlPage)> onReport;  // who shows or keeps it
-  const std::vector<ReportRequest>& requests() const { return requests_; }
-  void clear() { requests_.clear(); }
+  // Faults and seat outlive it.
+  HostReportingService(FaultInjector& faults, FrontSeat& seat, MakePage makePage)
+      : faults_(faults), seat_(seat), makePage_(std::move(makePage)) {}
+  // Hands the report to the front, and tells that it is finished.
+  void NewReport(const std::string& contextName, const ObjectRef& context, std::int32_t contextType) override;
 
  private:
   FaultInjector& faults_;
-  std::vector<ReportRequest> requests_;
+  FrontSeat& seat_;
+  MakePage makePage_;
 };
 
 class HostOptions final : public Options {
@@ -47,7 +42,7 @@ class HostOptions final : public Options {
   void SetShowInclusionWarning(bool show) override;
   // As they were kept; nobody is told.
   void load(bool showInclusionWarning) { showInclusionWarning_ = showInclusionWarning; }
-  std::function<void(const HostOptions&)> onChange;  // for whoever keeps the options between runs
+  Event<const HostOptions&> Changed;  // for whoever keeps the options between runs
 
  private:
   FaultInjector& faults_;

@@ -21,8 +21,8 @@ ResultRecord& resultIn(StudyRecord& record, std::int32_t resultId) {
 
 }  // namespace
 
-HostStudyService::HostStudyService(FaultInjector& faults, HostObjectManager& objects)
-    : faults_(faults), objects_(objects), options_(faults) {}
+HostStudyService::HostStudyService(FaultInjector& faults, HostObjectManager& objects, FrontSeat& seat)
+    : faults_(faults), objects_(objects), seat_(seat), options_(faults) {}
 
 std::shared_ptr<banddesk::Study> HostStudyService::Study() {
   faults_.check("StudyService", "Study");
@@ -48,15 +48,14 @@ std::int16_t HostStudyService::DisplayViewIndex() {
 std::int32_t HostStudyService::CheckAnalysis(std::shared_ptr<AFLP>& analysis) {
   constexpr std::int32_t kOpenAsStored = 1;
   faults_.check("StudyService", "CheckAnalysis");
-  if (checkAnalysis) return checkAnalysis(analysis);
-  AFLP& checked = required(analysis, "AFLP");
+  const AFLP& checked = required(analysis, "AFLP");
   const std::int32_t stamp = required(study_, "Study").ResultStamp;
-  if (checked.IsPending || checked.ResultStamp == stamp || !decideStale) return kOpenAsStored;
-  switch (decideStale(checked)) {
+  if (checked.IsPending || checked.ResultStamp == stamp) return kOpenAsStored;
+  switch (seat_.front().decideStale(analysis)) {
     case StaleAnalysis::DoNotOpen:
       return kDoNotOpen;
     case StaleAnalysis::Redo:
-      checked.ResultStamp = stamp;
+      required(analysis, "AFLP").ResultStamp = stamp;
       return kRedo;
     case StaleAnalysis::OpenAsStored:
       break;

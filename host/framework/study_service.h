@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "host/framework/host_front.h"
 #include "host/framework/object_manager.h"
 #include "host/framework/services.h"
 #include "host/store/store.h"
@@ -17,11 +18,10 @@
 
 namespace banddesk::host {
 
-enum class StaleAnalysis { DoNotOpen, OpenAsStored, Redo };
-
 class HostStudyService final : public StudyService {
  public:
-  HostStudyService(FaultInjector& faults, HostObjectManager& objects);
+  // All outlive it.
+  HostStudyService(FaultInjector& faults, HostObjectManager& objects, FrontSeat& seat);
 
   std::shared_ptr<banddesk::Study> Study() override;
   bool IsStudyOpen() override;
@@ -59,11 +59,6 @@ class HostStudyService final : public StudyService {
   // Kept with the study, if it can be written.
   void setDisplayViewIndex(std::int16_t index);
 
-  // Asked when the study's results have changed since an analysis was made; absent: opened as stored.
-  std::function<StaleAnalysis(const AFLP&)> decideStale;
-  // Takes the place of the whole check.
-  std::function<std::int32_t(std::shared_ptr<AFLP>&)> checkAnalysis;
-
  private:
   void drop();
   StudyRecord record() const;
@@ -73,6 +68,7 @@ class HostStudyService final : public StudyService {
 
   FaultInjector& faults_;
   HostObjectManager& objects_;
+  FrontSeat& seat_;
   HostOptions options_;
   std::shared_ptr<Store> store_;
   std::shared_ptr<banddesk::Study> study_;

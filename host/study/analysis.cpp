@@ -111,7 +111,6 @@ ObjectRef HostAFLP::Open(bool& show) {
 
 void HostAFLP::ReportFinished() {
   if (guard() != nullptr) guard()->check(typeName(), "ReportFinished");
-  if (hooks_.reportFinished) hooks_.reportFinished(shared_from_this());
 }
 
 void HostAFLP::leaveStudy() {

@@ -1,5 +1,5 @@
 // An analysis as the host makes it, with the layouts that a new one starts with. What it does beyond holding
-// its fields (opening its pages, hearing of reports) is handed in.
+// its fields, opening its pages, is handed in.
 #pragma once
 
 #include <cstdint>
@@ -13,7 +13,6 @@ namespace banddesk::host {
 
 struct AnalysisHooks {
   std::function<ObjectRef(const std::shared_ptr<AFLP>&, bool& show)> open;
-  std::function<void(const std::shared_ptr<AFLP>&)> reportFinished;
 };
 
 class HostAFLP final : public AFLP, public std::enable_shared_from_this<HostAFLP> {

@@ -30,13 +30,14 @@ namespace {
 class Front : public testing::Test {
  protected:
   host::FaultInjector faults;
-  host::HostPlatform platform{faults, "UTF-8", '.'};
+  host::FrontSeat seat;
+  host::HostPlatform platform{faults, seat, "UTF-8", '.'};
   WidgetRegistry widgets;
   QWidget window;
 };
 
 TEST_F(Front, MessageBoxesHaveTheIconsButtonsAndAnswersOfTheirStyle) {
-  const PlatformFront front(platform, &window, widgets, {});
+  const PlatformFront front(platform, seat, &window, widgets);
   const struct {
     std::int32_t style;
     QMessageBox::Icon icon;
@@ -66,7 +67,7 @@ TEST_F(Front, MessageBoxesHaveTheIconsButtonsAndAnswersOfTheirStyle) {
 
 TEST_F(Front, ThePointerFollowsTheValueWithoutStackingAndIsPlainOverDialogs) {
   {
-    const PlatformFront front(platform, &window, widgets, {});
+    const PlatformFront front(platform, seat, &window, widgets);
     platform.SetMousePointer(11);
     platform.SetMousePointer(11);
     ASSERT_NE(QApplication::overrideCursor(), nullptr);
@@ -82,11 +83,11 @@ TEST_F(Front, ThePointerFollowsTheValueWithoutStackingAndIsPlainOverDialogs) {
     platform.SetMousePointer(11);
   }
   EXPECT_EQ(QApplication::overrideCursor(), nullptr) << "the front leaves no pointer behind";
-  EXPECT_EQ(platform.MsgBox("nobody answers", 53, ""), ui::BoxAnswer::Cancel) << "nor a hook";
+  EXPECT_EQ(platform.MsgBox("nobody answers", 53, ""), ui::BoxAnswer::Cancel) << "nor itself";
 }
 
 TEST_F(Front, TheFocusMovesOnlyAfterTheCallerIsDone) {
-  const PlatformFront front(platform, &window, widgets, {});
+  const PlatformFront front(platform, seat, &window, widgets);
   QLineEdit first(&window);
   QLineEdit second(&window);
   ui::TextBox control("txt");
@@ -100,13 +101,12 @@ TEST_F(Front, TheFocusMovesOnlyAfterTheCallerIsDone) {
 }
 
 TEST_F(Front, AnItemOfAPopupIsTheUsersActUnlessItOnlyLooks) {
-  int acts = 0;
-  FrontActions actions;
-  actions.userAction = [&](const std::function<void()>& act) {
-    ++acts;
-    act();
+  struct Counting final : PlatformFront {
+    using PlatformFront::PlatformFront;
+    void act(const std::function<void()>& work) override { ++acts, work(); }
+    int acts = 0;
   };
-  const PlatformFront front(platform, &window, widgets, actions);
+  const Counting front(platform, seat, &window, widgets);
   ui::MenuItem sort("mnuSortColumn", "Sort Column");
   ui::MenuItem view("mnuSingleCell", "Show Single &Result...");
   ui::MenuItem print("mnuPrint1", "&Print Grid...");
@@ -133,10 +133,10 @@ TEST_F(Front, AnItemOfAPopupIsTheUsersActUnlessItOnlyLooks) {
     platform.ShowPopup(menu, &sort);
   };
   take("mnuSingleCell");
-  EXPECT_EQ(acts, 0);
+  EXPECT_EQ(front.acts, 0);
   take("mnuPrintBW1");
   take("mnuSortColumn");
-  EXPECT_EQ(acts, 2);
+  EXPECT_EQ(front.acts, 2);
   EXPECT_EQ(taken, (std::vector<std::string>{"mnuSingleCell", "mnuPrintBW1", "mnuSortColumn"}));
   sort.Enabled = false;
   take("mnuSortColumn");

@@ -20,9 +20,9 @@ const test::Script kScript{{0, {{100, {1, 0, 2}}, {200, {0, 1, 0}}}}, {1, {{300,
 class Shown {
  public:
   explicit Shown(const std::string& definition, const QSize& size = {1200, 700}) : desk(kScript) {
-    desk.host.platform().onSetFocus = [this](ui::Control& control) {
+    focusing = desk.host.platform().FocusGiven.connect([this](const ui::Control& control) {
       if (QWidget* found = registry.find(control)) found->setFocus();
-    };
+    });
     PageActions actions;
     actions.accept = [this] { accepted = desk.host.pages().end(page, true); };
     actions.cancel = [this] { desk.host.pages().end(page, false); };
@@ -71,6 +71,7 @@ class Shown {
   bool accepted = false;
   std::vector<std::string> errors;
   std::unique_ptr<QWidget> widget;
+  Connection focusing;
 };
 
 TEST(Pages, KeepABadWidthUnderTheCursorUntilItIsGood) {
@@ -79,7 +80,7 @@ TEST(Pages, KeepABadWidthUnderTheCursorUntilItIsGood) {
     shown.type("txtMaxBinWidth", "10.5");
     QTest::keyClick(&shown.of("txtMaxBinWidth"), Qt::Key_Tab);
     EXPECT_EQ(shown.focus(), "txtMaxBinWidth");
-    EXPECT_EQ(shown.desk.host.platform().beeps(), 1);
+    EXPECT_EQ(shown.desk.front.beeps, 1);
     EXPECT_EQ(shown.of("txtMaxBinWidth").palette().color(QPalette::Base), QColor(Qt::yellow));
     EXPECT_EQ(shown.analyses(), 0U);
     shown.type("txtMaxBinWidth", "2.5");
@@ -165,7 +166,7 @@ TEST(ResultsPage, CountsAsChangedByWhatTheUserDoesOnly) {
   QTest::keyClick(&shown.of("txtYThreshold"), Qt::Key_Tab);
   QTest::mouseClick(&shown.of("cmdHelp"), Qt::LeftButton);
   EXPECT_FALSE(shown.isChanged());
-  EXPECT_EQ(shown.desk.host.platform().help().back().topic, "AFLP");
+  EXPECT_EQ(shown.desk.front.help.back().topic, "AFLP");
   QTest::keyClick(&shown.of("chkShowWellID"), Qt::Key_Space);
   EXPECT_EQ(shown.control<ui::CheckBox>("chkShowWellID").Value, ui::kChecked);
   EXPECT_TRUE(shown.isChanged());
@@ -213,8 +214,7 @@ class WarningForm : public ::testing::Test {
  protected:
   WarningForm() : shown("AFLP") {
     shown.desk.host.study().Options().SetShowInclusionWarning(true);
-    shown.desk.host.platform().onRunModal = [this](ui::Form& form) { runForm(form, shown.widget.get()); };
-    shown.desk.host.platform().popupAnswers.emplace_back([](ui::MenuItem&, ui::MenuItem*) {});
+    shown.desk.front.onRunModal = [this](ui::Form& form) { runForm(form, shown.widget.get()); };
     shown.desk.grid().rightClick(1, 1);
     shown.desk.choose("mnuExcludeBin");
   }
@@ -243,7 +243,7 @@ TEST_F(WarningForm, GoesOnByEnterAndPutsTheWidthBackByCancelEscapeAndFrame) {
 }
 
 TEST_F(WarningForm, OpensHelpForAReleaseThatNoPressCameBeforeAndKeepsTheTick) {
-  const auto& help = shown.desk.host.platform().help();
+  const auto& help = shown.desk.front.help;
   answer([&](QDialog& dialog) {
     QAbstractButton& tick = buttonCalled(dialog, "Do not show this dialog in the future");
     QTest::mouseClick(&tick, Qt::LeftButton, {}, QPoint(5, tick.height() / 2));

@@ -22,8 +22,9 @@ using testing::SizeIs;
 class Kept : public testing::Test {
  protected:
   Kept() : desk({{0, bins()}}, {"a", "b", "c", "d", "e", "f"}) {
-    keeper.onReopened = [this](HostPage&, const std::string& line) { lines.push_back(line); };
-    keeper.onLeftHalfMade = [this](HostPage&, const std::string& line) { lines.push_back(line); };
+    for (auto* told : {&keeper.Reopened, &keeper.LeftHalfMade})
+      connections.push_back(
+          told->connect([this](HostPage&, const std::string& line) { lines.push_back(line); }));
     desk.newAnalysis();
     desk.host.save();
     act([&] { desk.page().SortCol(desk.page().Col("83")); });
@@ -59,12 +60,12 @@ class Kept : public testing::Test {
     desk.host.pages().userEvent(*desk.pageNamed("AFLP"), action);
   }
   void answerWarning(const char* button) {
-    desk.host.platform().formAnswers.emplace_back(
+    desk.front.formAnswers.emplace_back(
         [=](ui::Form& form) { form.Controls().find<ui::CommandButton>(button)->Click.raise(); });
   }
   std::string csv() {
     const auto path = (std::filesystem::path(folder) / "table.csv").string();
-    desk.host.platform().saveAnswers.emplace_back(SaveAnswer{path, 1});
+    desk.front.saveAnswers.emplace_back(SaveAnswer{path, 1});
     act([&] { desk.page().Export(); });
     return test::fileText(path);
   }
@@ -77,6 +78,7 @@ class Kept : public testing::Test {
   Desk desk;
   PageKeeper& keeper = desk.host.keepTablesWhole();
   std::vector<std::string> lines;
+  Connections connections;
   std::string folder = testFolder().string();
 };
 
@@ -114,7 +116,7 @@ TEST_F(Kept, OpensThePageAnewWhereAProcedureEndedHalfWay) {
       {"columns, cancelled",
        [&] {
          answerWarning("btnCancel");
-         desk.host.pages().selectColumns = [](ColumnSelection& draft) {
+         desk.front.onSelectColumns = [](ColumnSelection& draft) {
            for (std::size_t i = 0; i < draft.entries.size(); i += 2) draft.entries[i].isVisible = false;
            return true;
          };
@@ -143,7 +145,7 @@ TEST_F(Kept, OpensThePageAnewWhereAProcedureEndedHalfWay) {
        "cancelled"},
       {"a file that cannot be written",
        [&] {
-         desk.host.platform().saveAnswers.emplace_back(SaveAnswer{missing, 1});
+         desk.front.saveAnswers.emplace_back(SaveAnswer{missing, 1});
          desk.choose("mnuExport1");
        },
        "No such file"},
@@ -178,7 +180,7 @@ TEST_F(Kept, OpensThePageAnewWhereAProcedureEndedHalfWay) {
       // Whoever called hears of it too.
     }
     desk.host.faults().disarm();
-    desk.host.platform().formAnswers.clear();
+    desk.front.formAnswers.clear();
     EXPECT_NE(desk.pageNamed("AFLP"), former);
     EXPECT_EQ(former->control(), nullptr);
     EXPECT_EQ(analysis.ResultsPage.get(), static_cast<Object*>(desk.pageNamed("AFLP")->control().get()));
@@ -235,7 +237,7 @@ TEST_F(Kept, NeitherSavesNorWorksOnAPageThatCouldNotBeOpenedAnew) {
   EXPECT_TRUE(page->isHalfMade());
   EXPECT_THAT(lines.back(), HasSubstr("could not be opened anew"));
   EXPECT_THROW(csv(), Error);
-  desk.host.platform().saveAnswers.clear();
+  desk.front.saveAnswers.clear();
   desk.analysis().Persistent().IsDirty = true;
   EXPECT_THAT(desk.host.save().saved, SizeIs(1));
   const auto analysis = std::dynamic_pointer_cast<AFLP>(page->bound());

@@ -131,7 +131,7 @@ TEST(ColumnSort, GivesItsKeysPrioritiesAndUnsortsTheRest) {
   columns("7")->SortPriority = 1;
   columns("7")->SortOrder = 0;
   columns("8")->Header = "";
-  desk.host.pages().sortColumns = [&](ColumnSorting& draft) {
+  desk.front.onSortColumns = [&](ColumnSorting& draft) {
     EXPECT_EQ(draft.keys.at(0).column, columns("7"));
     EXPECT_EQ(draft.columns()[2].label, columns("8")->ToolTip.get()) << "for want of a header";
     draft.keys = {{columns("83"), true}, {columns("8"), false}};
@@ -182,7 +182,7 @@ TEST(Tree, RefusesANameThatASaveCouldNotTellApart) {
   rename("NEW aflp 2");
   EXPECT_EQ(tree.children()[1].base->displayName(), "NEW aflp 2");
   rename(std::string(51, 'x'));
-  EXPECT_EQ(desk.host.platform().messages().size(), 1U);
+  EXPECT_EQ(desk.front.messages.size(), 1U);
 }
 
 TEST(SaveFlow, NamesTheAnalysesThatItCannotTellApart) {
@@ -234,7 +234,7 @@ TEST(SaveFlow, StoresThePageOfEachChosenItemBeforeItIsSaved) {
 TEST(Pages, KeepTheSamplesLabelsWhenColumnsAreSelectedAfterASave) {
   for (const bool isTransposed : {false, true}) {
     Desk desk;
-    desk.host.pages().selectColumns = [](ColumnSelection& draft) {
+    desk.front.onSelectColumns = [](ColumnSelection& draft) {
       std::ranges::reverse(draft.entries);
       return true;
     };

@@ -134,33 +134,38 @@ TEST_F(TextFile, TakesItsPlaceOnlyWhenItIsWhole) {
 
 TEST(Platform, AsksAgainUntilTheFileCanBeWritten) {
   FaultInjector faults;
-  HostPlatform platform(faults, "UTF-8", '.');
+  FrontSeat seat;
+  HostPlatform platform(faults, seat, "UTF-8", '.');
   const fs::path folder = test::testFolder();
   std::deque<std::string> files = {"/proc/none/a.csv", folder.string(), "study", (folder / "a.csv").string()};
   platform.whyNotInto = [](const std::string& file) { return file == "study" ? "it is open" : ""; };
-  platform.onShowSave = [&](ui::SaveDialog&) {
+  test::TestFront front(platform, seat);
+  const auto ask = [&] {
     const SaveAnswer answer{files.front(), 2};
     files.pop_front();
     return std::optional(answer);
   };
+  front.onShowSave = [&](ui::SaveDialog&) { return platform.askUntilWritable(ask); };
   ui::SaveDialog dialog("dialog");
   EXPECT_TRUE(platform.ShowSave(dialog));
   EXPECT_EQ(dialog.FileName.get(), (folder / "a.csv").string());
-  ASSERT_EQ(platform.messages().size(), 3U);
-  EXPECT_THAT(platform.messages()[1].text, testing::HasSubstr("Is a directory"));
-  EXPECT_THAT(platform.messages()[2].text, testing::HasSubstr("it is open"));
+  ASSERT_EQ(front.messages.size(), 3U);
+  EXPECT_THAT(front.messages[1].text, testing::HasSubstr("Is a directory"));
+  EXPECT_THAT(front.messages[2].text, testing::HasSubstr("it is open"));
 }
 
 TEST(Platform, JoinsPathsOfEitherSlash) {
   FaultInjector faults;
-  HostPlatform platform(faults, "UTF-8", '.');
+  FrontSeat seat;
+  HostPlatform platform(faults, seat, "UTF-8", '.');
   EXPECT_EQ(platform.JoinPath("/opt/banddesk/bin", "..\\Export\\"), "/opt/banddesk/Export/");
   EXPECT_EQ(platform.JoinPath("/opt/banddesk/", "a/./b.csv"), "/opt/banddesk/a/b.csv");
 }
 
 TEST(Platform, AnswersABoxThatNobodySeesWithTheCarefulButton) {
   FaultInjector faults;
-  HostPlatform platform(faults, "UTF-8", '.');
+  FrontSeat seat;
+  HostPlatform platform(faults, seat, "UTF-8", '.');
   EXPECT_EQ(platform.MsgBox("Again?", ui::kExclamationRetryCancel, ""), ui::BoxAnswer::Cancel);
   EXPECT_EQ(platform.MsgBox("Done.", ui::kInformation, ""), ui::BoxAnswer::Ok);
   ui::SaveDialog dialog("ctlDialog");
@@ -246,11 +251,13 @@ TEST(Platform, SuggestsNamesThatAreNoPathsAndNoTricks) {
        })
     EXPECT_EQ(harmlessFileName(given), suggested);
   FaultInjector faults;
-  HostPlatform platform(faults, "UTF-8", '.');
+  FrontSeat seat;
+  HostPlatform platform(faults, seat, "UTF-8", '.');
   ui::SaveDialog dialog("ctlDialog");
   dialog.FileName = "/etc/passwd";
   std::string asked;
-  platform.onShowSave = [&](ui::SaveDialog& shown) -> std::optional<SaveAnswer> {
+  test::TestFront front(platform, seat);
+  front.onShowSave = [&](ui::SaveDialog& shown) -> std::optional<SaveAnswer> {
     asked = shown.FileName;
     return std::nullopt;
   };

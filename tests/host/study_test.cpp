@@ -170,7 +170,7 @@ TEST(Study, CountsDeletedResultsNoMoreAndKeepsThemForTheirAnalyses) {
     desk.host.pages().endAll();
     desk.host.runNewAnalysis();
     EXPECT_THAT(desk.host.pages().openPages(), IsEmpty());
-    EXPECT_THAT(desk.host.platform().messages().back().text, HasSubstr("Please add results"));
+    EXPECT_THAT(desk.front.messages.back().text, HasSubstr("Please add results"));
     desk.host.closeStudy();
   }
   EXPECT_EQ(desk.store->readStudy().results.size(), 3U);
@@ -183,7 +183,7 @@ TEST(Study, AsksAboutAnAnalysisWhoseResultsHaveChanged) {
   analysis->ResultStamp = service.Study()->ResultStamp.get();
   StaleAnalysis answer = StaleAnalysis::DoNotOpen;
   int asked = 0;
-  service.decideStale = [&](const AFLP&) { return ++asked, answer; };
+  desk.front.onDecideStale = [&](std::shared_ptr<AFLP>&) { return ++asked, answer; };
   EXPECT_EQ(service.CheckAnalysis(analysis), 1);
   EXPECT_EQ(asked, 0);
   service.setResultExcluded(1, true);

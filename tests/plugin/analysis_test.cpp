@@ -123,7 +123,7 @@ TEST(Analyze, StopsAtABadNumberAndWithoutResults) {
     desk.control<ui::TextBox>(box).Text = before;
   }
   EXPECT_EQ(desk.calculators->calculated.size(), 4U);
-  EXPECT_EQ(desk.host.platform().beeps(), 2);
+  EXPECT_EQ(desk.front.beeps, 2);
 
   Desk empty(kScript, {"only"});
   empty.newAnalysis();

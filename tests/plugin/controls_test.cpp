@@ -61,12 +61,12 @@ TEST(Numbers, AreCheckedOnLeavingWithABeepAndSilentlyForTheHost) {
     EXPECT_FALSE(desk.host.pages().validate(*desk.pageNamed("AFLP")));
     EXPECT_EQ(width.BackColor, c.widthIsGood ? 0xFFFFFFU : 0x00FFFFU);
     EXPECT_EQ(threshold.BackColor, c.thresholdIsGood ? 0xFFFFFFU : 0x00FFFFU);
-    EXPECT_EQ(desk.host.platform().focus(), c.widthIsGood ? "txtYThreshold" : "txtMaxBinWidth");
-    EXPECT_EQ(desk.host.platform().beeps(), 0);
+    EXPECT_EQ(desk.front.focus, c.widthIsGood ? "txtYThreshold" : "txtMaxBinWidth");
+    EXPECT_EQ(desk.front.beeps, 0);
   }
   EXPECT_FALSE(width.leave());
   EXPECT_FALSE(threshold.leave());
-  EXPECT_EQ(desk.host.platform().beeps(), 2);
+  EXPECT_EQ(desk.front.beeps, 2);
   EXPECT_EQ(runs(desk), 1U);
   for (const auto& [box, text] : {std::pair("txtYThreshold", "7"), {"txtMaxBinWidth", "2"}}) {
     desk.control<ui::TextBox>(box).Text = text;
@@ -236,9 +236,9 @@ TEST(Controls, StandInTheirOrderWithTheirTexts) {
 // Where the indicator stands after each step of long work.
 std::vector<double> progressOf(Desk& desk, const std::function<void()>& work) {
   std::vector<double> seen;
-  desk.host.progress().onChange = [&](const host::HostProgress& bar) { seen.push_back(bar.Position()); };
+  const auto follows = desk.host.progress().Changed.connect(
+      [&](const host::HostProgress& bar) { seen.push_back(bar.Position()); });
   work();
-  desk.host.progress().onChange = nullptr;
   return seen;
 }
 

@@ -14,6 +14,7 @@
 #include "host/grid/grid_control.h"
 #include "host/store/memory_store.h"
 #include "plugin/banddesk.h"
+#include "tests/support/test_front.h"
 
 namespace banddesk::test {
 
@@ -95,6 +96,7 @@ class Desk {
 
  public:
   host::Host host;
+  TestFront front{host.platform(), host.seat()};
 };
 
 // The component under test; tools/mutants puts a broken one in its place.

@@ -301,7 +301,7 @@ TEST(Warning, GuardsDecisionsAndPutsTheParametersBack) {
   auto& platform = t.desk.host.platform();
   int asked = 0;
   const auto runWith = [&](const char* button, const char* text, bool dontShow) {
-    platform.formAnswers = {[=, &t, &platform, &asked](ui::Form& form) {
+    t.desk.front.formAnswers = {[=, &t, &platform, &asked](ui::Form& form) {
       ++asked;
       EXPECT_EQ(form.Caption(), "Inclusion/Exclusion Warning");
       EXPECT_EQ(platform.MousePointer(), 0);
@@ -337,9 +337,9 @@ TEST(Warning, GuardsDecisionsAndPutsTheParametersBack) {
 TEST(Warning, HasItsTextsAndHelpUnlessAPressCameBefore) {
   Shown t({{0, {{100, {1, 1, 1}}, {200, {1, 0, 1}}}}});
   t.excludeBin(2);
-  auto& platform = t.desk.host.platform();
+  const auto& help = t.desk.front.help;
   std::vector<std::size_t> helps;
-  platform.formAnswers = {[&](ui::Form& form) {
+  t.desk.front.formAnswers = {[&](ui::Form& form) {
     EXPECT_EQ(form.Controls().find<ui::Label>("lblWarning")->Caption.get(),
               "This action will cause all manually included and excluded bins to be lost. Are you sure that "
               "you want to "
@@ -349,7 +349,7 @@ TEST(Warning, HasItsTextsAndHelpUnlessAPressCameBefore) {
     for (const bool pressed : {true, false, false, true}) {
       if (pressed) form.MouseDown();
       form.MouseUp(nullptr);
-      helps.push_back(platform.help().size());
+      helps.push_back(help.size());
     }
     auto& box = *form.Controls().find<ui::CheckBox>("chkDontShow");
     box.click();
@@ -359,8 +359,7 @@ TEST(Warning, HasItsTextsAndHelpUnlessAPressCameBefore) {
   }};
   t.page.Analyze(true);
   EXPECT_THAT(helps, ElementsAre(0, 1, 2, 2));
-  EXPECT_TRUE(platform.help()[0].topic == "AFLPWarning" && platform.help()[0].command == 1 &&
-              platform.help()[0].data == 0);
+  EXPECT_TRUE(help[0].topic == "AFLPWarning" && help[0].command == 1 && help[0].data == 0);
 }
 
 }  // namespace

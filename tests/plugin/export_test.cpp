@@ -20,7 +20,7 @@ const std::vector<std::string> kParameters{"Name: New AFLP 1",
 
 std::string exported(Desk& desk, const std::string& name, std::int32_t type) {
   const std::string path = scratch(name);
-  desk.host.platform().saveAnswers.emplace_back(host::SaveAnswer{path, type});
+  desk.front.saveAnswers.emplace_back(host::SaveAnswer{path, type});
   desk.page().Export();
   return fileText(path);
 }
@@ -113,12 +113,12 @@ TEST(Files, CanBeRetriedAtEveryLineWhileAnotherProgramHoldsThem) {
       const char* statement = line == -1 ? "OpenForOutput" : line == 0 ? "Close" : "Print";
       for (const bool retry : {true, false}) {
         desk.host.faults().failAt("TextFiles", statement, std::max(line, 1), held);
-        desk.host.platform().boxAnswers = {retry ? ui::BoxAnswer::Retry : ui::BoxAnswer::Cancel};
-        const std::size_t asked = desk.host.platform().messages().size();
+        desk.front.boxAnswers = {retry ? ui::BoxAnswer::Retry : ui::BoxAnswer::Cancel};
+        const std::size_t asked = desk.front.messages.size();
         const std::string text = exported(desk, "t", type);
         EXPECT_TRUE(!retry || text == whole) << type << " " << statement << line;
-        ASSERT_EQ(desk.host.platform().messages().size(), asked + 1);
-        const auto& shown = desk.host.platform().messages().back();
+        ASSERT_EQ(desk.front.messages.size(), asked + 1);
+        const auto& shown = desk.front.messages.back();
         EXPECT_THAT(shown.text,
                     ::testing::MatchesRegex("Error open file '.*/t'\\.\rThe file maybe open by other "
                                             "application"));
@@ -136,11 +136,11 @@ TEST(Files, ThatFailOtherwiseAreClosedAndReported) {
     Desk desk(kScript, kSamples);
     desk.newAnalysis();
     desk.host.faults().failAt("TextFiles", "Print", 10, Error(ErrorNumber::DiskFull, "file", "full"));
-    desk.host.platform().saveAnswers.emplace_back(host::SaveAnswer{scratch("t"), type});
+    desk.front.saveAnswers.emplace_back(host::SaveAnswer{scratch("t"), type});
     EXPECT_THROW(desk.page().Export(), Error);
     EXPECT_EQ(desk.host.framework().reports().front().procedure, type == 1 ? "ExportCSV" : "ExportNTSYSpc");
     EXPECT_EQ(desk.host.platform().Files().FreeFile(), 1) << "the file is still open";
-    EXPECT_TRUE(desk.host.platform().messages().empty());
+    EXPECT_TRUE(desk.front.messages.empty());
   }
 }
 
@@ -149,7 +149,7 @@ TEST(Export, AsksForANameWithItsDialogAndTouchesNothingOnCancel) {
   desk.newAnalysis();
   auto& dialog = desk.control<ui::SaveDialog>("ctlDialog");
   std::vector<std::string> folders;
-  desk.host.platform().onShowSave = [&](ui::SaveDialog& asked) {
+  desk.front.onShowSave = [&](ui::SaveDialog& asked) {
     folders.push_back(asked.InitDir.get());
     EXPECT_EQ(asked.FilterIndex, 1);
     EXPECT_TRUE(asked.CancelError);

@@ -20,9 +20,9 @@ std::shared_ptr<AFLP> analysis(Desk& desk) { return desk.host.study().Study()->A
 std::shared_ptr<IExplorerItemAccess> item(Desk& desk) { return desk.host.tree().children().at(0).item; }
 
 void answerQuestions(Desk& desk) {
-  desk.host.platform().onShowSave = [](ui::SaveDialog&) { return host::SaveAnswer{scratch("out"), 1}; };
-  desk.host.pages().selectColumns = [](host::ColumnSelection&) { return true; };
-  desk.host.pages().sortColumns = [](host::ColumnSorting& sorting) {
+  desk.front.onShowSave = [](ui::SaveDialog&) { return host::SaveAnswer{scratch("out"), 1}; };
+  desk.front.onSelectColumns = [](host::ColumnSelection&) { return true; };
+  desk.front.onSortColumns = [](host::ColumnSorting& sorting) {
     sorting.keys = {{sorting.columns().at(0).column, true}};
     return true;
   };
@@ -118,7 +118,7 @@ void addMouse(std::vector<Road>& all) {
   });
   event(all, "analysis that loses decisions", [](Desk& desk) {
     desk.chooseAt(2, 1, "mnuExcludeBin");
-    desk.host.platform().onRunModal = [](ui::Form& form) {
+    desk.front.onRunModal = [](ui::Form& form) {
       form.Controls().find<ui::CheckBox>("chkDontShow")->click();
       form.MouseUp(form.Controls().find<ui::Label>("lblWarning"));
       form.Controls().find<ui::CommandButton>("btnOK")->Click.raise();
@@ -161,7 +161,7 @@ void addHost(std::vector<Road>& all) {
     openAnalysis(desk);
     desk.host.pages().endAll();
     desk.host.study().setResultExcluded(2, true);
-    desk.host.study().checkAnalysis = [](std::shared_ptr<AFLP>&) { return 2; };
+    desk.front.onDecideStale = [](std::shared_ptr<AFLP>&) { return host::StaleAnalysis::Redo; };
   });
   call(all, "open transposed", open, [](Desk& desk) {
     openAnalysis(desk);
@@ -183,7 +183,7 @@ void addStudy(std::vector<Road>& all) {
   });
   call(all, "delete", [](Desk& desk) { desk.host.runCommand(item(desk), "DeleteAFLP"); });
   call(all, "report", [](Desk& desk) {
-    desk.host.reports().onReport = [](const host::ReportRequest&, const std::string&) {};
+    desk.front.makesReports = true;
     desk.host.runCommand(item(desk), "NewReport");
   });
   call(all, "report contexts", [](Desk& desk) { desk.host.reportContexts(); });

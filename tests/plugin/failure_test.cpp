@@ -70,7 +70,7 @@ void expectUsable(const Pair& pair, Desk& desk) {
   auto& pages = desk.host.pages();
   auto& reports = desk.host.framework();
   desk.host.faults().disarm();
-  desk.host.platform().onRunModal = [](ui::Form& form) {
+  desk.front.onRunModal = [](ui::Form& form) {
     form.Controls().find<ui::CommandButton>("btnOK")->Click.raise();
   };
   // The command of new analyses waits for the next study where the opening of this one has failed; and a
@@ -172,7 +172,7 @@ TEST(Failures, ReportEachLevelOnceAndRestoreNothing) {
   Desk other(sweptScript());
   other.newAnalysis();
   other.host.faults().failAt("TextFiles", "Print", 3, Error(ErrorNumber::DiskFull, "file", "full"));
-  other.host.platform().saveAnswers.emplace_back(host::SaveAnswer{scratch("t.csv"), 1});
+  other.front.saveAnswers.emplace_back(host::SaveAnswer{scratch("t.csv"), 1});
   EXPECT_THROW(other.page().Export(), Error);
   EXPECT_THAT(chain(other), ::testing::ElementsAre("ExportCSV", "Export"));
   EXPECT_FALSE(other.grid().GridEnabledRedraw());
@@ -216,15 +216,12 @@ TEST(Failures, OfARunNameTheStatementTheyCameFrom) {
 TEST(Failures, AskTheDeveloperInDebugModeAndGoOnTheirWay) {
   Desk desk(sweptScript());
   desk.openStudy();
-  int asked = 0;
-  int stopped = 0;
   desk.host.framework().isDebugging = true;
-  desk.host.framework().confirmDebugStop = [&](std::intptr_t) { return ++asked == 1; };
-  desk.host.framework().debugBreak = [&] { ++stopped; };
   desk.host.faults().failAt("ObjectManager", "Query", 1, Error(ErrorNumber::Internal, "store", "broken"));
   EXPECT_THROW(desk.host.service().NewAFLP(), Error);
-  EXPECT_EQ(asked, 3);  // GenerateNewAFLPName, NewAFLP of the folder, NewAFLP of the service
-  EXPECT_EQ(stopped, 1);
+  // GenerateNewAFLPName, NewAFLP of the folder, NewAFLP of the service
+  EXPECT_EQ(desk.front.debugQuestions, 3);
+  EXPECT_EQ(desk.front.debugBreaks, 1) << "for the first only";
   EXPECT_EQ(desk.host.framework().reports().size(), 3U);
 }
 

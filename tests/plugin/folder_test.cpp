@@ -98,18 +98,20 @@ TEST(Folder, OpensAnAnalysisThatItKnowsWithoutAddingIt) {
 
 TEST(Folder, OpensAsTheCheckOfTheAnalysisSaysAndWhatItGivesInstead) {
   struct Case {
-    std::int32_t answer;
+    host::StaleAnalysis answer;
     bool opens;
     bool redone;
   };
+  using enum host::StaleAnalysis;
   for (const Case& c :
-       {Case{0, false, false}, Case{1, true, false}, Case{2, true, true}, Case{3, true, false}}) {
+       {Case{DoNotOpen, false, false}, Case{OpenAsStored, true, false}, Case{Redo, true, true}}) {
+    SCOPED_TRACE(static_cast<int>(c.answer));
     Desk desk(kOneBin);
     desk.newAnalysis();
     desk.newAnalysis();
     const auto& analyses = desk.host.study().Study()->AFLPs;
     desk.host.pages().endAll();
-    desk.host.study().checkAnalysis = [&](std::shared_ptr<AFLP>& analysis) {
+    desk.front.onDecideStale = [&](std::shared_ptr<AFLP>& analysis) {
       EXPECT_EQ(analysis, analyses.Item(1));
       analysis = analyses.Item(2);
       return c.answer;
@@ -117,13 +119,13 @@ TEST(Folder, OpensAsTheCheckOfTheAnalysisSaysAndWhatItGivesInstead) {
     // With a result taken out of the study meanwhile, only a redone analysis follows.
     desk.host.study().setResultExcluded(2, true);
     desk.host.runCommand(desk.host.tree().children().front().item, "OpenAFLP");
-    ASSERT_EQ(desk.host.pages().openPages().size(), c.opens ? 1U : 0U) << c.answer;
+    ASSERT_EQ(desk.host.pages().openPages().size(), c.opens ? 1U : 0U);
     if (c.opens) {
       EXPECT_EQ(&desk.analysis(), analyses.Item(2).get());
       EXPECT_TRUE(desk.pageNamed("AFLP")->isShown());
     }
     EXPECT_EQ(analyses.Item(1)->Results.Count(), 3);
-    EXPECT_EQ(analyses.Item(2)->Results.Count(), c.redone ? 2 : 3) << c.answer;
+    EXPECT_EQ(analyses.Item(2)->Results.Count(), c.redone ? 2 : 3);
     EXPECT_FALSE(analyses.Item(1)->IsPending || analyses.Item(2)->IsPending);
   }
 }
@@ -192,7 +194,7 @@ TEST(Item, TakesNamesOfUpToFiftyCharactersAndRetitlesThePage) {
   };
   for (const Case& c : {Case{fifty, true}, Case{fifty + "x", false}, Case{"", true}, Case{"Other", true}}) {
     const std::string before = desk.analysis().Name;
-    const std::size_t asked = desk.host.platform().messages().size();
+    const std::size_t asked = desk.front.messages.size();
     desk.host.runCommand(item, "RenameAFLP");
     EXPECT_EQ(node.edited, before) << "the edit begins with the stored name";
     node.base->SetText(c.name);  // what was typed stands in the tree
@@ -200,9 +202,9 @@ TEST(Item, TakesNamesOfUpToFiftyCharactersAndRetitlesThePage) {
     EXPECT_EQ(desk.analysis().Name.get(), c.isTaken ? c.name : before);
     EXPECT_EQ(desk.pageNamed("AFLP")->Caption(), "AFLP - " + desk.analysis().Name.get());
     EXPECT_EQ(node.base->displayName(), desk.analysis().Name.get());
-    ASSERT_EQ(desk.host.platform().messages().size(), asked + (c.isTaken ? 0 : 1));
+    ASSERT_EQ(desk.front.messages.size(), asked + (c.isTaken ? 0 : 1));
     if (c.isTaken) continue;
-    const auto& shown = desk.host.platform().messages().back();
+    const auto& shown = desk.front.messages.back();
     EXPECT_TRUE(shown.text == "Maximum length is 50 characters" && shown.title == "Rename" &&
                 shown.style == 64);
     EXPECT_EQ(node.base->text(), before);

@@ -65,9 +65,9 @@ TEST(Menus, PopUpByPlaceWithTheirItemsPrepared) {
                           Case{2, 2, "mnuCell", "&Hide Column"}, Case{2, 9, "mnuCell", "&Hide Column"},
                           Case{2, 10, "mnuCell", "&Exclude Column views"}, Case{2, 0, "", "&Hide Column"}}) {
       std::string shown;
-      desk.host.platform().popupAnswers = {[&](ui::MenuItem& menu, ui::MenuItem* usual) {
+      desk.front.onShowPopup = [&](ui::MenuItem& menu, ui::MenuItem* usual) {
         shown = menu.Name() + (usual == nullptr ? "" : " " + usual->Name());
-      }};
+      };
       transposed ? desk.grid().rightClick(c.col, c.row) : desk.grid().rightClick(c.row, c.col);
       const std::string at =
           std::to_string(c.row) + "," + std::to_string(c.col) + (transposed ? " transposed" : "");
@@ -110,7 +110,7 @@ TEST(Menus, DoTheSameFromCellColumnAndRow) {
       EXPECT_EQ(printer.Last.isBlackWhite, blackWhite);
     }
     const std::string path = scratch("t" + number);
-    desk.host.platform().saveAnswers.emplace_back(host::SaveAnswer{path, 1});
+    desk.front.saveAnswers.emplace_back(host::SaveAnswer{path, 1});
     desk.choose("mnuExport" + number);
     EXPECT_TRUE(std::filesystem::exists(path));
   }
@@ -140,7 +140,8 @@ TEST(Menus, SortWhereTheRightClickWas) {
 std::vector<std::string> opened(Desk& desk, const std::string& item) {
   const std::size_t before = desk.host.pages().openPages().size();
   std::vector<std::string> shown;
-  desk.host.pages().watch.onShow = [&](host::HostPage& page) { shown.push_back(page.Caption()); };
+  const auto listens = desk.host.pages().watch.Shown.connect(
+      [&](const host::HostPage& page) { shown.push_back(page.Caption()); });
   desk.choose(item);
   std::vector<std::string> windows;
   for (std::size_t i = before; i < desk.host.pages().openPages().size(); ++i) {

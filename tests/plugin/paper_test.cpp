@@ -200,7 +200,7 @@ TEST(Copy, AsksBeforeItLosesDecisionsAndIsLeftEmptyWhenThatIsRefused) {
   IAFLPResultsPage& page = desk.newAnalysis();
   for (const auto& [button, rows] : {std::pair("btnOK", 2), {"btnCancel", 0}}) {
     desk.chooseAt(2, 1, "mnuExcludeBin");
-    desk.host.platform().formAnswers.emplace_back([button = button](ui::Form& form) {
+    desk.front.formAnswers.emplace_back([button = button](ui::Form& form) {
       form.Controls().find<ui::CommandButton>(button)->Click.raise();
     });
     page.CopyGrid();

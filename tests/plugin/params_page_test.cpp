@@ -47,7 +47,7 @@ TEST(ParamsPage, KeepsItsDesignWithoutAStudyAndTakesTheDyesOfTheNextOne) {
             "Populated "
             "Bins=1|Exclude Samples w/o &Qualifying "
             "Peaks=1|Dyes|D&1=0|D&2=1|D&3=1|D&4=1|255|2147483663|49152|16711680|");
-  EXPECT_TRUE(desk.host.platform().messages().empty());
+  EXPECT_TRUE(desk.front.messages.empty());
   const auto& picture = Desk::control<ui::Image>(*page->control(), "imgAFLP");
   EXPECT_TRUE(picture.Width == 425 && picture.Height == 88);
   desk.host.study().open(desk.store);
@@ -84,12 +84,12 @@ TEST(ParamsPage, BeepsForTheUserWhoLeavesABadBoxAndNotForTheHost) {
   boxes.width.Text = "11";
   boxes.threshold.Text = "-1";
   EXPECT_FALSE(desk.host.pages().validate(*page));
-  EXPECT_EQ(desk.host.platform().beeps(), 0);
-  EXPECT_EQ(desk.host.platform().focus(), "txtYThreshold");
+  EXPECT_EQ(desk.front.beeps, 0);
+  EXPECT_EQ(desk.front.focus, "txtYThreshold");
   EXPECT_FALSE(boxes.width.leave());
-  EXPECT_EQ(desk.host.platform().focus(), "txtMaxBinWidth");
+  EXPECT_EQ(desk.front.focus, "txtMaxBinWidth");
   EXPECT_FALSE(boxes.threshold.leave());
-  EXPECT_EQ(desk.host.platform().beeps(), 2);
+  EXPECT_EQ(desk.front.beeps, 2);
 }
 
 TEST(ParamsPage, StepsTheWidthByFiveHundredthsAndTheThresholdByItsBuddy) {

@@ -73,40 +73,37 @@ std::vector<host::NewResult> smallPopulation() {
 
 RandomUser::RandomUser(Desk& desk, UpTo upTo, std::string output)
     : desk_(desk), upTo_(std::move(upTo)), output_(std::move(output)) {
-  auto& platform = desk_.host.platform();
-  auto& pages = desk_.host.pages();
-  platform.onRunModal = [this](ui::Form& form) {
+  auto& front = desk_.front;
+  front.onRunModal = [this](ui::Form& form) {
     if (!answerForm(form, upTo_)) refused_ = true;
   };
-  platform.onBeep = [this] { refused_ = true; };
-  platform.onMsgBox = [this](const host::MessageShown&) {
+  beeps_ = desk_.host.platform().Beeped.connect([this] { refused_ = true; });
+  front.onMsgBox = [this](const host::MessageShown&) {
     refused_ = true;
     return ui::BoxAnswer::Cancel;
   };
-  platform.onShowSave = [this](ui::SaveDialog&) -> std::optional<host::SaveAnswer> {
+  front.onShowSave = [this](ui::SaveDialog&) -> std::optional<host::SaveAnswer> {
     if (upTo_(4) == 0) return std::nullopt;
     return host::SaveAnswer{output_, upTo_(1) + 1};
   };
-  platform.onShowPopup = [this](ui::MenuItem& menu, ui::MenuItem*) {
+  front.onShowPopup = [this](ui::MenuItem& menu, ui::MenuItem*) {
     std::vector<ui::MenuItem*> items;
     leaves(menu, items);
     ui::MenuItem& item = *one(items, upTo_);
     said_ += " " + item.Name();
     item.choose();
   };
-  pages.selectColumns = [this](host::ColumnSelection& draft) { return arrange(draft, upTo_); };
-  pages.sortColumns = [this](host::ColumnSorting& draft) { return arrange(draft, upTo_); };
+  front.onSelectColumns = [this](host::ColumnSelection& draft) { return arrange(draft, upTo_); };
+  front.onSortColumns = [this](host::ColumnSorting& draft) { return arrange(draft, upTo_); };
 }
 
 RandomUser::~RandomUser() {
-  auto& platform = desk_.host.platform();
-  platform.onRunModal = nullptr;
-  platform.onBeep = nullptr;
-  platform.onMsgBox = nullptr;
-  platform.onShowSave = nullptr;
-  platform.onShowPopup = nullptr;
-  desk_.host.pages().selectColumns = nullptr;
-  desk_.host.pages().sortColumns = nullptr;
+  desk_.front.onRunModal = nullptr;
+  desk_.front.onMsgBox = nullptr;
+  desk_.front.onShowSave = nullptr;
+  desk_.front.onShowPopup = nullptr;
+  desk_.front.onSelectColumns = nullptr;
+  desk_.front.onSortColumns = nullptr;
 }
 
 void RandomUser::act() {

@@ -52,6 +52,7 @@ class RandomUser {
   std::string said_;
   host::GridControl* grid_ = nullptr;  // that of the page in hand, while it is checked
   bool isTransposed_ = false;
+  Connection beeps_;
   bool refused_ = false;  // an analysis was, so the table may lag behind until the page opens again
 };
 

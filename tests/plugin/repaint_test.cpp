@@ -27,16 +27,16 @@ std::vector<Work> works() {
   };
   const auto sortPage = [](bool accepts) {
     return [accepts](Desk& desk) {
-      desk.host.pages().sortColumns = [=](host::ColumnSorting&) { return accepts; };
+      desk.front.onSortColumns = [=](host::ColumnSorting&) { return accepts; };
       desk.choose("mnuSortColumns");
     };
   };
   const auto exportTable = [](Desk& desk) {
-    desk.host.platform().saveAnswers.emplace_back(host::SaveAnswer{scratch("t.csv"), 1});
+    desk.front.saveAnswers.emplace_back(host::SaveAnswer{scratch("t.csv"), 1});
     desk.page().Export();
   };
   const auto selectColumns = [](Desk& desk) {
-    desk.host.pages().selectColumns = [](host::ColumnSelection&) { return true; };
+    desk.front.onSelectColumns = [](host::ColumnSelection&) { return true; };
     desk.chooseAt(0, 10, "mnuSelectColumns");
   };
   return {
@@ -76,7 +76,8 @@ TEST(Repainting, EndsEveryWorkOnceAndPutsLockProtectionAndPointerBack) {
       int repaints = 0, pointers = 0;
       const auto counts = desk.grid().Repaint.connect([&] { ++repaints; });
       desk.host.platform().SetMousePointer(5);
-      desk.host.platform().onMousePointer = [&](std::int32_t pointer) { pointers += pointer == 11 ? 1 : 0; };
+      const auto hourglasses = desk.host.platform().PointerChanged.connect(
+          [&](std::int32_t pointer) { pointers += pointer == 11 ? 1 : 0; });
       desk.grid().LockUpdate(locked);
       desk.grid().SetLockReadOnly(!locked);
       work.run(desk);
@@ -99,10 +100,10 @@ TEST(Repainting, KeepsTheGridLockedWhileItWorks) {
     desk.newAnalysis();
     desk.grid().SetLockReadOnly(true);
     std::vector<double> seen;
-    desk.host.progress().onChange = [&](const host::HostProgress& progress) {
+    const auto follows = desk.host.progress().Changed.connect([&](const host::HostProgress& progress) {
       seen.push_back(progress.Position());
       EXPECT_TRUE(progress.Position() == 0 || desk.grid().isLocked()) << work.name;
-    };
+    });
     work.run(desk);
     EXPECT_TRUE(seen.empty() || seen.back() == 0) << work.name;
   }

@@ -70,7 +70,7 @@ TEST(Service, SaysOnceWhatANewAnalysisLacksAndMakesNothing) {
     desk.host.service().NewAFLP();
     desk.host.faults().disarm();
     if (!isOpen) desk.host.service().OpenAFLP(nullptr);
-    const auto& messages = desk.host.platform().messages();
+    const auto& messages = desk.front.messages;
     ASSERT_EQ(messages.size(), isOpen ? 1U : 2U);
     for (const auto& shown : messages) {
       EXPECT_TRUE(shown.text == text && shown.style == 64 && shown.title == "AFLP Analysis") << shown.text;
@@ -93,6 +93,7 @@ TEST(Service, DoesNothingAndSaysNothingWithoutAFolder) {
   host::HostSettings settings;
   settings.hasFolder = false;
   host::Host host(settings);
+  const TestFront front(host.platform(), host.seat());
   host.loadComponent(componentFile());
   host::NewResult result;
   result.sampleName = "a";
@@ -121,11 +122,11 @@ TEST(Service, DoesNothingAndSaysNothingWithoutAFolder) {
   host.study().StudyClosed.raise();
   EXPECT_FALSE(host.serviceBase().Commands.Item("NewAFLP1")->Enabled);
   EXPECT_THAT(host.pages().openPages(), IsEmpty());
-  EXPECT_THAT(host.platform().messages(), IsEmpty());
+  EXPECT_THAT(front.messages, IsEmpty());
   EXPECT_THAT(host.framework().reports(), IsEmpty());
   host.closeStudy();
   item->OpenAFLP();
-  EXPECT_EQ(host.platform().messages().size(), 1U) << "an item asks for a study first";
+  EXPECT_EQ(front.messages.size(), 1U) << "an item asks for a study first";
 }
 
 TEST(SaveFlow, ListsWhatIsNewChangedAndDeletedAndRefusesEqualDescriptions) {
@@ -197,8 +198,8 @@ TEST(Reports, AreMadeOfTheItemsAnalysisAndFinishedForAll) {
   desk.host.save();
   desk.host.faults().startRecording();
   desk.host.runCommand(desk.host.tree().children().at(1).item, "NewReport");
-  ASSERT_EQ(desk.host.reports().requests().size(), 1U);
-  const auto& request = desk.host.reports().requests().front();
+  ASSERT_EQ(desk.front.reports.size(), 1U);
+  const auto& request = desk.front.reports.front();
   EXPECT_EQ(request.contextName, "New AFLP 2");
   EXPECT_EQ(request.contextType, 1013);
   EXPECT_EQ(request.context, desk.host.study().Study()->AFLPs.Item(2));

@@ -134,13 +134,13 @@ TEST(Sorting, ByAColumnHidesTheRowsOfExcludedBinsAndUncheckedDyes) {
 TEST(Sorting, ByThePageForColumnsTakesItsKeysAndForgetsThoseOfSamples) {
   Sorted t;
   t.page.SortCol(12);
-  t.desk.host.pages().sortColumns = [](host::ColumnSorting& sorting) {
+  t.desk.front.onSortColumns = [](host::ColumnSorting& sorting) {
     sorting.keys = {{sorting.columns().at(0).column, true}};
     return false;
   };
   t.desk.choose("mnuSortColumns");
   EXPECT_EQ(t.state(), "-3!-3=0 ");
-  t.desk.host.pages().sortColumns = [](host::ColumnSorting& sorting) {
+  t.desk.front.onSortColumns = [](host::ColumnSorting& sorting) {
     EXPECT_EQ(sorting.columns().size(), 9U);
     sorting.keys = {{sorting.columns().at(0).column, true}};
     return true;

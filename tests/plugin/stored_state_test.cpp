@@ -164,7 +164,7 @@ TEST(Stored, ChoosingSamplesEditsExclusionAndCancellingChangesNothing) {
   const std::string before = columnsOf(desk);
   EXPECT_EQ(before, "-1@10 -2@11-x -3@12 ");
   std::string offered;
-  desk.host.pages().selectColumns = [&](host::ColumnSelection& selection) {
+  desk.front.onSelectColumns = [&](host::ColumnSelection& selection) {
     for (const auto& entry : selection.entries) offered += entry.isVisible ? "+" : "-";
     return false;
   };
@@ -173,7 +173,7 @@ TEST(Stored, ChoosingSamplesEditsExclusionAndCancellingChangesNothing) {
   EXPECT_EQ(offered, "+-+");
   EXPECT_EQ(columnsOf(desk), before);
   EXPECT_TRUE(desk.calculators->calculated.empty());
-  desk.host.pages().selectColumns = [](host::ColumnSelection& selection) {
+  desk.front.onSelectColumns = [](host::ColumnSelection& selection) {
     std::swap(selection.entries.front(), selection.entries.back());
     for (auto& entry : selection.entries) entry.isVisible = entry.column->Key.get() != "-3";
     return true;
@@ -186,7 +186,7 @@ TEST(Stored, ChoosingSamplesEditsExclusionAndCancellingChangesNothing) {
 
   // For columns of bin information it is about visibility alone.
   desk.grid().rightClick(0, 3);
-  desk.host.pages().selectColumns = [](host::ColumnSelection& selection) {
+  desk.front.onSelectColumns = [](host::ColumnSelection& selection) {
     selection.entries.front().isVisible = false;
     return true;
   };
@@ -217,7 +217,8 @@ TEST(Stored, ARedoneAnalysisFollowsTheStudyAndClosesTheGapsOfWhatIsGone) {
   analysis->IsPending = true;
   desk.calculators->added.clear();
   std::vector<double> progress;
-  desk.host.progress().onChange = [&](const host::HostProgress& bar) { progress.push_back(bar.Position()); };
+  const auto follows = desk.host.progress().Changed.connect(
+      [&](const host::HostProgress& bar) { progress.push_back(bar.Position()); });
   desk.reopen(analysis);
   EXPECT_EQ(columnsOf(desk), "-2@10 -4@11 ");
   EXPECT_EQ(analysis->SampleGrid->Columns.Item("-4")->ToolTip.get(), "d");
@@ -242,8 +243,8 @@ TEST(Stored, APageFollowsTheStudyTheNameAndItsResults) {
   desk.host.study().Study()->ResultChanged.raise();
   EXPECT_TRUE(desk.analysis().Persistent().IsDirty);
   desk.control<ui::CommandButton>("cmdHelp").Click.raise();
-  ASSERT_EQ(desk.host.platform().help().size(), 1U);
-  EXPECT_TRUE(desk.host.platform().help()[0].command == 1 && desk.host.platform().help()[0].data == 0);
+  ASSERT_EQ(desk.front.help.size(), 1U);
+  EXPECT_TRUE(desk.front.help[0].command == 1 && desk.front.help[0].data == 0);
   EXPECT_EQ(page.Transpose(), false);
 }
 
@@ -251,7 +252,7 @@ TEST(Stored, APageFollowsTheStudyTheNameAndItsResults) {
 TEST(Stored, NothingRunsBelowTheSelectionOfColumns) {
   Desk desk({{0, {{100, {1, 1, 0}}, {200, {1, 0, 1}}, {300, {1, 1, 1}}}}});
   desk.newAnalysis();
-  desk.host.pages().selectColumns = [&](host::ColumnSelection& selection) {
+  desk.front.onSelectColumns = [&](host::ColumnSelection& selection) {
     EXPECT_FALSE(desk.wait());
     selection.entries[2].isVisible = false;
     return true;
