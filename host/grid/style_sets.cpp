@@ -10,25 +10,6 @@ namespace {
 
 constexpr std::size_t kMostStyles = std::size_t{1} << 24;
 
-template <class Style, class Other, class Action>
-void eachAttribute(Style& style, Other& other, Action action) {
-  action(style.value, other.value);
-  action(style.userAttribute, other.userAttribute);
-  action(style.toolTip, other.toolTip);
-  action(style.baseStyle, other.baseStyle);
-  action(style.interior, other.interior);
-  action(style.textColor, other.textColor);
-  action(style.horizontalAlignment, other.horizontalAlignment);
-  action(style.verticalAlignment, other.verticalAlignment);
-  action(style.format, other.format);
-  action(style.places, other.places);
-  action(style.readOnly, other.readOnly);
-  action(style.wrapText, other.wrapText);
-  action(style.draw3dFrame, other.draw3dFrame);
-  action(style.font, other.font);
-  action(style.styleToolTip, other.styleToolTip);
-}
-
 std::size_t mixed(std::size_t seed, std::size_t hash) {
   return seed ^ (hash + 0x9E3779B97F4A7C15U + (seed << 6U) + (seed >> 2U));
 }
@@ -46,8 +27,8 @@ std::size_t hashOf(const GridBrush& brush) {
 
 std::size_t StyleHash::operator()(const StyleAttributes& style) const {
   std::size_t hash = 0;
-  eachAttribute(style, style, [&hash](const auto& attribute, const auto&) {
-    hash = mixed(hash, attribute ? hashOf(*attribute) + 1 : 0);
+  eachField(kStyleAttributes, [&](auto attribute) {
+    hash = mixed(hash, style.*attribute ? hashOf(*(style.*attribute)) + 1 : 0);
   });
   return hash;
 }
@@ -68,8 +49,8 @@ StyleId StyleChange::workOut(StyleId own) {
   if (mode_ == StyleMode::Override) overlay(changed, look_);
   if (mode_ == StyleMode::Copy) changed = look_;
   if (mode_ == StyleMode::Remove) {
-    eachAttribute(changed, look_, [](auto& attribute, const auto& taken) {
-      if (taken) attribute.reset();
+    eachField(kStyleAttributes, [&](auto attribute) {
+      if (look_.*attribute) (changed.*attribute).reset();
     });
   }
   const StyleId result = sets_.intern(changed);

@@ -8,22 +8,19 @@
 namespace banddesk::host {
 namespace {
 
-// A put of an equal value would raise what a put raises.
-constexpr auto putChanged = [](auto& field, const auto& value) {
-  if (field.get() != value) field = value;
-};
-
 void putBack(const LayoutSnapshot& stored, GridLayout& layout) {
   auto from = stored.columns.begin();
-  for (const auto& column : layout.Columns) pairFields(*column, *from++, putChanged);
+  for (const auto& column : layout.Columns) putFields(kColumnFields, *column, *from++);
 }
 
 }  // namespace
 
 AnalysisMarks::AnalysisMarks(AFLP& analysis) : analysis_(analysis), fields_(snapshotOf(analysis)) {
   for (const auto& column : analysis.SampleGrid->Columns) sampleHeaders_.push_back(column->Header);
-  for (const auto& bin : analysis.AFLPBins)
-    decisions_.push_back({bin, {bin->Key, bin->ManuallyExcluded, bin->ManuallyIncluded}, bin->Saved});
+  for (const auto& bin : analysis.AFLPBins) {
+    Decision& decision = decisions_.emplace_back(Decision{bin, {}, bin->Saved});
+    takeFields(kBinFields, *bin, decision.fields);
+  }
   for (const auto& bin : analysis.AFLPBins.DeletedItems()) deleted_.push_back(bin);
   visitOwned(analysis,
              [&](PersistentObject& owned) { states_.emplace_back(&owned, owned.persistentState()); });
@@ -45,20 +42,22 @@ void AnalysisMarks::putDecisionsBack() {
     for (const auto& bin : deleted_) deleted.Add(bin, bin->collectionKey());
   }
   for (const Decision& decision : decisions_) {
-    putChanged(decision.bin->ManuallyExcluded, decision.fields.manuallyExcluded);
-    putChanged(decision.bin->ManuallyIncluded, decision.fields.manuallyIncluded);
+    putFields(kBinFields, *decision.bin, decision.fields);
     decision.bin->Saved = decision.saved;
   }
 }
 
 void AnalysisMarks::putBack() {
-  pairFields(analysis_, fields_, putChanged);
+  putFields(kAnalysisFields, analysis_, fields_);
   host::putBack(fields_.binGrid, *analysis_.BinGrid);
   host::putBack(fields_.sampleGrid, *analysis_.SampleGrid);
   host::putBack(fields_.dyeGrid, *analysis_.DyeGrid);
   host::putBack(fields_.styleGrid, *analysis_.StyleGrid);
   auto header = sampleHeaders_.begin();
-  for (const auto& column : analysis_.SampleGrid->Columns) putChanged(column->Header, *header++);
+  for (const auto& column : analysis_.SampleGrid->Columns) {
+    if (column->Header.get() != *header) column->Header = *header;
+    ++header;
+  }
   putDecisionsBack();
   for (const auto& [object, state] : states_) object->Persistent() = state;
 }

@@ -5,8 +5,9 @@
 #include <string>
 #include <string_view>
 #include <type_traits>
-#include <utility>
+#include <vector>
 
+#include "host/store/snapshot_fields.h"
 #include "plugin/base/error.h"
 
 namespace banddesk::host {
@@ -15,71 +16,19 @@ namespace {
 using sqlite::Database;
 using sqlite::Statement;
 
-// A row's fields with their names in the file: one list serves reading and writing.
-template <class Column, class Action>
-void columnFields(Column& column, Action act) {
-  act("type_code", column.typeCode);
-  act("column_key", column.key);
-  act("tool_tip", column.toolTip);
-  act("header", column.header);
-  act("column_order", column.columnOrder);
-  act("is_visible", column.isVisible);
-  act("is_excluded", column.isExcluded);
-  act("width", column.width);
-  act("sort_order", column.sortOrder);
-  act("sort_priority", column.sortPriority);
-  act("interior_pattern", column.interiorPattern);
-  act("interior_color", column.interiorColor);
-  act("interior_bk_color", column.interiorBkColor);
-  act("read_only", column.readOnly);
-  act("wrap_text", column.wrapText);
-  act("horizontal_alignment", column.horizontalAlignment);
-  act("vertical_alignment", column.verticalAlignment);
-  act("text_color", column.textColor);
-  act("format", column.format);
-  act("places", column.places);
-  act("draw_3d_frame", column.draw3dFrame);
-  act("style_tool_tip", column.styleToolTip);
+// "a, b, c" of a list's field names, each as `format` says.
+template <class Fields>
+std::string namesOf(const Fields& fields, const char* format = "{0}") {
+  std::vector<std::string> names;
+  eachField(fields, [&](const auto& field) { names.push_back(fmt::format(fmt::runtime(format), field.name)); });
+  return fmt::format("{}", fmt::join(names, ", "));
 }
 
-template <class Snapshot, class Action>
-void analysisFields(Snapshot& snapshot, Action act) {
-  act("name", snapshot.name);
-  act("owner_id", snapshot.ownerId);
-  act("result_stamp", snapshot.resultStamp);
-  act("max_bin_width", snapshot.maxBinWidth);
-  act("y_threshold", snapshot.yThreshold);
-  act("exclude_full_bins", snapshot.excludeFullBins);
-  act("exclude_empty_samples", snapshot.excludeEmptySamples);
-  act("show_excluded", snapshot.showExcluded);
-  act("show_timestamp", snapshot.showTimestamp);
-  act("show_well_id", snapshot.showWellID);
-  act("samples_in_rows", snapshot.samplesInRows);
-  act("sample_bin_option", snapshot.sampleBinOption);
-  act("is_pending", snapshot.isPending);
-}
-
-constexpr auto kColumnFields = [](auto& column, auto act) { columnFields(column, act); };
-constexpr auto kAnalysisFields = [](auto& snapshot, auto act) { analysisFields(snapshot, act); };
-
-// "a, b, c" of a list's field names.
-template <class Row, class Fields>
-std::string namesOf(Fields fields) {
-  std::string names;
-  const Row row{};
-  fields(row, [&](const char* name, const auto&) { names.append(names.empty() ? "" : ", ").append(name); });
-  return names;
-}
-
-// "?, ?, ?"
-std::string marks(std::string_view names, std::size_t more) {
-  std::string text;
-  for (std::size_t i = 0; i < more; ++i) text += "?, ";
-  text += "?";
-  for (const char c : names) {
-    if (c == ',') text += ", ?";
-  }
-  return text;
+// "?, ?, ?" for the fields of a list behind `more` others.
+template <class Fields>
+std::string marks(const Fields&, std::size_t more) {
+  const std::vector<const char*> each(std::tuple_size_v<Fields> + more, "?");
+  return fmt::format("{}", fmt::join(each, ", "));
 }
 
 template <class Value>
@@ -93,6 +42,18 @@ void read(const Statement& row, int place, Value& value) {
   } else {
     value = row.integer<Value>(place);
   }
+}
+
+template <class Fields, class Row>
+void readFields(const Fields& fields, const Statement& from, Row& row) {
+  int place = 0;
+  eachField(fields, [&](const auto& field) { read(from, place++, row.*field.member); });
+}
+
+// Behind `place` values that are bound already.
+template <class Fields, class Row>
+void bindFields(const Fields& fields, Statement& to, int place, const Row& row) {
+  eachField(fields, [&](const auto& field) { to.bind(++place, row.*field.member); });
 }
 
 // Beyond any table; one that reached so far would fill the memory with nothing.
@@ -112,7 +73,7 @@ void readLayouts(Database& database, AnalysisSnapshot& snapshot) {
   Statement layout = database.prepare("SELECT locked_key FROM layout WHERE analysis_id = ? AND kind = ?");
   Statement columns = database.prepare(
       fmt::format("SELECT {} FROM layout_column WHERE analysis_id = ? AND kind = ? ORDER BY position",
-                  namesOf<ColumnSnapshot>(kColumnFields)));
+                  namesOf(kColumnFields)));
   for (const Layout& each : kLayouts) {
     LayoutSnapshot& read = snapshot.*each.member;
     layout.begin(snapshot.id, each.kind);
@@ -120,9 +81,8 @@ void readLayouts(Database& database, AnalysisSnapshot& snapshot) {
     read.lockedKey = layout.text(0);
     columns.begin(snapshot.id, each.kind);
     while (columns.next()) {
-      int place = 0;
       ColumnSnapshot& column = read.columns.emplace_back();
-      columnFields(column, [&](const char*, auto& value) { host::read(columns, place++, value); });
+      readFields(kColumnFields, columns, column);
       if (column.columnOrder < 0 || column.columnOrder > kLastPlace)
         database.failDamaged(fmt::format("a column stands at place {}", column.columnOrder));
     }
@@ -130,18 +90,17 @@ void readLayouts(Database& database, AnalysisSnapshot& snapshot) {
 }
 
 void writeLayouts(Database& database, const AnalysisSnapshot& snapshot) {
-  const std::string names = namesOf<ColumnSnapshot>(kColumnFields);
   Statement layout = database.prepare("INSERT INTO layout(analysis_id, kind, locked_key) VALUES(?, ?, ?)");
-  Statement columns = database.prepare(fmt::format(
-      "INSERT INTO layout_column(analysis_id, kind, position, {}) VALUES({})", names, marks(names, 3)));
+  Statement columns =
+      database.prepare(fmt::format("INSERT INTO layout_column(analysis_id, kind, position, {}) VALUES({})",
+                                   namesOf(kColumnFields), marks(kColumnFields, 3)));
   for (const Layout& each : kLayouts) {
     const LayoutSnapshot& written = snapshot.*each.member;
     layout.run(snapshot.id, each.kind, std::string_view(written.lockedKey));
     std::int32_t position = 0;
     for (const ColumnSnapshot& column : written.columns) {
       columns.begin(snapshot.id, each.kind, ++position);
-      int place = 3;
-      columnFields(column, [&](const char*, const auto& value) { columns.bind(++place, value); });
+      bindFields(kColumnFields, columns, 3, column);
       columns.finish();
     }
   }
@@ -156,18 +115,12 @@ void removeParts(Database& database, std::int32_t id) {
 
 // Gives an analysis that is written again its old place, and a new one the last.
 void writeFields(Database& database, const AnalysisSnapshot& snapshot) {
-  const std::string names = namesOf<AnalysisSnapshot>(kAnalysisFields);
-  std::string replaced;
-  analysisFields(snapshot, [&](const char* name, const auto&) {
-    replaced += fmt::format("{}{} = excluded.{}", replaced.empty() ? "" : ", ", name, name);
-  });
-  Statement statement = database.prepare(
-      fmt::format("INSERT INTO analysis(id, {}, position) VALUES(?, {}, "
-                  "(SELECT coalesce(max(position), 0) + 1 FROM analysis)) ON CONFLICT(id) DO UPDATE SET {}",
-                  names, marks(names, 0), replaced));
+  Statement statement = database.prepare(fmt::format(
+      "INSERT INTO analysis(id, {}, position) VALUES(?, {}, "
+      "(SELECT coalesce(max(position), 0) + 1 FROM analysis)) ON CONFLICT(id) DO UPDATE SET {}",
+      namesOf(kAnalysisFields), marks(kAnalysisFields, 0), namesOf(kAnalysisFields, "{0} = excluded.{0}")));
   statement.begin(snapshot.id);
-  int place = 1;
-  analysisFields(snapshot, [&](const char*, const auto& value) { statement.bind(++place, value); });
+  bindFields(kAnalysisFields, statement, 1, snapshot);
   statement.finish();
 }
 
@@ -176,22 +129,19 @@ void writeFields(Database& database, const AnalysisSnapshot& snapshot) {
 AnalysisSnapshot readAnalysisRows(Database& database, std::int32_t id) {
   AnalysisSnapshot snapshot;
   snapshot.id = id;
-  Statement fields = database.prepare(
-      fmt::format("SELECT {} FROM analysis WHERE id = ?", namesOf<AnalysisSnapshot>(kAnalysisFields)));
+  Statement fields =
+      database.prepare(fmt::format("SELECT {} FROM analysis WHERE id = ?", namesOf(kAnalysisFields)));
   fields.begin(id);
   if (!fields.next())
     raise(ErrorNumber::InvalidArgument, "Store", fmt::format("There is no analysis {}.", id));
-  int place = 0;
-  analysisFields(snapshot, [&](const char*, auto& value) { read(fields, place++, value); });
+  readFields(kAnalysisFields, fields, snapshot);
 
   Statement results =
       database.prepare("SELECT result_id FROM analysis_result WHERE analysis_id = ? ORDER BY position");
   for (results.begin(id); results.next();) snapshot.resultIds.push_back(results.integer<std::int32_t>(0));
-  Statement bins = database.prepare(
-      "SELECT bin_key, manually_excluded, manually_included FROM bin_decision WHERE analysis_id = ? "
-      "ORDER BY position");
-  for (bins.begin(id); bins.next();)
-    snapshot.bins.push_back({std::string(bins.text(0)), bins.number(1) != 0, bins.number(2) != 0});
+  Statement bins = database.prepare(fmt::format(
+      "SELECT {} FROM bin_decision WHERE analysis_id = ? ORDER BY position", namesOf(kBinFields)));
+  for (bins.begin(id); bins.next();) readFields(kBinFields, bins, snapshot.bins.emplace_back());
   readLayouts(database, snapshot);
   return snapshot;
 }
@@ -203,13 +153,15 @@ void writeAnalysisRows(Database& database, const AnalysisSnapshot& snapshot) {
       database.prepare("INSERT INTO analysis_result(analysis_id, position, result_id) VALUES(?, ?, ?)");
   std::int32_t position = 0;
   for (const std::int32_t resultId : snapshot.resultIds) result.run(snapshot.id, ++position, resultId);
-  Statement bin = database.prepare(
-      "INSERT INTO bin_decision(analysis_id, position, bin_key, manually_excluded, manually_included) "
-      "VALUES(?, ?, ?, ?, ?)");
+  Statement bin =
+      database.prepare(fmt::format("INSERT INTO bin_decision(analysis_id, position, {}) VALUES({})",
+                                   namesOf(kBinFields), marks(kBinFields, 2)));
   position = 0;
-  for (const BinSnapshot& each : snapshot.bins)
-    bin.run(snapshot.id, ++position, std::string_view(each.key), each.manuallyExcluded,
-            each.manuallyIncluded);
+  for (const BinSnapshot& each : snapshot.bins) {
+    bin.begin(snapshot.id, ++position);
+    bindFields(kBinFields, bin, 2, each);
+    bin.finish();
+  }
   writeLayouts(database, snapshot);
 }
 

@@ -8,15 +8,12 @@
 namespace banddesk::host {
 namespace {
 
-constexpr auto take = [](const auto& field, auto& value) { value = field.get(); };
-constexpr auto put = [](auto& field, const auto& value) { field = value; };
-
 LayoutSnapshot snapshotOf(const GridLayout& layout) {
   LayoutSnapshot snapshot;
   for (const auto& each : layout.Columns) {
     const GridColumn& column = *each;
     ColumnSnapshot& stored = snapshot.columns.emplace_back();
-    pairFields(column, stored, take);
+    takeFields(kColumnFields, column, stored);
     if (column.TypeCode == GridColumn::kSampleColumn) stored.header.clear();
     if (layout.LockedColumn.get() == each) snapshot.lockedKey = column.Key;
   }
@@ -26,7 +23,7 @@ LayoutSnapshot snapshotOf(const GridLayout& layout) {
 void restore(const LayoutSnapshot& snapshot, GridLayout& layout) {
   for (const ColumnSnapshot& stored : snapshot.columns) {
     auto column = std::make_shared<GridColumn>();
-    pairFields(*column, stored, put);
+    putFields(kColumnFields, *column, stored);
     column->Definition = binColumnDefinition(stored.key);
     layout.Columns.Add(column);
     if (!snapshot.lockedKey.empty() && stored.key == snapshot.lockedKey) layout.LockedColumn = column;
@@ -38,11 +35,9 @@ void restore(const LayoutSnapshot& snapshot, GridLayout& layout) {
 AnalysisSnapshot snapshotOf(const AFLP& analysis) {
   AnalysisSnapshot snapshot;
   snapshot.id = analysis.ID();
-  pairFields(analysis, snapshot, take);
+  takeFields(kAnalysisFields, analysis, snapshot);
   for (const auto& result : analysis.Results) snapshot.resultIds.push_back(result->ResultID);
-  for (const auto& bin : analysis.AFLPBins) {
-    snapshot.bins.push_back({bin->Key, bin->ManuallyExcluded, bin->ManuallyIncluded});
-  }
+  for (const auto& bin : analysis.AFLPBins) takeFields(kBinFields, *bin, snapshot.bins.emplace_back());
   snapshot.binGrid = snapshotOf(*analysis.BinGrid);
   snapshot.sampleGrid = snapshotOf(*analysis.SampleGrid);
   snapshot.dyeGrid = snapshotOf(*analysis.DyeGrid);
@@ -51,7 +46,7 @@ AnalysisSnapshot snapshotOf(const AFLP& analysis) {
 }
 
 void restore(const AnalysisSnapshot& snapshot, AFLP& analysis) {
-  pairFields(analysis, snapshot, put);
+  putFields(kAnalysisFields, analysis, snapshot);
   Study& study = required(analysis.Study.get(), "Study");
   for (const std::int32_t id : snapshot.resultIds) {
     const auto result = resultOf(study, id);
@@ -64,9 +59,7 @@ void restore(const AnalysisSnapshot& snapshot, AFLP& analysis) {
   }
   for (const BinSnapshot& stored : snapshot.bins) {
     auto bin = std::make_shared<AFLPBin>();
-    bin->Key = stored.key;
-    bin->ManuallyExcluded = stored.manuallyExcluded;
-    bin->ManuallyIncluded = stored.manuallyIncluded;
+    putFields(kBinFields, *bin, stored);
     analysis.AFLPBins.Add(std::move(bin));
   }
   restore(snapshot.binGrid, *analysis.BinGrid);

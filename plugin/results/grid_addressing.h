@@ -15,9 +15,11 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <vector>
 
 #include "plugin/base/event.h"
+#include "plugin/base/fields.h"
 #include "plugin/base/object.h"
 #include "plugin/ui/control.h"
 
@@ -76,6 +78,24 @@ struct StyleAttributes {
 
   friend bool operator==(const StyleAttributes&, const StyleAttributes&) = default;
 };
+
+// All of them, for what goes over the attributes of a style.
+inline constexpr std::tuple kStyleAttributes{&StyleAttributes::value,
+                                             &StyleAttributes::userAttribute,
+                                             &StyleAttributes::toolTip,
+                                             &StyleAttributes::baseStyle,
+                                             &StyleAttributes::interior,
+                                             &StyleAttributes::textColor,
+                                             &StyleAttributes::horizontalAlignment,
+                                             &StyleAttributes::verticalAlignment,
+                                             &StyleAttributes::format,
+                                             &StyleAttributes::places,
+                                             &StyleAttributes::readOnly,
+                                             &StyleAttributes::wrapText,
+                                             &StyleAttributes::draw3dFrame,
+                                             &StyleAttributes::font,
+                                             &StyleAttributes::styleToolTip};
+static_assert(std::tuple_size_v<decltype(kStyleAttributes)> == memberCount<StyleAttributes>());
 
 // Puts the attributes that `other` has over those of `own`; the rest of `own` stays.
 void overlay(StyleAttributes& own, const StyleAttributes& other);
