@@ -20,7 +20,8 @@ using sqlite::Statement;
 template <class Fields>
 std::string namesOf(const Fields& fields, const char* format = "{0}") {
   std::vector<std::string> names;
-  eachField(fields, [&](const auto& field) { names.push_back(fmt::format(fmt::runtime(format), field.name)); });
+  eachField(fields,
+            [&](const auto& field) { names.push_back(fmt::format(fmt::runtime(format), field.name)); });
   return fmt::format("{}", fmt::join(names, ", "));
 }
 
