@@ -10,6 +10,7 @@
 
 #include "cli/band_table.h"
 #include "cli/format_outputs.h"
+#include "cli/open_study.h"
 #include "cli/output_file.h"
 #include "cli/progress_line.h"
 #include "cli/say.h"
@@ -97,7 +98,7 @@ void runStudyAnalysis(const AnalyzeArguments& arguments) {
   ProgressLine bar;
   bar.begin("Analysing");
   Session session([&](double share) { bar.show(share); });
-  auto store = std::make_shared<SqliteStore>(arguments.files.front().string());
+  auto store = openForWriting(arguments.files.front());
   if (const std::string why = store->whyReadOnly(); !why.empty())
     raise(ErrorNumber::PermissionDenied, "Study",
           fmt::format("{}: no analysis can be saved: {}", arguments.files.front().string(), why));

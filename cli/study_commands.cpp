@@ -4,6 +4,7 @@
 #include <array>
 #include <fmt/format.h>
 
+#include "cli/open_study.h"
 #include "cli/progress_line.h"
 #include "cli/say.h"
 #include "host/framework/host.h"
@@ -35,7 +36,11 @@ std::string fragmentCounts(const host::SampleFragments& fragments, const std::st
   return text.empty() ? "no fragments" : text;
 }
 
-std::string lettersOf(const host::StudyRecord& study) { return std::string("BGY") + study.fourthDye; }
+std::string lettersOf(const host::StudyRecord& study) {
+  std::string letters;
+  for (const host::DyeRecord& dye : study.dyes) letters += dye.letter;
+  return letters;
+}
 
 void printResults(SqliteStore& store) {
   const host::StudyRecord study = store.readStudy();
@@ -64,7 +69,7 @@ std::vector<std::int32_t> resultsNamed(const banddesk::Study& study, const std::
 // All names are looked up before the first change: a wrong one changes nothing.
 void changeResults(const ResultsArguments& arguments) {
   host::Host host({});
-  host.openStudy(std::make_shared<SqliteStore>(arguments.study.string()));
+  host.openStudy(openForWriting(arguments.study));
   auto& study = host.study();
   const auto excluded = resultsNamed(*study.Study(), arguments.exclude);
   const auto included = resultsNamed(*study.Study(), arguments.include);
@@ -100,7 +105,7 @@ void runNew(const NewArguments& arguments) {
 
 void runImport(const ImportArguments& arguments) {
   host::Host host({});
-  host.openStudy(std::make_shared<SqliteStore>(arguments.study.string()));
+  host.openStudy(openForWriting(arguments.study));
   ProgressLine bar;
   bar.begin("Reading");
   const host::ImportOutcome outcome = host::importIntoStudy(

@@ -57,6 +57,10 @@ bool StudyCommands::open(const QString& path) {
     recent_.add(QFileInfo(path).absoluteFilePath());
     const std::string why = workbench_.host().study().whyReadOnly();
     if (!why.empty()) Told.raise(QStringLiteral("The study is open for reading only: ") + toQString(why));
+    const std::string copy = workbench_.host().study().formerCopy();
+    if (!copy.empty())
+      Told.raise(QStringLiteral("The study was brought up to date; as it was before it is kept in ") +
+           toQString(copy));
   });
 }
 

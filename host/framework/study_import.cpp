@@ -132,7 +132,9 @@ ImportOutcome importIntoStudy(HostStudyService& study, const ImportRequest& requ
   outcome.added = imported.results.size();
   if (outcome.added == 0) return outcome;
   record.report = outcome.report;
-  study.addResults(imported.results, record, hasFragments(imported.results, 3) ? fourth : '-');
+  std::string letters = study.dyeLetters();
+  if (hasFragments(imported.results, 3)) letters[3] = fourth;
+  study.addResults(imported.results, record, letters);
   return outcome;
 }
 

@@ -70,7 +70,8 @@ void HostStudyService::open(std::shared_ptr<Store> store) {
   failure.run([&] {
     const StudyRecord stored = required(store_, "Store").readStudy();
     settings_ = stored.settings;
-    fourthDye_ = stored.fourthDye;
+    dyeLetters_.clear();
+    for (const DyeRecord& dye : stored.dyes) dyeLetters_ += dye.letter;
     study_ = makeStudy(stored, store_, faults_);
     objects_.attach(store_, study_);
   });
@@ -104,7 +105,7 @@ void HostStudyService::drop() {
 StudyRecord HostStudyService::record() const {
   StudyRecord record = recordOf(required(study_, "Study"));
   record.settings = settings_;
-  record.fourthDye = fourthDye_;
+  for (std::size_t slot = 0; slot < kDyeCount; ++slot) record.dyes[slot].letter = dyeLetters_.at(slot);
   return record;
 }
 
@@ -132,7 +133,7 @@ void HostStudyService::changeResults(const std::function<void(StudyRecord&)>& ch
 }
 
 void HostStudyService::addResults(const std::vector<NewResult>& results,
-                                  const std::optional<ImportRecord>& import, char fourthDye) {
+                                  const std::optional<ImportRecord>& import, const std::string& letters) {
   std::vector<ResultRecord> added;
   std::array<DyeRecord, kDyeCount> before{};
   std::array<DyeRecord, kDyeCount> after{};
@@ -140,16 +141,16 @@ void HostStudyService::addResults(const std::vector<NewResult>& results,
       [&](StudyRecord& record) {
         before = record.dyes;
         showDyesOf(results, record.dyes);
+        for (std::size_t slot = 0; slot < letters.size(); ++slot) record.dyes.at(slot).letter = letters[slot];
         after = record.dyes;
-        if (fourthDye != '-') record.fourthDye = fourthDye;
         added = store_->addResults(record, results, import);
-        fourthDye_ = record.fourthDye;
+        if (!letters.empty()) dyeLetters_ = letters;
       },
       [&](banddesk::Study& study) {
         for (const ResultRecord& record : added) study.Results.Add(makeResult(record, store_, faults_));
       });
   for (std::size_t i = 0; i < kDyeCount; ++i) {
-    if (before[i] == after[i]) continue;
+    if (before[i].isVisible == after[i].isVisible) continue;
     Dye& dye = *study_->Dyes.Item(integerText(static_cast<std::int64_t>(i)));
     dye.Visible = after[i].isVisible;
     study_->DyeVisibibilityChanged.raise(dye);

@@ -36,18 +36,20 @@ class HostStudyService final : public StudyService {
   bool isOpen() const { return isOpen_; }
 
   // The following need an open study (error 91).
-  // `fourthDye` is the letter of the dye that the fourth slot holds, where the results have one.
+  // `letters` are those of the slots from now on; empty: as before.
   void addResults(const std::vector<NewResult>& results,
-                  const std::optional<ImportRecord>& import = std::nullopt, char fourthDye = '-');
+                  const std::optional<ImportRecord>& import = std::nullopt, const std::string& letters = {});
   std::vector<ImportRecord> imports();  // the earliest first
   void setResultExcluded(std::int32_t resultId, bool isExcluded);
   void deleteResult(std::int32_t resultId);
   void setDyeColor(std::int32_t dye, Colour color);
   void setDyeVisible(std::int32_t dye, bool isVisible);
   // The letters of the tables' dyes in the four slots; "-" for one that no import has filled.
-  std::string dyeLetters() const { return {'B', 'G', 'Y', fourthDye_}; }
+  const std::string& dyeLetters() const { return dyeLetters_; }
   // Why the open study cannot be changed; empty where it can.
   std::string whyReadOnly() const { return store_ ? store_->whyReadOnly() : std::string(); }
+  // Of the open study, as its store says.
+  std::string formerCopy() const { return store_ ? store_->formerCopy() : std::string(); }
   // Whether the open study lies in this file, whatever name leads there.
   bool liesIn(const std::string& file) const { return store_ && store_->isFile(file); }
 
@@ -73,7 +75,7 @@ class HostStudyService final : public StudyService {
   std::shared_ptr<Store> store_;
   std::shared_ptr<banddesk::Study> study_;
   StudySettings settings_;
-  char fourthDye_ = '-';
+  std::string dyeLetters_ = std::string(kDyeCount, kNoDye);
   bool isOpen_ = false;
 };
 

@@ -1,4 +1,5 @@
-// The making of a study file: it is written beside its place and takes it when it is complete.
+#include "host/store/new_study_file.h"
+
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -29,14 +30,14 @@ void writeEmptyStudy(const fs::path& place, const std::string& shownAs, const st
   const StudyRecord empty;
   database
       .prepare(
-          "INSERT INTO study(id, name, owner_id, result_stamp, show_inclusion_warning, "
-          "display_view_index, fourth_dye) VALUES(1, ?, ?, ?, ?, ?, ?)")
+          "INSERT INTO study(id, name, owner_id, result_stamp, display_view_index) VALUES(1, ?, ?, ?, ?)")
       .run(std::string_view(studyName), empty.ownerId, empty.resultStamp,
-           true,  // a column that is read no more
-           std::int32_t{empty.settings.displayViewIndex}, std::string_view(&empty.fourthDye, 1));
-  sqlite::Statement row = database.prepare("INSERT INTO dye(slot, color, is_visible) VALUES(?, ?, ?)");
+           std::int32_t{empty.settings.displayViewIndex});
+  sqlite::Statement row =
+      database.prepare("INSERT INTO dye(slot, color, is_visible, letter) VALUES(?, ?, ?, ?)");
   std::int32_t slot = 0;
-  for (const DyeRecord& dye : defaultDyes()) row.run(slot++, dye.color, dye.isVisible);
+  for (const DyeRecord& dye : defaultDyes())
+    row.run(slot++, dye.color, dye.isVisible, std::string_view(&dye.letter, 1));
   transaction.commit();
 }
 
@@ -89,12 +90,26 @@ void SqliteStore::create(const std::string& file, const std::string& studyName) 
   makeStudyFile(file, [&](const fs::path& part) { writeEmptyStudy(part, file, studyName); });
 }
 
-void SqliteStore::saveAs(const std::string& file) {
+void copyStudy(const sqlite::Database& study, const std::string& file) {
   makeStudyFile(file, [&](const fs::path& part) {
     sqlite::Database copy(part.string(), SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, file);
     copy.execute("PRAGMA synchronous = FULL");
-    database_.copyTo(copy);
+    study.copyTo(copy);
   });
+}
+
+std::string keepCopy(const sqlite::Database& study) {
+  const std::string first = study.file() + ".bak";
+  std::string name = first;
+  std::error_code trouble;
+  for (int number = 2; fs::exists(fs::symlink_status(name, trouble)); ++number)
+    name = fmt::format("{}{}", first, number);
+  copyStudy(study, name);
+  return name;
+}
+
+void SqliteStore::saveAs(const std::string& file) {
+  copyStudy(database_, file);
   opened_ = Opened(file, Access::Write, studySchema());
 }
 

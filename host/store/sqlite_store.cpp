@@ -8,6 +8,7 @@
 
 #include "host/store/analysis_rows.h"
 #include "host/store/fragment_blob.h"
+#include "host/store/new_study_file.h"
 #include "plugin/base/error.h"
 
 namespace banddesk::host {
@@ -60,6 +61,7 @@ SqliteStore::Opened& SqliteStore::Opened::operator=(Opened&& other) noexcept {
   std::swap(lock, other.lock);
   std::swap(database, other.database);
   std::swap(whyReadOnly, other.whyReadOnly);
+  std::swap(formerCopy, other.formerCopy);
   return *this;
 }
 
@@ -68,19 +70,25 @@ SqliteStore::Opened::~Opened() {
   database.executeIfPossible("PRAGMA locking_mode = NORMAL; PRAGMA journal_mode = DELETE");
 }
 
-// The first read takes the shared lock, which the locking mode keeps: all that is read is of one state.
+// The first read takes the shared lock, which the locking mode keeps: all that is read is of one state. A
+// file of an earlier version is read by way of a copy that lives as long as the store.
 void SqliteStore::Opened::forReading(SchemaSteps steps) {
-  database.execute("PRAGMA query_only = ON; SELECT count(*) FROM sqlite_schema");
-  if (isOutdated(database, steps))
-    raise(ErrorNumber::PermissionDenied, "Store",
-          fmt::format("{}: it was made by an earlier version and has to be opened for writing once",
-                      database.file()));
+  database.execute("SELECT count(*) FROM sqlite_schema");
+  if (isOutdated(database, steps)) {
+    sqlite::Database copy("", SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, database.file());
+    database.copyTo(copy);
+    bringUpToDate(copy, steps);
+    database = std::move(copy);
+  }
+  database.execute("PRAGMA query_only = ON");
 }
 
 // In this locking mode the end of a save is synchronised too: the journal is emptied, not unlinked.
 void SqliteStore::Opened::forWriting(SchemaSteps steps) {
   database.execute("PRAGMA journal_mode = TRUNCATE; PRAGMA synchronous = FULL; BEGIN EXCLUSIVE; COMMIT");
-  if (isOutdated(database, steps)) bringUpToDate(database, steps);
+  if (!isOutdated(database, steps)) return;
+  formerCopy = keepCopy(database);
+  bringUpToDate(database, steps);
 }
 
 SqliteStore::SqliteStore(const std::string& file, Access access, SchemaSteps steps)
@@ -123,19 +131,18 @@ std::shared_ptr<const SampleFragments> SqliteStore::readFragments(std::int32_t r
 
 StudyRecord SqliteStore::readStudy() {
   StudyRecord record;
-  Statement study =
-      database_.prepare("SELECT name, owner_id, result_stamp, display_view_index, fourth_dye FROM study");
+  Statement study = database_.prepare("SELECT name, owner_id, result_stamp, display_view_index FROM study");
   if (!study.next()) database_.failDamaged("it has no study record");
   record.name = study.text(0);
   record.ownerId = study.integer<std::int32_t>(1);
   record.resultStamp = study.integer<std::int32_t>(2);
   record.settings = {study.integer<std::int16_t>(3)};
-  record.fourthDye = study.text(4).empty() ? '-' : study.text(4).front();
 
-  Statement dyes = database_.prepare("SELECT color, is_visible FROM dye ORDER BY slot");
+  Statement dyes = database_.prepare("SELECT color, is_visible, letter FROM dye ORDER BY slot");
   for (DyeRecord& dye : record.dyes) {
     if (!dyes.next()) database_.failDamaged("a dye is missing");
-    dye = {dyes.integer<Colour>(0), dyes.number(1) != 0};
+    if (dyes.text(2).size() != 1) database_.failDamaged("a dye has no letter");
+    dye = {dyes.integer<Colour>(0), dyes.number(1) != 0, dyes.text(2).front()};
   }
   Statement results =
       database_.prepare("SELECT id, sample_name, is_excluded, is_deleted FROM result ORDER BY id");
@@ -151,15 +158,13 @@ void SqliteStore::writeStudy(const StudyRecord& record) {
 }
 
 void SqliteStore::writeRecord(const StudyRecord& record) {
-  database_
-      .prepare(
-          "UPDATE study SET name = ?, owner_id = ?, result_stamp = ?, "
-          "display_view_index = ?, fourth_dye = ?")
+  database_.prepare("UPDATE study SET name = ?, owner_id = ?, result_stamp = ?, display_view_index = ?")
       .run(std::string_view(record.name), record.ownerId, record.resultStamp,
-           std::int32_t{record.settings.displayViewIndex}, std::string_view(&record.fourthDye, 1));
-  Statement dye = database_.prepare("UPDATE dye SET color = ?, is_visible = ? WHERE slot = ?");
-  for (std::size_t slot = 0; slot < kDyeCount; ++slot)
-    dye.run(record.dyes[slot].color, record.dyes[slot].isVisible, static_cast<std::int32_t>(slot));
+           std::int32_t{record.settings.displayViewIndex});
+  Statement row = database_.prepare("UPDATE dye SET color = ?, is_visible = ?, letter = ? WHERE slot = ?");
+  std::int32_t slot = 0;
+  for (const DyeRecord& dye : record.dyes)
+    row.run(dye.color, dye.isVisible, std::string_view(&dye.letter, 1), slot++);
   Statement marks = database_.prepare(
       "UPDATE result SET is_excluded = ?1, is_deleted = ?2 "
       "WHERE id = ?3 AND (is_excluded <> ?1 OR is_deleted <> ?2)");

@@ -25,7 +25,9 @@ class SqliteStore final : public Store {
   static void create(const std::string& file, const std::string& studyName);
 
   // Opens an existing file; where it cannot be written it opens for reading and whyReadOnly() tells the
-  // reason. A file that is no study of this version or an earlier one is an error and stays as it is.
+  // reason. A file that is no study of this version or an earlier one is an error and stays as it is. One of
+  // an earlier version is brought up to date, and formerCopy() is kept of it; opened for reading it stays as
+  // it is, and what is read is a temporary copy.
   explicit SqliteStore(const std::string& file, Access access = Access::Write,
                        SchemaSteps steps = studySchema());
   SqliteStore(const SqliteStore&) = delete;
@@ -33,6 +35,7 @@ class SqliteStore final : public Store {
   ~SqliteStore() override = default;
 
   std::string whyReadOnly() const override { return whyReadOnly_; }
+  std::string formerCopy() const override { return opened_.formerCopy; }
   bool isFile(const std::string& file) const override { return opened_.lock->isOf(file); }
   // Also where the study was moved or deleted while it was open.
   void saveAs(const std::string& file) override;
@@ -65,6 +68,7 @@ class SqliteStore final : public Store {
     std::unique_ptr<StudyLock> lock;
     sqlite::Database database;
     std::string whyReadOnly;
+    std::string formerCopy;
   };
 
   void write(const std::function<void()>& work);

@@ -32,6 +32,8 @@ class Store : public FragmentSource {
  public:
   // Why nothing can be written; empty where it can.
   virtual std::string whyReadOnly() const { return {}; }
+  // The file that keeps the study as it was before it was brought up to date; empty where nothing was to do.
+  virtual std::string formerCopy() const { return {}; }
   // Whether the study lies in this file, whatever name leads there.
   virtual bool isFile(const std::string&) const { return false; }
 

@@ -132,7 +132,143 @@ CREATE TABLE layout_column (
 ) STRICT, WITHOUT ROWID;
 )sql";
 
-constexpr std::array kSteps{kFirstVersion};
+// The runs of instruments with their traces, how each was sized, and what the user changed in that by hand.
+// Large values stand in tables of their own, so that they are read only when asked for. The letter of a
+// slot's dye is '-' until an import fills it.
+constexpr const char* kRunsAreKept = R"sql(
+ALTER TABLE dye ADD COLUMN letter TEXT NOT NULL DEFAULT '-';
+UPDATE dye SET letter = CASE slot WHEN 0 THEN 'B' WHEN 1 THEN 'G' WHEN 2 THEN 'Y'
+  ELSE coalesce((SELECT nullif(fourth_dye, '') FROM study), '-') END;
+ALTER TABLE study DROP COLUMN fourth_dye;
+ALTER TABLE study DROP COLUMN show_inclusion_warning;
+
+CREATE TABLE size_standard (
+  id INTEGER PRIMARY KEY,
+  name TEXT NOT NULL,
+  dyes TEXT NOT NULL,
+  sizes TEXT NOT NULL,
+  unreliable TEXT NOT NULL,
+  UNIQUE (name, dyes, sizes, unreliable)
+) STRICT;
+
+CREATE TABLE run (
+  id INTEGER PRIMARY KEY,
+  import_id INTEGER REFERENCES import,
+  result_id INTEGER UNIQUE REFERENCES result,
+  file_name TEXT NOT NULL,
+  sample_name TEXT NOT NULL,
+  well TEXT NOT NULL,
+  run_name TEXT NOT NULL,
+  plate TEXT NOT NULL,
+  comment TEXT NOT NULL,
+  instrument TEXT NOT NULL,
+  machine TEXT NOT NULL,
+  polymer TEXT NOT NULL,
+  dye_set TEXT NOT NULL,
+  standard_name TEXT NOT NULL,
+  capillary INTEGER NOT NULL,
+  started TEXT NOT NULL,
+  ended TEXT NOT NULL,
+  normalisation REAL,
+  is_normalised INTEGER NOT NULL,
+  notes TEXT NOT NULL,
+  saturated_scans BLOB NOT NULL
+) STRICT;
+
+CREATE TABLE run_dye (
+  run_id INTEGER NOT NULL REFERENCES run ON DELETE CASCADE,
+  channel INTEGER NOT NULL CHECK (channel BETWEEN 1 AND 6),
+  letter TEXT NOT NULL,
+  name TEXT NOT NULL,
+  wavelength INTEGER,
+  is_marked_as_ladder INTEGER NOT NULL,
+  PRIMARY KEY (run_id, channel)
+) STRICT, WITHOUT ROWID;
+
+CREATE TABLE trace (
+  run_id INTEGER NOT NULL,
+  channel INTEGER NOT NULL,
+  samples BLOB NOT NULL,
+  PRIMARY KEY (run_id, channel),
+  FOREIGN KEY (run_id, channel) REFERENCES run_dye ON DELETE CASCADE
+) STRICT;
+
+CREATE TABLE run_settings (
+  id INTEGER PRIMARY KEY,
+  baseline_window INTEGER NOT NULL,
+  smoothing INTEGER NOT NULL,
+  polynomial_window INTEGER NOT NULL,
+  polynomial_degree INTEGER NOT NULL,
+  does_window_follow_width INTEGER NOT NULL,
+  least_heights TEXT NOT NULL,
+  least_width REAL NOT NULL,
+  least_size REAL NOT NULL,
+  largest_size REAL NOT NULL,
+  keeps_unsized INTEGER NOT NULL,
+  pull_up_ratio REAL NOT NULL,
+  pull_up_scans INTEGER NOT NULL,
+  broad_nt REAL NOT NULL,
+  standard_id INTEGER REFERENCES size_standard,
+  ladder_channel INTEGER,
+  uses_unreliable INTEGER NOT NULL,
+  ladder_least_height REAL NOT NULL,
+  method INTEGER NOT NULL,
+  outside_ladder INTEGER NOT NULL,
+  normalisation INTEGER NOT NULL
+) STRICT;
+
+CREATE TABLE sizing (
+  run_id INTEGER PRIMARY KEY REFERENCES run ON DELETE CASCADE,
+  settings_id INTEGER NOT NULL REFERENCES run_settings,
+  standard_id INTEGER NOT NULL REFERENCES size_standard,
+  channel INTEGER NOT NULL,
+  quality INTEGER NOT NULL,
+  reasons TEXT NOT NULL,
+  score REAL NOT NULL,
+  median_residual REAL NOT NULL,
+  worst_residual REAL NOT NULL,
+  median_height REAL NOT NULL,
+  is_by_other_capillaries INTEGER NOT NULL,
+  is_by_hand INTEGER NOT NULL,
+  typical_width REAL NOT NULL,
+  polynomial_window INTEGER NOT NULL,
+  height_factor REAL NOT NULL
+) STRICT;
+
+CREATE TABLE ladder_peak (
+  run_id INTEGER NOT NULL REFERENCES sizing ON DELETE CASCADE,
+  position INTEGER NOT NULL,
+  size REAL NOT NULL,
+  scan INTEGER NOT NULL,
+  height REAL NOT NULL,
+  residual REAL NOT NULL,
+  takes_part INTEGER NOT NULL,
+  is_doubtful INTEGER NOT NULL,
+  PRIMARY KEY (run_id, position)
+) STRICT, WITHOUT ROWID;
+
+CREATE TABLE run_peaks (
+  run_id INTEGER PRIMARY KEY REFERENCES sizing ON DELETE CASCADE,
+  peaks BLOB NOT NULL
+) STRICT;
+
+CREATE TABLE peak_edit (
+  run_id INTEGER NOT NULL REFERENCES run ON DELETE CASCADE,
+  channel INTEGER NOT NULL,
+  scan INTEGER NOT NULL,
+  is_added INTEGER NOT NULL,
+  PRIMARY KEY (run_id, channel, scan)
+) STRICT, WITHOUT ROWID;
+
+CREATE TABLE ladder_label (
+  run_id INTEGER NOT NULL REFERENCES run ON DELETE CASCADE,
+  size REAL NOT NULL,
+  scan INTEGER,
+  PRIMARY KEY (run_id, size)
+) STRICT, WITHOUT ROWID;
+)sql";
+
+constexpr std::array kSteps{kFirstVersion, kRunsAreKept};
 
 // The tables, and whatever else a file may hold beside rows, in the words that made them.
 std::vector<std::string> schemaOf(const sqlite::Database& database) {

@@ -25,7 +25,7 @@ std::shared_ptr<Dye> makeDye(std::size_t index, const DyeRecord& record, FaultIn
 
 // Light enough for black text on them: check boxes and cells carry these colours as their ground.
 std::array<DyeRecord, kDyeCount> defaultDyes() {
-  return {DyeRecord{0xFFA060, false}, DyeRecord{0x40C840, false}, DyeRecord{0x20D8F8, false},
+  return {DyeRecord{0xFFA060, false, 'B'}, DyeRecord{0x40C840, false, 'G'}, DyeRecord{0x20D8F8, false, 'Y'},
           DyeRecord{0x6060FF, false}};
 }
 

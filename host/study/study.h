@@ -15,9 +15,12 @@
 
 namespace banddesk::host {
 
+inline constexpr char kNoDye = '-';  // the slot waits for an import to fill it
+
 struct DyeRecord {
   Colour color = ui::kWhite;
   bool isVisible = false;
+  char letter = kNoDye;  // of the tables' dye that the slot holds
   friend bool operator==(const DyeRecord&, const DyeRecord&) = default;
 };
 
@@ -43,7 +46,6 @@ struct StudyRecord {
   std::array<DyeRecord, kDyeCount> dyes;
   std::vector<ResultRecord> results;
   StudySettings settings;
-  char fourthDye = '-';  // the letter of the tables' dye that the fourth slot holds: R or O, once one came
   friend bool operator==(const StudyRecord&, const StudyRecord&) = default;
 };
 
@@ -53,7 +55,7 @@ struct NewResult {
   SampleFragments fragments;
 };
 
-// Four dyes in the default colours, none of them visible.
+// Four dyes in the default colours, none of them visible: B, G, Y and a slot for the next.
 std::array<DyeRecord, kDyeCount> defaultDyes();
 // Makes the dyes visible that the results have fragments of.
 void showDyesOf(const std::vector<NewResult>& results, std::array<DyeRecord, kDyeCount>& dyes);
@@ -105,7 +107,7 @@ std::shared_ptr<Result> makeResult(const ResultRecord& record, const std::shared
 void visitResults(Study& study, const std::function<void(const std::shared_ptr<Result>&)>& visit);
 // Also a deleted one; null if there is none.
 std::shared_ptr<Result> resultOf(Study& study, std::int32_t id);
-// The record of a study as its objects stand; they know neither its settings nor its fourth dye's letter.
+// The record of a study as its objects stand; they know neither its settings nor its dyes' letters.
 StudyRecord recordOf(Study& study);
 
 }  // namespace banddesk::host

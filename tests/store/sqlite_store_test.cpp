@@ -558,26 +558,5 @@ TEST(StudyFile, GoesOnInACopy) {
   }
 }
 
-TEST(StudyFile, IsBroughtUpToDateInOneTransaction) {
-  StoreFolder folder;
-  const std::string file = studyAfter(folder, 5);
-  const StudyState before = stateOf(*std::make_unique<SqliteStore>(file));
-  std::vector<const char*> steps(studySchema().begin(), studySchema().end());
-  steps.push_back("ALTER TABLE result ADD COLUMN well TEXT NOT NULL DEFAULT ''");
-  steps.push_back("UPDATE result SET well = 'A01'; UPDATE nothing SET x = 1");
-
-  EXPECT_THAT(messageOf([&] { SqliteStore(file, SqliteStore::Access::Write, steps); }), HasSubstr("nothing"));
-  EXPECT_TRUE(stateOf(*std::make_unique<SqliteStore>(file)) == before) << "half of the way is no way";
-  EXPECT_THAT(messageOf([&] { SqliteStore(file, SqliteStore::Access::Read, steps); }),
-              HasSubstr("made by an earlier version"));
-
-  steps.back() = "UPDATE result SET well = 'A01'";
-  EXPECT_TRUE(stateOf(*std::make_unique<SqliteStore>(file, SqliteStore::Access::Write, steps)) == before);
-  sqlite::Database database(file, SQLITE_OPEN_READWRITE, file);
-  EXPECT_EQ(database.number("PRAGMA user_version"), static_cast<std::int64_t>(steps.size()));
-  EXPECT_EQ(database.number("SELECT count(*) FROM result WHERE well = 'A01'"), 6);
-  EXPECT_THAT(messageOf([&] { SqliteStore older(file); }), HasSubstr("newer version"));
-}
-
 }  // namespace
 }  // namespace banddesk::host

@@ -125,9 +125,9 @@ void takeStep(Store& store, int step) {
     return;
   }
   study.resultStamp = step + 1;
-  study.dyes[static_cast<std::size_t>(step % 4)] = {0x100 + static_cast<Colour>(step), step % 2 == 0};
+  study.dyes[static_cast<std::size_t>(step % 4)] = {0x100 + static_cast<Colour>(step), step % 2 == 0,
+                                                    "BGYROP"[step % 6]};
   study.settings = {static_cast<std::int16_t>(step % 100)};
-  study.fourthDye = step % 2 == 0 ? 'R' : 'O';
   if (step % 3 == 2) {
     for (ResultRecord& result : study.results) {
       result.isExcluded = (result.id + step) % 2 == 0;
