@@ -1,12 +1,12 @@
 #include "host/binning/default_calculator.h"
 
-#include "host/binning/partition_bin_calculator.h"
+#include <utility>
 
 namespace banddesk::host {
 
-std::shared_ptr<BinCalculator> makeBinCalculator(const BinningOptions& options) {
+std::shared_ptr<PartitionBinCalculator> makeBinCalculator(CalculatorSettings settings) {
   auto calculator = std::make_shared<PartitionBinCalculator>();
-  calculator->setAlignsLanes(options.alignLanes);
+  calculator->setSettings(std::move(settings));
   return calculator;
 }
 

@@ -4,15 +4,10 @@
 
 #include <memory>
 
-#include "plugin/analysis/bin_calculator.h"
+#include "host/binning/partition_bin_calculator.h"
 
 namespace banddesk::host {
 
-struct BinningOptions {
-  /// Bring the lanes of each dye into line first: bins are made of moved sizes, and tell those.
-  bool alignLanes = false;
-};
-
-std::shared_ptr<BinCalculator> makeBinCalculator(const BinningOptions& options = {});
+std::shared_ptr<PartitionBinCalculator> makeBinCalculator(CalculatorSettings settings = {});
 
 }  // namespace banddesk::host

@@ -10,6 +10,7 @@ struct Fragment {
   double size;    // nt, finite
   double height;  // RFU, finite
   std::int32_t result;
+  std::uint32_t measured;  // where the fragment that it was made from stands, for one that was changed
 };
 static_assert(sizeof(Fragment) == 24);
 

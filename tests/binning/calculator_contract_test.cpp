@@ -92,15 +92,15 @@ TEST(ACalculator, DependsNeitherOnTheOrderOfTheFragmentsNorOnEarlierCalculations
     const bool aligns = *rc::gen::arbitrary<bool>();
     Calculator calculator;
     add(calculator, peaks);
-    calculator.setAlignsLanes(!aligns);
+    calculator.setSettings({.alignsLanes = !aligns});
     calculate(calculator, 5, 40);
-    calculator.setAlignsLanes(aligns);
+    calculator.setSettings({.alignsLanes = aligns});
     calculate(calculator, width, threshold);
 
     std::ranges::reverse(peaks);
     std::ranges::stable_sort(peaks, {}, [](const Peak& peak) { return std::fmod(peak.size * 7, 1.0); });
     Calculator fresh;
-    fresh.setAlignsLanes(aligns);
+    fresh.setSettings({.alignsLanes = aligns});
     add(fresh, peaks);
     calculate(fresh, width, threshold);
     RC_ASSERT(factsOf(calculator) == factsOf(fresh));

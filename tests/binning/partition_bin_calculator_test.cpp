@@ -8,6 +8,7 @@
 
 #include "host/binning/fragment_sort.h"
 #include "host/binning/sizing_error.h"
+#include "plugin/base/numbers.h"
 #include "tests/binning/calculator_facts.h"
 
 namespace banddesk::host {
@@ -72,12 +73,45 @@ TEST(PartitionBins, OfAlignedLanesHoldWhatTheirShiftsHadParted) {
   calculate(calculator, kWidth / 2, 0);
   EXPECT_GT(calculator.BinCount(), 100);
   EXPECT_TRUE(calculator.laneShifts().empty());
-  calculator.setAlignsLanes(true);
+  calculator.setSettings({.alignsLanes = true});
   calculate(calculator, kWidth / 2, 0);
   EXPECT_EQ(calculator.BinCount(), 61);
   EXPECT_EQ(calculator.FragmentCount(0), 16);
   EXPECT_NEAR(calculator.XMean(0), 100, 0.1);
   EXPECT_EQ(calculator.laneShifts().size(), 24U);
+}
+
+// Sample 1 is half as bright as the others, sample 3 a blank. "100.20:2" is a bin and its fragments.
+TEST(PartitionBins, AreMadeOfWhatTheSettingsLetCount) {
+  const Peaks peaks = {{0, 100, 400},   {1, 100.1, 200}, {2, 100.5, 40}, {0, 150, 400}, {1, 150, 200},
+                       {2, 150.2, 760}, {0, 200, 90},    {3, 200.1, 30}, {2, 250, 90}};
+  struct Case {
+    CalculatorSettings settings;
+    const char* bins;
+    std::size_t outside;
+  };
+  const GivenBin given{0, 100, 100.2, "own"}, tail{0, 199, 201, "tail"}, other{1, 0, 300, "another dye's"};
+  const std::vector<Case> cases = {
+      {{}, "100.20:3 150.07:3 200.00:1 250.00:1", 0},
+      {{.sizeRange = SizeRange{100.1, 200}}, "100.30:2 150.07:3 200.00:1", 3},
+      {{.normalisation = Normalisation::Total}, "100.05:2 150.07:3 200.00:1 250.00:1", 0},
+      {{.callPercent = 25}, "100.05:2 150.07:3 200.00:1 250.00:1", 0},
+      {{.bins = {tail, given, other}}, "100.05:2 200.00:1", 5},
+      {{.bins = {tail, given, other}, .findsBinsBetween = true},
+       "100.05:2 100.50:1 150.07:3 200.00:1 250.00:1",
+       0}};
+  for (const Case& each : cases) {
+    PartitionBinCalculator calculator;
+    calculator.setSettings(each.settings);
+    calculator.setUnmeasured({false, false, false, true});
+    add(calculator, peaks);
+    calculate(calculator, 1, each.settings.normalisation == Normalisation::None ? 35 : 50);
+    std::string bins;
+    for (std::int32_t bin = 0; bin < calculator.BinCount(); ++bin)
+      bins += twoDecimals(calculator.XMean(bin)) + ":" + std::to_string(calculator.FragmentCount(bin)) + " ";
+    EXPECT_EQ(bins, std::string(each.bins) + " ");
+    EXPECT_EQ(calculator.outsideBins() + calculator.outsideRange(), each.outside) << each.bins;
+  }
 }
 
 // The names of the samples say nothing: numbering them otherwise permutes the tables and changes nothing
@@ -93,8 +127,8 @@ RC_GTEST_PROP(PartitionBins, DoNotDependOnTheOrderOfTheSamples, ()) {
   }
   PartitionBinCalculator calculator, other;
   const bool aligns = *rc::gen::arbitrary<bool>();
-  calculator.setAlignsLanes(aligns);
-  other.setAlignsLanes(aligns);
+  calculator.setSettings({.alignsLanes = aligns});
+  other.setSettings({.alignsLanes = aligns});
   const Peaks last = {{kSamples - 1, 900, 100}};  // so that the tables are of one size
   const Peaks first = {{0, 900, 100}};
   for (const Peaks& some : {peaks, last, first}) add(calculator, some);
@@ -145,7 +179,7 @@ RC_GTEST_PROP(SortingFragments, IsAStableSortOfAnySizes, ()) {
   for (const auto bits : *rc::gen::arbitrary<std::vector<std::int64_t>>()) {
     const double any = std::bit_cast<double>(bits % 3 == 0 ? std::bit_cast<std::int64_t>(-0.0) : bits);
     const double size = isTyped ? static_cast<double>(bits % 2000) / 100 : any;
-    if (std::isfinite(size)) fragments.push_back({size, 0, static_cast<std::int32_t>(fragments.size())});
+    if (std::isfinite(size)) fragments.push_back({size, 0, static_cast<std::int32_t>(fragments.size()), 0});
   }
   std::vector<Fragment> expected = fragments;
   std::ranges::stable_sort(expected, {}, &Fragment::size);
