@@ -60,12 +60,16 @@ Replicates replicatesBySuffix(std::span<const std::string> names, std::string_vi
   return maker.take();
 }
 
-Replicates replicatesOfRuns(std::span<const std::string> names, std::string_view suffix) {
+std::vector<std::string> namesWithoutRuns(std::span<const std::string> names) {
   static const std::regex run(R"(\..\d\d_\d{8}..$)");
   std::vector<std::string> own;
   own.reserve(names.size());
   for (const std::string& name : names) own.push_back(std::regex_replace(name, run, ""));
-  return replicatesBySuffix(own, suffix);
+  return own;
+}
+
+Replicates replicatesOfRuns(std::span<const std::string> names, std::string_view suffix) {
+  return replicatesBySuffix(namesWithoutRuns(names), suffix);
 }
 
 Replicates replicatesByName(std::span<const std::string> names,

@@ -34,7 +34,9 @@ struct Replicates {
 /// anchored and exact, and something must stand before it. Throws std::invalid_argument for an empty suffix.
 Replicates replicatesBySuffix(std::span<const std::string> names, std::string_view suffix);
 
-/// The same by the samples' own names, before the well and the time stamp that a run puts behind them.
+/// The samples' own names, before the well and the time stamp that a run puts behind them.
+std::vector<std::string> namesWithoutRuns(std::span<const std::string> names);
+/// The same as by suffix, of the samples' own names.
 Replicates replicatesOfRuns(std::span<const std::string> names, std::string_view suffix);
 
 /// Pairs samples by name. A pair given twice, either way round, counts once and is reported the second time.

@@ -89,15 +89,7 @@ MeanOfPairs meanJaccardError(const std::vector<PairQuality>& pairs) {
   std::vector<double> errors;
   for (const PairQuality& pair : pairs)
     if (const auto error = pair.agreement.jaccardError()) errors.push_back(*error);
-  MeanOfPairs of;
-  if (errors.empty()) return of;
-  const auto count = static_cast<double>(errors.size());
-  of.mean = std::accumulate(errors.begin(), errors.end(), 0.0) / count;
-  if (errors.size() < 2) return of;
-  double squares = 0;
-  for (const double error : errors) squares += (error - *of.mean) * (error - *of.mean);
-  of.deviation = std::sqrt(squares / (count - 1));
-  return of;
+  return meanOf(errors);
 }
 
 ReplicateQuality compareReplicates(const TableView& table, std::span<const ReplicatePair> replicates) {
@@ -121,6 +113,18 @@ ReplicateQuality compareReplicates(const TableView& table, std::span<const Repli
 }
 
 }  // namespace
+
+MeanOfPairs meanOf(std::span<const double> values) {
+  MeanOfPairs of;
+  if (values.empty()) return of;
+  const auto count = static_cast<double>(values.size());
+  of.mean = std::accumulate(values.begin(), values.end(), 0.0) / count;
+  if (values.size() < 2) return of;
+  double squares = 0;
+  for (const double value : values) squares += (value - *of.mean) * (value - *of.mean);
+  of.deviation = std::sqrt(squares / (count - 1));
+  return of;
+}
 
 Agreement agreementOf(std::int32_t first, std::int32_t second) {
   const bool inFirst = first != 0;

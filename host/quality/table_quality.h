@@ -58,6 +58,8 @@ struct MeanOfPairs {
   std::optional<double> deviation;  // the standard deviation of a sample: nothing below two pairs
 };
 
+MeanOfPairs meanOf(std::span<const double> values);
+
 struct ReplicateQuality {
   MeanOfPairs jaccardError;
   Agreement overall;               // pooled: all cells of all pairs taken together

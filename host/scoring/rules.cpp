@@ -7,7 +7,7 @@ namespace banddesk::host::scoring {
 namespace {
 
 void check(const RuleTable& table) {
-  const std::size_t samples = table.blanks.size();
+  const std::size_t samples = table.samples.size();
   const std::size_t cells = table.bins.size() * samples;
   if (table.counts.size() != cells || table.heights.size() != cells) {
     throw std::invalid_argument("the cells of the table do not fit its bins and samples");
@@ -24,16 +24,18 @@ bool takes(const Rule& rule, std::optional<double> value) {
 }
 
 std::vector<double> fragmentsOfSamples(const RuleTable& table) {
-  std::vector<double> sums(table.blanks.size());
+  std::vector<double> sums(table.samples.size());
   for (std::size_t cell = 0; cell < table.counts.size(); ++cell)
     sums[cell % sums.size()] += table.counts[cell];
   return sums;
 }
 
-double medianWithoutBlanks(const std::vector<double>& values, const std::vector<bool>& blanks) {
+bool isSample(SampleState state) { return state == SampleState::Judged || state == SampleState::Kept; }
+
+double medianOfSamples(const std::vector<double>& values, std::span<const SampleState> states) {
   std::vector<double> kept;
   for (std::size_t i = 0; i < values.size(); ++i) {
-    if (!blanks[i]) kept.push_back(values[i]);
+    if (isSample(states[i])) kept.push_back(values[i]);
   }
   if (kept.empty()) return 0;
   std::ranges::sort(kept);
@@ -52,7 +54,7 @@ class BinFigures {
       case Quantity::Height:
         return meanHeight();
       case Quantity::Samples:
-        return filledIn(counting_);
+        return filledIn([&](std::size_t i) { return counting_[i]; });
       case Quantity::Width:
         return bin.xMax - bin.xMin;
       case Quantity::Size:
@@ -60,7 +62,7 @@ class BinFigures {
       case Quantity::Disagree:
         return disagreement();
       case Quantity::Blank:
-        return filledIn(table_.blanks);
+        return filledIn([&](std::size_t i) { return table_.samples[i] == SampleState::Blank; });
       case Quantity::Fragments:
         break;
     }
@@ -70,9 +72,10 @@ class BinFigures {
  private:
   bool fills(std::size_t sample) const { return table_.counts[first_ + sample] != 0; }
 
-  double filledIn(const std::vector<bool>& chosen) const {
+  template <class Chosen>
+  double filledIn(Chosen isChosen) const {
     double filled = 0;
-    for (std::size_t i = 0; i < chosen.size(); ++i) filled += chosen[i] && fills(i) ? 1 : 0;
+    for (std::size_t i = 0; i < counting_.size(); ++i) filled += isChosen(i) && fills(i) ? 1 : 0;
     return filled;
   }
 
@@ -108,14 +111,14 @@ class BinFigures {
 
 std::vector<std::vector<std::size_t>> samplesTaken(std::span<const Rule> rules, const RuleTable& table) {
   const std::vector<double> fragments = fragmentsOfSamples(table);
-  const double median = medianWithoutBlanks(fragments, table.blanks);
+  const double median = medianOfSamples(fragments, table.samples);
   std::vector<std::vector<std::size_t>> taken(fragments.size());
   for (std::size_t r = 0; r < rules.size(); ++r) {
-    if (rules[r].quantity != Quantity::Fragments) continue;
+    if (!judgesSamples(rules[r])) continue;
     for (std::size_t i = 0; i < fragments.size(); ++i) {
       std::optional<double> value = fragments[i];
       if (rules[r].percent) value = median > 0 ? std::optional(100 * fragments[i] / median) : std::nullopt;
-      if (!table.blanks[i] && takes(rules[r], value)) taken[i].push_back(r);
+      if (table.samples[i] == SampleState::Judged && takes(rules[r], value)) taken[i].push_back(r);
     }
   }
   return taken;
@@ -134,9 +137,9 @@ RuleOutcome applyRules(std::span<const Rule> rules, const RuleTable& table) {
   check(table);
   RuleOutcome outcome{.bins = {}, .samples = samplesTaken(rules, table)};
   outcome.bins.resize(table.bins.size());
-  std::vector<bool> counting(table.blanks.size());
+  std::vector<bool> counting(table.samples.size());
   for (std::size_t i = 0; i < counting.size(); ++i)
-    counting[i] = !table.blanks[i] && outcome.samples[i].empty();
+    counting[i] = isSample(table.samples[i]) && outcome.samples[i].empty();
   for (std::size_t bin = 0; bin < table.bins.size(); ++bin) {
     const BinFigures figures(table, counting, bin);
     for (std::size_t r = 0; r < rules.size(); ++r) {

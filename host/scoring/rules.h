@@ -45,6 +45,7 @@ struct RuleError : std::invalid_argument {
 Rule parseRule(std::string_view text);
 /// A text that parseRule reads as the same rule.
 std::string ruleText(const Rule& rule);
+inline bool judgesSamples(const Rule& rule) { return rule.quantity == Quantity::Fragments; }
 
 struct RuleBin {
   double xMin = 0;  // nt
@@ -52,13 +53,17 @@ struct RuleBin {
   double size = 0;  // mean
 };
 
-/// A table in place. `counts` and `heights` hold one line of `blanks.size()` entries for each bin: the
+/// How a sample stands to the rules: Judged by them, Kept whatever they say, LeftOut of every figure, or a
+/// Blank, which is judged by no rule and counts for Quantity::Blank alone.
+enum class SampleState { Judged, Kept, LeftOut, Blank };
+
+/// A table in place. `counts` and `heights` hold one line of `samples.size()` entries for each bin: the
 /// fragments of a cell and the sum of their heights.
 struct RuleTable {
   std::span<const RuleBin> bins;
   std::span<const std::int32_t> counts;
   std::span<const double> heights;
-  std::vector<bool> blanks;  // one for each sample
+  std::span<const SampleState> samples;
   std::span<const ReplicatePair> replicates;
 };
 
@@ -71,8 +76,7 @@ struct RuleOutcome {
   std::size_t takenBy(std::size_t rule) const;
 };
 
-/// Rules for samples act first: a sample that goes counts in no figure of a bin. Blanks are judged by no rule
-/// and count for Quantity::Blank alone. A figure of nothing (a mean height without fragments, disagreement
+/// Rules for samples act first: a sample that goes counts in no figure of a bin. A figure of nothing (a mean height without fragments, disagreement
 /// without pairs) takes nothing. Throws std::invalid_argument when the table's parts do not fit each other.
 RuleOutcome applyRules(std::span<const Rule> rules, const RuleTable& table);
 

@@ -52,7 +52,9 @@ TEST(Rules, TakeBinsByTheSamplesThatCount) {
                                        0,   0,   0,   0,   0,    500,   //
                                        50,  50,  50,  51,  0,    0};
   const std::vector<ReplicatePair> pairs = {{0, 1}, {2, 3}};
-  const RuleTable table{bins, counts, heights, {false, false, false, false, false, true}, pairs};
+  using enum SampleState;
+  std::vector<SampleState> states = {Judged, Judged, Judged, Judged, Judged, Blank};
+  const RuleTable table{bins, counts, heights, states, pairs};
   std::vector<Rule> rules;
   for (const char* text : {"height<100", "samples<2", "samples>3", "width>1", "size<50", "disagree>49%",
                            "disagree>50%", "blank>0", "fragments<2", "fragments<50%"}) {
@@ -66,8 +68,13 @@ TEST(Rules, TakeBinsByTheSamplesThatCount) {
   EXPECT_EQ(outcome.takenBy(7), 2U);
   EXPECT_EQ(outcome.takenBy(9), 1U);
 
+  states[4] = Kept;  // which the hand brought back: its fragments count again
+  states[1] = LeftOut;
+  EXPECT_THAT(applyRules(rules, table).samples[4], IsEmpty());
+  EXPECT_THAT(applyRules(rules, table).bins[1], ElementsAre(3, 5, 6, 7))
+      << "mean height (150 + 75 + 9000) / 4; the one pair left differs";
   RuleTable torn = table;
-  torn.blanks.pop_back();
+  torn.samples = torn.samples.first(5);
   EXPECT_THROW(applyRules(rules, torn), std::invalid_argument);
 }
 
