@@ -59,6 +59,12 @@ FinishedTable::ResultCells FinishedTable::cellsOf(std::int32_t bin) {
   return {counts_, heights_};
 }
 
+FinishedTable::OwnBin FinishedTable::ownBin(std::int32_t bin) const {
+  const std::int32_t dye = dyeOf(bin);
+  const auto* const own = dynamic_cast<const PartitionBinCalculator*>(&calculatorOfDye(dye)->own());
+  return {required(own, "PartitionBinCalculator"), bin - firstBins_[static_cast<std::size_t>(dye)]};
+}
+
 BinMark FinishedTable::markOf(std::int32_t row, std::int32_t bin) {
   const bool isFilters = isFull(bin);
   if (!isGrey(row)) return isFilters ? BinMark::BroughtBack : BinMark::None;

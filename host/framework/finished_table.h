@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "host/binning/partition_bin_calculator.h"
 #include "host/framework/pages.h"
 #include "host/study/fragments.h"
 #include "plugin/banddesk.h"
@@ -47,6 +48,15 @@ class FinishedTable {
     std::span<const double> heights;
   };
   ResultCells cellsOf(std::int32_t bin);
+
+  // The host's own calculator of a bin's dye, and the bin's number there; error 91 with another calculator.
+  struct OwnBin {
+    const PartitionBinCalculator& calculator;
+    std::int32_t number;
+  };
+  OwnBin ownBin(std::int32_t bin) const;
+  // Whether the table looks at a dye.
+  bool looksAt(std::int32_t dye) const { return isDyeChecked_[static_cast<std::size_t>(dye)]; }
 
   // Of the bin that a logical row holds.
   BinMark markOf(std::int32_t row, std::int32_t bin);

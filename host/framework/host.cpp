@@ -24,16 +24,14 @@ Host::Host(HostSettings settings)
       objects_(faults_, hooks_),
       studyService_(faults_, objects_, seat_),
       explorer_(faults_, registry_.itemDefinition()),
-      pages_(faults_, platform_, seat_) {
+      pages_(faults_, platform_, seat_),
+      rules_(pages_, platform_, studyService_) {
   platform_.whyNotInto = [this](const std::string& file) {
     return studyService_.liesIn(file) ? std::string("it is the open study") : std::string();
   };
   hooks_.open = [this](const std::shared_ptr<AFLP>& analysis, bool show) {
     return openAnalysis(analysis, show);
   };
-  if (!settings_.makeBinCalculator) {
-    settings_.makeBinCalculator = [] { return makeBinCalculator(); };
-  }
 }
 
 Host::~Host() {
@@ -174,14 +172,26 @@ std::shared_ptr<Grid> Host::NewGrid(const std::string& name) {
   return settings_.makeGrid(name);
 }
 
+// For the page that is being initialised, as its analysis has it. Which of its samples are blanks is known
+// only when it calculates.
 std::shared_ptr<BinCalculator> Host::NewBinCalculator() {
   faults_.check("HostServices", "NewBinCalculator");
-  auto calculator = settings_.makeBinCalculator();
+  const auto& page = pages_.initializing();
+  const auto analysis = page ? std::dynamic_pointer_cast<HostAFLP>(page->BoundObject()) : nullptr;
+  std::shared_ptr<PartitionBinCalculator> own;
+  if (!settings_.makeBinCalculator)
+    own = makeBinCalculator(analysis ? analysis->scoring().calculator : CalculatorSettings());
+  std::shared_ptr<BinCalculator> calculator = own;
+  if (!own) calculator = settings_.makeBinCalculator();
   required(calculator, "BinCalculator");
-  auto guarded = std::make_shared<GuardedCalculator>(
-      faults_, std::move(calculator),
-      [this](double width, double threshold) { pages_.noteCalculation(width, threshold); });
-  if (const auto& page = pages_.initializing()) page->keep(guarded);
+  const auto before = [this, ownBins = own.get(), of = std::weak_ptr(analysis)](double width,
+                                                                                double threshold) {
+    if (const auto binned = of.lock(); ownBins != nullptr && binned)
+      ownBins->setUnmeasured(rules_.blanksOf(*binned));
+    pages_.noteCalculation(width, threshold);
+  };
+  auto guarded = std::make_shared<GuardedCalculator>(faults_, std::move(calculator), before);
+  if (page) page->keep(guarded);
   return guarded;
 }
 

@@ -16,6 +16,7 @@
 #include "host/framework/page_keeper.h"
 #include "host/framework/page_manager.h"
 #include "host/framework/platform.h"
+#include "host/framework/rule_keeper.h"
 #include "host/framework/save_flow.h"
 #include "host/framework/services.h"
 #include "host/framework/study_service.h"
@@ -79,6 +80,7 @@ class Host final : public HostServices, private Application {
   HostObjectManager& objects() { return objects_; }
   HostPageManager& pages() { return pages_; }
   HostExplorerTree& tree() { return explorer_.tree(); }
+  RuleKeeper& rules() { return rules_; }
   HostReportingService& reports() { return *reporting_; }
   banddesk::ServiceRegistry& registry() { return registry_.registry(); }
   IAFLPService& service() const;  // error 91 without a component
@@ -125,6 +127,7 @@ class Host final : public HostServices, private Application {
   ObjectRef componentState_;
   std::optional<Component> component_;
   HostPageManager pages_;
+  RuleKeeper rules_;
   std::optional<PageKeeper> keeper_;
   std::shared_ptr<IAFLPService> service_;
   std::shared_ptr<ServiceBase> serviceBase_;

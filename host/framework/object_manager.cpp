@@ -4,6 +4,8 @@
 #include <utility>
 
 #include "host/store/snapshot.h"
+#include "plugin/base/numbers.h"
+#include "plugin/base/text.h"
 
 namespace banddesk::host {
 namespace {
@@ -20,7 +22,30 @@ void forgetRemoved(AFLP& analysis) {
     forget(layout->Columns);
 }
 
+void nameColumnsOf(AFLP& analysis) {
+  auto& columns = analysis.SampleGrid->Columns;
+  const PersistentState ofAnalysis = analysis.persistentState();
+  const PersistentState ofLayout = analysis.SampleGrid->persistentState();
+  for (const auto& result : analysis.Results) {
+    const std::string key = "-" + integerText(result->ResultID);
+    if (!columns.holdsKey(key)) continue;
+    const auto& column = columns.Item(key);
+    const PersistentState ofColumn = column->persistentState();
+    const std::string name(trimRight(result->Sample->Name.get()));
+    if (column->ToolTip.get() != name) column->ToolTip = name;
+    column->Persistent() = ofColumn;
+  }
+  analysis.SampleGrid->Persistent() = ofLayout;
+  analysis.Persistent() = ofAnalysis;
+}
+
 }  // namespace
+
+void HostObjectManager::nameColumns() {
+  for (const auto& each : analyses_) {
+    if (const auto analysis = each.lock()) nameColumnsOf(*analysis);
+  }
+}
 
 void HostObjectManager::attach(std::shared_ptr<Store> store, std::shared_ptr<Study> study) {
   store_ = std::move(store);
@@ -108,6 +133,7 @@ std::shared_ptr<HostAFLP> HostObjectManager::load(std::int32_t id) {
   auto analysis = makeAnalysis(id);
   analysis->Study = study_;
   restore(store_->readAnalysis(id), *analysis);
+  nameColumnsOf(*analysis);
   for (const auto& dye : analysis->DyeGrid->Columns) centre(*dye);  // older studies hold none of it
   settle(*analysis);
   return analysis;

@@ -27,6 +27,10 @@ class HostObjectManager final : public ObjectManager {
   // its own; it counts as stored.
   void refill(AFLP& analysis, const AnalysisSnapshot& snapshot);
 
+  // Gives the sample columns of all analyses the names that the samples have now; to the store that is no
+  // change, as it is done anew at each loading.
+  void nameColumns();
+
   // An analysis can be made only while a study is open (error 91).
   std::shared_ptr<PersistentObject> Create(const std::string& typeName) override;
   // The stored analyses, each as the one object that stands for it.

@@ -33,25 +33,8 @@ bool showsItsParameters(const HostPage& page) {
 }
 
 std::shared_ptr<const TablePlace> viewOf(const HostPage& page) {
-  TablePlace view;
-  if (const GridControl* const grid = gridOf(page)) {
-    view = {grid->TopRow(), grid->LeftCol(), grid->currentRow(), grid->currentCol(),
-            grid->selection().blocks()};
-  }
-  return std::make_shared<const TablePlace>(std::move(view));
-}
-
-void show(const TablePlace& view, const HostPage& page) {
-  GridControl* const grid = gridOf(page);
-  if (grid == nullptr) return;
-  grid->Redraw(2.0);  // what the new table hides was hidden before, too, and stays in the selection
-  grid->SetCurrentCell(view.currentRow, view.currentCol);
-  bool adds = false;
-  for (const Block& block : view.selection)
-    grid->selectCells(block.top, block.left, block.bottom, block.right, std::exchange(adds, true));
-  grid->SetTopRow(view.topRow);
-  grid->SetLeftCol(view.leftCol);
-  grid->Redraw(2.0);
+  const GridControl* const grid = gridOf(page);
+  return std::make_shared<const TablePlace>(grid != nullptr ? placeIn(*grid) : TablePlace());
 }
 
 }  // namespace
@@ -146,7 +129,7 @@ std::shared_ptr<HostPage> PageKeeper::restore(const std::shared_ptr<HostPage>& p
   analysis.Persistent() = state.flags;
   if (failure) page->markHalfMade();
   failure.raise();
-  show(*state.view, *now);
+  if (GridControl* const grid = gridOf(*now)) show(*state.view, *grid);
   return now;
 }
 

@@ -32,18 +32,10 @@
 #include "host/framework/framework.h"
 #include "host/framework/object_manager.h"
 #include "host/framework/page_manager.h"
-#include "host/grid/block.h"
-#include "host/grid/grid_control.h"
+#include "host/framework/table_place.h"
 #include "host/store/snapshot.h"
 
 namespace banddesk::host {
-
-// Where the user stands in a table, by physical rows and columns.
-struct TablePlace {
-  std::int32_t topRow = 1, leftCol = 1;
-  std::int32_t currentRow = 1, currentCol = 1;
-  std::vector<Block> selection;
-};
 
 // An open results page as a value: all that is stored of its analysis, as if it were saved now, and the view.
 // Cheap to copy; the parts are shared and never change.

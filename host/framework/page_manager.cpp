@@ -21,6 +21,7 @@ struct PageDefinition {
 };
 
 constexpr const char* kColumnSelector = "ColumnSelector";
+constexpr const char* kResultsPage = "AFLP";
 
 constexpr std::array<PageDefinition, 7> kDefinitions = {{
     {"AFLPParams", "New AFLP Analysis", "AFLPParamsPage", false},
@@ -112,8 +113,13 @@ std::shared_ptr<banddesk::Page> HostPageManager::OpenPage(const std::string& nam
   }
   if (definition.className != nullptr) start(*page, definition.className);
   pages_.push_back(page);
+  tellTable(*page);
   if (!hidden) page->Show();
   return page;
+}
+
+void HostPageManager::tellTable(HostPage& page) const {
+  if (onTable && page.control() && page.DefinitionName() == kResultsPage) onTable(page);
 }
 
 void HostPageManager::start(HostPage& page, const char* className) {
@@ -196,8 +202,14 @@ void HostPageManager::userEvent(const HostPage& page, const std::function<void()
 void HostPageManager::procedure(const HostPage& page, const std::function<void()>& work) const {
   const auto open = shared(page);
   if (!open) return work();
-  const AtWork atWork(*this, *open);
-  aroundProcedure ? aroundProcedure(open, work) : work();
+  const bool isOutermost = atWork_ == nullptr;
+  {
+    const AtWork atWork(*this, *open);
+    aroundProcedure ? aroundProcedure(open, work) : work();
+  }
+  // Another page may stand in its place now.
+  const auto now = find(open->DefinitionName(), open->bound());
+  if (isOutermost && now) tellTable(*now);
 }
 
 std::shared_ptr<HostPage> HostPageManager::replace(const std::shared_ptr<HostPage>& former) {
@@ -215,6 +227,7 @@ std::shared_ptr<HostPage> HostPageManager::replace(const std::shared_ptr<HostPag
   former->hold();
   platform_.resetPointer();
   failure.raise();
+  tellTable(*page);
   return page;
 }
 

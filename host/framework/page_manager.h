@@ -57,12 +57,16 @@ class HostPageManager final : public PageManager {
   const std::vector<std::shared_ptr<HostPage>>& openPages() const { return pages_; }
   // The helper of the page that is being initialised, or null.
   const std::shared_ptr<HostPageBase>& initializing() const { return initializing_; }
+  // The page whose procedure runs, or null.
+  const HostPage* atWork() const { return atWork_; }
   // Null if there is none.
   std::shared_ptr<HostPage> find(std::string_view name, const ObjectRef& bound) const;
 
   PageWatch watch;
   // Absent: a procedure just runs.
   std::function<void(const std::shared_ptr<HostPage>&, const std::function<void()>&)> aroundProcedure;
+  // The table of a results page stands as it is for now: it was opened or made anew, or a procedure is over.
+  std::function<void(HostPage&)> onTable;
   // The user has accepted a selection of columns, of which a table is to be made.
   Event<> ColumnsSelected;
 
@@ -72,6 +76,7 @@ class HostPageManager final : public PageManager {
 
   void start(HostPage& page, const char* className);
   std::shared_ptr<HostPage> shared(const HostPage& page) const;
+  void tellTable(HostPage& page) const;
   bool runModal(const HostPage& page, PageOwner* owner) const;
 
   FaultInjector& faults_;

@@ -100,7 +100,7 @@ void HostPlatform::RunModal(ui::Form& form) {
     choice = button->Click.connect([&] { accepted = true; });
     break;
   }
-  seat_.front().runForm(form);
+  if (!answerForm || !answerForm(form)) seat_.front().runForm(form);
   FormLeft.raise(accepted);
 }
 

@@ -42,6 +42,9 @@ class HostPlatform final : public ui::Platform {
   std::string JoinPath(const std::string& folder, const std::string& relative) override;
   char DecimalSeparator() const override { return decimalSeparator_; }
 
+  // Answers a form in the user's place; false leaves it to the user. The host's.
+  std::function<bool(ui::Form&)> answerForm;
+
   // The pointer as it is when nothing runs: what failed leaves its hourglass behind.
   void resetPointer();
   // Runs what clicks for code and not for the user: no popup menu shows. Whether one was asked for.

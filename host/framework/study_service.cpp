@@ -70,6 +70,8 @@ void HostStudyService::open(std::shared_ptr<Store> store) {
   failure.run([&] {
     const StudyRecord stored = required(store_, "Store").readStudy();
     settings_ = stored.settings;
+    facts_.clear();
+    for (const ResultRecord& result : stored.results) keepFacts(result);
     dyeLetters_.clear();
     for (const DyeRecord& dye : stored.dyes) dyeLetters_ += dye.letter;
     study_ = makeStudy(stored, store_, faults_);
@@ -105,6 +107,7 @@ void HostStudyService::drop() {
 StudyRecord HostStudyService::record() const {
   StudyRecord record = recordOf(required(study_, "Study"));
   record.settings = settings_;
+  for (ResultRecord& result : record.results) result.facts = factsOf(result.id);
   for (std::size_t slot = 0; slot < kDyeCount; ++slot) record.dyes[slot].letter = dyeLetters_.at(slot);
   return record;
 }
@@ -176,6 +179,39 @@ void HostStudyService::deleteResult(std::int32_t resultId) {
         study.Results.Item(integerText(resultId))->IsDeleted = true;
         study.Results.Remove(integerText(resultId));
       });
+}
+
+const SampleFacts& HostStudyService::factsOf(std::int32_t resultId) const {
+  static const SampleFacts none;
+  const auto found = facts_.find(resultId);
+  return found == facts_.end() ? none : found->second;
+}
+
+void HostStudyService::keepFacts(const ResultRecord& result) {
+  if (result.facts == SampleFacts())
+    facts_.erase(result.id);
+  else
+    facts_[result.id] = result.facts;
+}
+
+// The columns of analyses carry the names of their samples.
+void HostStudyService::changeSamples(const std::vector<SampleChange>& changes) {
+  StudyRecord record = this->record();
+  for (const SampleChange& change : changes) {
+    ResultRecord& result = resultIn(record, change.resultId);
+    result.sampleName = change.name;
+    result.facts = change.facts;
+  }
+  store_->writeStudy(record);
+  for (const SampleChange& change : changes) {
+    const auto& result = resultIn(record, change.resultId);
+    keepFacts(result);
+    const auto sample = required(resultOf(*study_, change.resultId), "Result").Sample;
+    if (sample->Name.get() == change.name) continue;
+    sample->Name = change.name;
+    sample->Persistent().IsDirty = false;
+  }
+  objects_.nameColumns();
 }
 
 void HostStudyService::changeDye(std::int32_t dye, const std::function<void(DyeRecord&)>& change) {

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -42,6 +43,15 @@ class HostStudyService final : public StudyService {
   std::vector<ImportRecord> imports();  // the earliest first
   void setResultExcluded(std::int32_t resultId, bool isExcluded);
   void deleteResult(std::int32_t resultId);
+  // What is said of a sample; nothing for one that is not in the study.
+  const SampleFacts& factsOf(std::int32_t resultId) const;
+  // Names and facts of samples, all or none; a name as it is stands for no change.
+  struct SampleChange {
+    std::int32_t resultId;
+    std::string name;
+    SampleFacts facts;
+  };
+  void changeSamples(const std::vector<SampleChange>& changes);
   void setDyeColor(std::int32_t dye, Colour color);
   void setDyeVisible(std::int32_t dye, bool isVisible);
   // The letters of the tables' dyes in the four slots; "-" for one that no import has filled.
@@ -63,6 +73,7 @@ class HostStudyService final : public StudyService {
 
  private:
   void drop();
+  void keepFacts(const ResultRecord& result);
   StudyRecord record() const;
   void changeResults(const std::function<void(StudyRecord&)>& changeRecord,
                      const std::function<void(banddesk::Study&)>& changeObjects);
@@ -75,6 +86,7 @@ class HostStudyService final : public StudyService {
   std::shared_ptr<Store> store_;
   std::shared_ptr<banddesk::Study> study_;
   StudySettings settings_;
+  std::map<std::int32_t, SampleFacts> facts_;  // of those of which something is said
   std::string dyeLetters_ = std::string(kDyeCount, kNoDye);
   bool isOpen_ = false;
 };

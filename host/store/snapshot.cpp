@@ -38,6 +38,7 @@ AnalysisSnapshot snapshotOf(const AFLP& analysis) {
   takeFields(kAnalysisFields, analysis, snapshot);
   for (const auto& result : analysis.Results) snapshot.resultIds.push_back(result->ResultID);
   for (const auto& bin : analysis.AFLPBins) takeFields(kBinFields, *bin, snapshot.bins.emplace_back());
+  if (const auto* own = dynamic_cast<const HostAFLP*>(&analysis)) snapshot.scoring = own->scoring();
   snapshot.binGrid = snapshotOf(*analysis.BinGrid);
   snapshot.sampleGrid = snapshotOf(*analysis.SampleGrid);
   snapshot.dyeGrid = snapshotOf(*analysis.DyeGrid);
@@ -62,6 +63,7 @@ void restore(const AnalysisSnapshot& snapshot, AFLP& analysis) {
     putFields(kBinFields, *bin, stored);
     analysis.AFLPBins.Add(std::move(bin));
   }
+  if (auto* own = dynamic_cast<HostAFLP*>(&analysis)) own->setScoring(snapshot.scoring);
   restore(snapshot.binGrid, *analysis.BinGrid);
   restore(snapshot.sampleGrid, *analysis.SampleGrid);
   restore(snapshot.dyeGrid, *analysis.DyeGrid);

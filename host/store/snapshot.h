@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "host/scoring/analysis_scoring.h"
 #include "plugin/shell/persistent.h"
 
 namespace banddesk::host {
@@ -53,6 +54,7 @@ struct AnalysisSnapshot {
   bool isPending = false;
   std::vector<std::int32_t> resultIds;
   std::vector<BinSnapshot> bins;
+  scoring::AnalysisScoring scoring;
   LayoutSnapshot binGrid, sampleGrid, dyeGrid, styleGrid;
   friend bool operator==(const AnalysisSnapshot&, const AnalysisSnapshot&) = default;
 };

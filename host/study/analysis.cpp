@@ -2,6 +2,7 @@
 
 #include <array>
 #include <string>
+#include <utility>
 
 namespace banddesk::host {
 namespace {
@@ -107,6 +108,19 @@ void visitOwned(AFLP& analysis, const std::function<void(PersistentObject&)>& vi
 ObjectRef HostAFLP::Open(bool& show) {
   if (guard() != nullptr) guard()->check(typeName(), "Open");
   return hooks_.open ? hooks_.open(shared_from_this(), show) : nullptr;
+}
+
+void HostAFLP::setScoring(scoring::AnalysisScoring scoring) {
+  if (scoring == scoring_) return;
+  beforePut("Scoring");
+  scoring_ = std::move(scoring);
+  afterPut("Scoring", true);
+}
+
+HostAFLP& hostSide(AFLP& analysis) { return required(dynamic_cast<HostAFLP*>(&analysis), "HostAFLP"); }
+
+const HostAFLP& hostSide(const AFLP& analysis) {
+  return required(dynamic_cast<const HostAFLP*>(&analysis), "HostAFLP");
 }
 
 void HostAFLP::ReportFinished() {

@@ -7,6 +7,7 @@
 #include <memory>
 #include <string_view>
 
+#include "host/scoring/analysis_scoring.h"
 #include "plugin/shell/persistent.h"
 
 namespace banddesk::host {
@@ -21,6 +22,9 @@ class HostAFLP final : public AFLP, public std::enable_shared_from_this<HostAFLP
   HostAFLP(std::int32_t id, const AnalysisHooks& hooks) : id_(id), hooks_(hooks) {}
 
   std::int32_t ID() const override { return id_; }
+  const scoring::AnalysisScoring& scoring() const { return scoring_; }
+  // Another value is a change of the analysis.
+  void setScoring(scoring::AnalysisScoring scoring);
   ObjectRef Open(bool& show) override;
   void ReportFinished() override;
 
@@ -31,7 +35,12 @@ class HostAFLP final : public AFLP, public std::enable_shared_from_this<HostAFLP
  private:
   std::int32_t id_;
   const AnalysisHooks& hooks_;
+  scoring::AnalysisScoring scoring_;
 };
+
+// The host's own side of an analysis; error 13 for one that the host has not made.
+HostAFLP& hostSide(AFLP& analysis);
+const HostAFLP& hostSide(const AFLP& analysis);
 
 // Fills the layouts of a new analysis: the nine columns of bin information, and the styles of cells with one
 // fragment, with several and with none.

@@ -24,11 +24,26 @@ struct DyeRecord {
   friend bool operator==(const DyeRecord&, const DyeRecord&) = default;
 };
 
+// A blank is a run without DNA: it counts in no figure, and bins with a peak in it are doubtful. A reference
+// is a sample that is run again and again.
+enum class SampleRole { Sample, Blank, Reference };
+
+// What the user says of a sample; empty: nothing.
+struct SampleFacts {
+  SampleRole role = SampleRole::Sample;
+  std::string group;       // population
+  std::string individual;  // of which it is a run
+  std::string primerPair;
+  std::string note;
+  friend bool operator==(const SampleFacts&, const SampleFacts&) = default;
+};
+
 struct ResultRecord {
   std::int32_t id = 0;  // positive
   std::string sampleName;
   bool isExcluded = false;
   bool isDeleted = false;
+  SampleFacts facts = {};
   friend bool operator==(const ResultRecord&, const ResultRecord&) = default;
 };
 
