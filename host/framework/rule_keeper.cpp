@@ -64,8 +64,7 @@ class Hand {
 
   void choose(std::int32_t row, std::int32_t column, const char* item) {
     if (page_.Transpose()) std::swap(row, column);
-    platform_.popupAnswers.push_front([](ui::MenuItem&, ui::MenuItem*) {});
-    grid_.rightClick(row, column);
+    platform_.withoutPopups([&] { grid_.rightClick(row, column); });
     required(page_.Controls().find<ui::MenuItem>(item), item).choose();
   }
 

@@ -70,6 +70,7 @@ void HostStudyService::open(std::shared_ptr<Store> store) {
   failure.run([&] {
     const StudyRecord stored = required(store_, "Store").readStudy();
     settings_ = stored.settings;
+    joined_ = stored.joined;
     facts_.clear();
     for (const ResultRecord& result : stored.results) keepFacts(result);
     dyeLetters_.clear();
@@ -108,6 +109,13 @@ StudyRecord HostStudyService::record() const {
   StudyRecord record = recordOf(required(study_, "Study"));
   record.settings = settings_;
   for (ResultRecord& result : record.results) result.facts = factsOf(result.id);
+  record.joined = joined_;
+  const std::vector<std::int32_t> kept = store_->analysisIds();
+  for (JoinedTable& table : record.joined) {
+    std::erase_if(table.parts, [&](const JoinedPart& part) {
+      return std::ranges::find(kept, part.analysisId) == kept.end();
+    });
+  }
   for (std::size_t slot = 0; slot < kDyeCount; ++slot) record.dyes[slot].letter = dyeLetters_.at(slot);
   return record;
 }
@@ -212,6 +220,29 @@ void HostStudyService::changeSamples(const std::vector<SampleChange>& changes) {
     sample->Persistent().IsDirty = false;
   }
   objects_.nameColumns();
+}
+
+void HostStudyService::writeJoined(std::vector<JoinedTable> tables) {
+  StudyRecord record = this->record();
+  record.joined = std::move(tables);
+  store_->writeStudy(record);
+  joined_ = std::move(record.joined);
+}
+
+void HostStudyService::keepJoinedTable(const JoinedTable& table) {
+  std::vector<JoinedTable> tables = joined_;
+  const auto same = std::ranges::find(tables, table.name, &JoinedTable::name);
+  if (same == tables.end())
+    tables.push_back(table);
+  else
+    *same = table;
+  writeJoined(std::move(tables));
+}
+
+void HostStudyService::removeJoinedTable(const std::string& name) {
+  std::vector<JoinedTable> tables = joined_;
+  if (std::erase_if(tables, [&](const JoinedTable& each) { return each.name == name; }) > 0)
+    writeJoined(std::move(tables));
 }
 
 void HostStudyService::changeDye(std::int32_t dye, const std::function<void(DyeRecord&)>& change) {

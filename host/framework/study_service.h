@@ -52,6 +52,10 @@ class HostStudyService final : public StudyService {
     SampleFacts facts;
   };
   void changeSamples(const std::vector<SampleChange>& changes);
+  const std::vector<JoinedTable>& joinedTables() const { return joined_; }
+  // Replaces the one of that name, or adds it.
+  void keepJoinedTable(const JoinedTable& table);
+  void removeJoinedTable(const std::string& name);  // nothing where there is none
   void setDyeColor(std::int32_t dye, Colour color);
   void setDyeVisible(std::int32_t dye, bool isVisible);
   // The letters of the tables' dyes in the four slots; "-" for one that no import has filled.
@@ -74,6 +78,7 @@ class HostStudyService final : public StudyService {
  private:
   void drop();
   void keepFacts(const ResultRecord& result);
+  void writeJoined(std::vector<JoinedTable> tables);
   StudyRecord record() const;
   void changeResults(const std::function<void(StudyRecord&)>& changeRecord,
                      const std::function<void(banddesk::Study&)>& changeObjects);
@@ -87,6 +92,7 @@ class HostStudyService final : public StudyService {
   std::shared_ptr<banddesk::Study> study_;
   StudySettings settings_;
   std::map<std::int32_t, SampleFacts> facts_;  // of those of which something is said
+  std::vector<JoinedTable> joined_;
   std::string dyeLetters_ = std::string(kDyeCount, kNoDye);
   bool isOpen_ = false;
 };

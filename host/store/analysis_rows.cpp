@@ -7,6 +7,7 @@
 #include <type_traits>
 #include <vector>
 
+#include "host/store/scoring_rows.h"
 #include "host/store/snapshot_fields.h"
 #include "plugin/base/error.h"
 
@@ -112,6 +113,7 @@ void removeParts(Database& database, std::int32_t id) {
   for (const char* table : {"layout", "bin_decision", "analysis_result"}) {
     database.prepare(fmt::format("DELETE FROM {} WHERE analysis_id = ?", table)).run(id);
   }
+  removeScoring(database, id);
 }
 
 // Gives an analysis that is written again its old place, and a new one the last.
@@ -144,6 +146,7 @@ AnalysisSnapshot readAnalysisRows(Database& database, std::int32_t id) {
       "SELECT {} FROM bin_decision WHERE analysis_id = ? ORDER BY position", namesOf(kBinFields)));
   for (bins.begin(id); bins.next();) readFields(kBinFields, bins, snapshot.bins.emplace_back());
   readLayouts(database, snapshot);
+  snapshot.scoring = readScoring(database, id);
   return snapshot;
 }
 
@@ -164,6 +167,7 @@ void writeAnalysisRows(Database& database, const AnalysisSnapshot& snapshot) {
     bin.finish();
   }
   writeLayouts(database, snapshot);
+  writeScoring(database, snapshot.id, snapshot.scoring);
 }
 
 void removeAnalysisRows(Database& database, std::int32_t id) {

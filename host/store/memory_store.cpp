@@ -20,7 +20,7 @@ MemoryStore::MemoryStore(std::string studyName, std::vector<NewResult> results) 
 ResultRecord MemoryStore::addResult(std::string sampleName, SampleFragments fragments) {
   const std::int32_t id = ++lastResultId_;
   fragments_.emplace(id, std::make_shared<const SampleFragments>(std::move(fragments)));
-  return {id, std::move(sampleName), false, false};
+  return {id, std::move(sampleName), false, false, {}};
 }
 
 std::shared_ptr<const SampleFragments> MemoryStore::readFragments(std::int32_t resultId) {
@@ -71,6 +71,8 @@ void MemoryStore::writeAnalysis(const AnalysisSnapshot& snapshot) {
 
 void MemoryStore::removeAnalysis(std::int32_t id) {
   std::erase_if(analyses_, [&](const AnalysisSnapshot& analysis) { return analysis.id == id; });
+  for (JoinedTable& table : record_.joined)
+    std::erase_if(table.parts, [&](const JoinedPart& part) { return part.analysisId == id; });
 }
 
 }  // namespace banddesk::host

@@ -9,6 +9,7 @@
 #include "host/store/analysis_rows.h"
 #include "host/store/fragment_blob.h"
 #include "host/store/new_study_file.h"
+#include "host/store/scoring_rows.h"
 #include "plugin/base/error.h"
 
 namespace banddesk::host {
@@ -147,9 +148,14 @@ StudyRecord SqliteStore::readStudy() {
   Statement results =
       database_.prepare("SELECT id, sample_name, is_excluded, is_deleted FROM result ORDER BY id");
   while (results.next()) {
-    record.results.push_back({results.integer<std::int32_t>(0), std::string(results.text(1)),
-                              results.number(2) != 0, results.number(3) != 0});
+    record.results.push_back({results.integer<std::int32_t>(0),
+                              std::string(results.text(1)),
+                              results.number(2) != 0,
+                              results.number(3) != 0,
+                              {}});
   }
+  readFacts(database_, record);
+  record.joined = readJoinedTables(database_);
   return record;
 }
 
@@ -169,6 +175,8 @@ void SqliteStore::writeRecord(const StudyRecord& record) {
       "UPDATE result SET is_excluded = ?1, is_deleted = ?2 "
       "WHERE id = ?3 AND (is_excluded <> ?1 OR is_deleted <> ?2)");
   for (const ResultRecord& result : record.results) marks.run(result.isExcluded, result.isDeleted, result.id);
+  writeFacts(database_, record);
+  writeJoinedTables(database_, record.joined);
 }
 
 std::vector<ResultRecord> SqliteStore::addResults(const StudyRecord& record,
@@ -207,7 +215,7 @@ ResultRecord SqliteStore::addResult(const NewResult& result, std::int64_t import
     const std::vector<std::byte> bytes = encodeFragments(result.fragments.dyes[dye]);
     fragments.run(id, static_cast<std::int32_t>(dye), sqlite::Blob(bytes));
   }
-  return {id, result.sampleName, false, false};
+  return {id, result.sampleName, false, false, {}};
 }
 
 std::vector<ImportRecord> SqliteStore::readImports() {

@@ -57,7 +57,8 @@ class Store : public FragmentSource {
   virtual std::vector<std::int32_t> analysisIds() = 0;  // in the order in which they were first written
   virtual AnalysisSnapshot readAnalysis(std::int32_t id) = 0;  // error 5 if there is none
   virtual void writeAnalysis(const AnalysisSnapshot& snapshot) = 0;
-  virtual void removeAnalysis(std::int32_t id) = 0;  // nothing if there is none
+  // Nothing if there is none; joined tables lose the part that it was.
+  virtual void removeAnalysis(std::int32_t id) = 0;
 };
 
 }  // namespace banddesk::host

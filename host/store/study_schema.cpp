@@ -268,7 +268,74 @@ CREATE TABLE ladder_label (
 ) STRICT, WITHOUT ROWID;
 )sql";
 
-constexpr std::array kSteps{kFirstVersion, kRunsAreKept};
+// What is said of samples, how an analysis is scored, and tables over several analyses. An analysis without a
+// row in analysis_scoring has nothing of that. A bin is named by dye and mean size, a sample by "-" and its
+// result, as in bin_decision and layout_column.
+constexpr const char* kScoringIsKept = R"sql(
+ALTER TABLE result ADD COLUMN role TEXT NOT NULL DEFAULT 'sample';
+ALTER TABLE result ADD COLUMN sample_group TEXT NOT NULL DEFAULT '';
+ALTER TABLE result ADD COLUMN individual TEXT NOT NULL DEFAULT '';
+ALTER TABLE result ADD COLUMN primer_pair TEXT NOT NULL DEFAULT '';
+ALTER TABLE result ADD COLUMN note TEXT NOT NULL DEFAULT '';
+
+CREATE TABLE analysis_scoring (
+  analysis_id INTEGER PRIMARY KEY REFERENCES analysis ON DELETE CASCADE,
+  size_from REAL,
+  size_to REAL,
+  normalisation TEXT NOT NULL,
+  call_percent REAL NOT NULL,
+  finds_bins_between INTEGER NOT NULL,
+  aligns_lanes INTEGER NOT NULL,
+  replicates TEXT NOT NULL
+) STRICT;
+
+CREATE TABLE analysis_rule (
+  analysis_id INTEGER NOT NULL REFERENCES analysis ON DELETE CASCADE,
+  position INTEGER NOT NULL,
+  rule TEXT NOT NULL,
+  PRIMARY KEY (analysis_id, position)
+) STRICT, WITHOUT ROWID;
+
+CREATE TABLE rule_mark (
+  analysis_id INTEGER NOT NULL REFERENCES analysis ON DELETE CASCADE,
+  element TEXT NOT NULL,
+  why TEXT NOT NULL,
+  PRIMARY KEY (analysis_id, element)
+) STRICT, WITHOUT ROWID;
+
+CREATE TABLE kept_element (
+  analysis_id INTEGER NOT NULL REFERENCES analysis ON DELETE CASCADE,
+  element TEXT NOT NULL,
+  PRIMARY KEY (analysis_id, element)
+) STRICT, WITHOUT ROWID;
+
+CREATE TABLE given_bin (
+  analysis_id INTEGER NOT NULL REFERENCES analysis ON DELETE CASCADE,
+  position INTEGER NOT NULL,
+  dye INTEGER NOT NULL CHECK (dye BETWEEN 0 AND 3),
+  size_from REAL NOT NULL,
+  size_to REAL NOT NULL,
+  name TEXT NOT NULL,
+  PRIMARY KEY (analysis_id, position)
+) STRICT, WITHOUT ROWID;
+
+CREATE TABLE joined (
+  id INTEGER PRIMARY KEY,
+  name TEXT NOT NULL UNIQUE,
+  consensus TEXT NOT NULL,
+  individuals TEXT NOT NULL
+) STRICT;
+
+CREATE TABLE joined_part (
+  joined_id INTEGER NOT NULL REFERENCES joined ON DELETE CASCADE,
+  position INTEGER NOT NULL,
+  analysis_id INTEGER NOT NULL REFERENCES analysis ON DELETE CASCADE,
+  primer_pair TEXT NOT NULL,
+  PRIMARY KEY (joined_id, position)
+) STRICT, WITHOUT ROWID;
+)sql";
+
+constexpr std::array kSteps{kFirstVersion, kRunsAreKept, kScoringIsKept};
 
 // The tables, and whatever else a file may hold beside rows, in the words that made them.
 std::vector<std::string> schemaOf(const sqlite::Database& database) {

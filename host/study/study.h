@@ -11,6 +11,7 @@
 
 #include "host/study/fault_injector.h"
 #include "host/study/fragments.h"
+#include "host/study/joined_table.h"
 #include "plugin/shell/persistent.h"
 
 namespace banddesk::host {
@@ -61,6 +62,7 @@ struct StudyRecord {
   std::array<DyeRecord, kDyeCount> dyes;
   std::vector<ResultRecord> results;
   StudySettings settings;
+  std::vector<JoinedTable> joined;
   friend bool operator==(const StudyRecord&, const StudyRecord&) = default;
 };
 

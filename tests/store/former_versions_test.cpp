@@ -21,7 +21,7 @@ struct FormerVersion {
   std::vector<double> sizes;  // of the first sample's first dye
 };
 
-const std::vector<FormerVersion> kFormer = {{1, "BGYO", {61.25, 75.5}}};
+const std::vector<FormerVersion> kFormer = {{1, "BGYO", {61.25, 75.5}}, {2, "BGYO", {61.25, 75.5}}};
 
 std::string makeFormer(const StoreFolder& folder, int version) {
   const std::string file = folder.file("a.study");

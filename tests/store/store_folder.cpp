@@ -111,6 +111,17 @@ AnalysisSnapshot someAnalysis(std::int32_t id, int number, const StudyRecord& st
     analysis.resultIds.push_back(result->id);
   for (int i = 0; i < 40; ++i)
     analysis.bins.push_back({fmt::format("D1-{}.{}", i, number), i % 2 == 0, i % 3 == 0});
+  CalculatorSettings& calculator = analysis.scoring.calculator;
+  if (number % 2 == 0) calculator.sizeRange = SizeRange{number % 4 == 0 ? 0.0 : 100};
+  calculator.normalisation = static_cast<Normalisation>(number % 3);
+  calculator.callPercent = number;
+  calculator.findsBinsBetween = number % 3 == 0;
+  calculator.alignsLanes = number % 2 == 1;
+  for (int i = 0; i < number % 4; ++i) calculator.bins.push_back({i, 100.0 + i, 100.5 + i, "Locus"});
+  analysis.scoring.rules = {scoring::parseRule("height<100"), scoring::parseRule("fragments<50%")};
+  analysis.scoring.replicates = number % 2 == 0 ? "" : "_R1/_R2";
+  analysis.scoring.marks = {{"D1-2.5", "height<100"}, {fmt::format("-{}", number), "fragments<50%"}};
+  analysis.scoring.kept = {"D2-300"};
   analysis.binGrid = someLayout(number, 9);
   analysis.sampleGrid = someLayout(number, static_cast<int>(study.results.size()));
   analysis.dyeGrid = someLayout(number, 4);
@@ -132,7 +143,11 @@ void takeStep(Store& store, int step) {
     for (ResultRecord& result : study.results) {
       result.isExcluded = (result.id + step) % 2 == 0;
       result.isDeleted = (result.id + step) % 5 == 0;
+      result.sampleName = fmt::format("Renamed {}-{}", step, result.id);
+      result.facts = {static_cast<SampleRole>(step % 3), "North", fmt::format("Oak {}", step), "E32/M47", ""};
     }
+    study.joined = {{fmt::format("Joined {}", step), "most", "", {}}};
+    for (const std::int32_t id : store.analysisIds()) study.joined[0].parts.push_back({id, "E32/M47"});
     store.writeStudy(study);
     return;
   }
