@@ -1,51 +1,17 @@
 #include "cli/band_table.h"
 
 #include <CLI/CLI.hpp>
-#include <algorithm>
-#include <fmt/format.h>
-#include <map>
-#include <set>
 
-#include "cli/pair_file.h"
 #include "cli/say.h"
 #include "cli/session.h"
 #include "cli/study_analysis.h"
 #include "host/framework/shown_bands.h"
+#include "host/import/pair_file.h"
+#include "host/statistics/groups.h"
 
 namespace banddesk::cli {
-namespace {
 
 using host::statistics::BandMatrix;
-
-// Groups in the order in which the file names them first, without those of other samples alone.
-void takeGroups(BandMatrix& bands, const std::filesystem::path& file) {
-  const auto refuse = [&](const std::string& sample, const char* why) {
-    raise(ErrorNumber::InvalidArgument, "Groups",
-          fmt::format("{}: the sample \"{}\" {}", file.string(), sample, why));
-  };
-  const std::set<std::string> samples(bands.samples.begin(), bands.samples.end());
-  std::map<std::string, std::size_t> groupOf;
-  std::set<std::string> strangers;
-  for (const auto& [sample, group] : readPairs(file, "a sample's name and its group")) {
-    if (!samples.contains(sample)) {
-      strangers.insert(sample);
-      continue;
-    }
-    const auto at = std::ranges::find(bands.groups, group);
-    const auto index = static_cast<std::size_t>(at - bands.groups.begin());
-    if (at == bands.groups.end()) bands.groups.push_back(group);
-    if (groupOf.emplace(sample, index).first->second != index) refuse(sample, "is in two groups");
-  }
-  for (const std::string& sample : bands.samples) {
-    const auto found = groupOf.find(sample);
-    if (found == groupOf.end()) refuse(sample, "has no group");
-    bands.groupOf.push_back(found->second);
-  }
-  if (!strangers.empty())
-    say("{}: {} names are no sample's of this table\n", file.string(), strangers.size());
-}
-
-}  // namespace
 
 BandMatrix readBands(Session& session, ExcludedBands excluded,
                      const std::optional<std::filesystem::path>& groups) {
@@ -54,7 +20,11 @@ BandMatrix readBands(Session& session, ExcludedBands excluded,
   BandMatrix bands = host::shownBands(session.analysis(), session.page());
   session.showExcluded(before);
   requireSound(bands);
-  if (groups) takeGroups(bands, *groups);
+  if (groups) {
+    const auto pairs = host::import::readPairs(*groups, "a sample's name and its group");
+    const std::size_t strangers = host::statistics::takeGroups(bands, pairs, groups->string());
+    if (strangers > 0) say("{}: {} names are no sample's of this table\n", groups->string(), strangers);
+  }
   return bands;
 }
 

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "cli/output_file.h"
-#include "cli/pair_file.h"
+#include "host/import/pair_file.h"
 #include "cli/say.h"
 #include "cli/session.h"
 #include "cli/study_analysis.h"
@@ -31,7 +31,7 @@ bool isFile(const std::string& text) {
 host::Replicates replicatesOf(const ShownTable& table, const std::string& wanted) {
   if (wanted.empty()) return {};
   if (!isFile(wanted)) return host::replicatesOfRuns(table.samples, wanted);
-  return host::replicatesByName(table.samples, readPairs(wanted, "two sample names"));
+  return host::replicatesByName(table.samples, host::import::readPairs(wanted, "two sample names"));
 }
 
 std::string figure(const std::optional<double>& value, int decimals) {

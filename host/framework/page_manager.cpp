@@ -23,7 +23,7 @@ struct PageDefinition {
 constexpr const char* kColumnSelector = "ColumnSelector";
 constexpr const char* kResultsPage = "AFLP";
 
-constexpr std::array<PageDefinition, 7> kDefinitions = {{
+constexpr std::array<PageDefinition, 13> kDefinitions = {{
     {"AFLPParams", "New AFLP Analysis", "AFLPParamsPage", false},
     {"AFLP", "AFLP", "AFLPResultsPage", false},
     {kColumnSelector, "Select Columns", nullptr, true},
@@ -31,6 +31,12 @@ constexpr std::array<PageDefinition, 7> kDefinitions = {{
     {"SingleSample", "Single Result", nullptr, false},
     {"OverlayGraphView", "Overlay Graph", nullptr, false},
     {"StackedView", "Stacked Graph", nullptr, false},
+    {"PrincipalCoordinates", "Principal Coordinates", nullptr, false},
+    {"Dendrogram", "Dendrogram", nullptr, false},
+    {"HeatMap", "Heat Map", nullptr, false},
+    {"Histograms", "Histograms", nullptr, false},
+    {"Plates", "Plates", nullptr, false},
+    {"PseudoGel", "Pseudo-Gel", nullptr, false},
 }};
 
 const PageDefinition& definitionOf(const std::string& name) {

@@ -16,6 +16,12 @@ double widthOf(const std::string& text) {
   return 0.62 * kFontSize * static_cast<double>(characterCount(text));
 }
 
+double widestOf(const std::vector<std::string>& texts) {
+  double widest = 0;
+  for (const std::string& text : texts) widest = std::max(widest, widthOf(text));
+  return widest;
+}
+
 std::vector<double> ticksBetween(double from, double to, int wanted) {
   const double raw = (to - from) / wanted;
   if (!(raw > 0) || !std::isfinite(raw)) return {};
@@ -36,6 +42,13 @@ void addLegend(Drawing& drawing, const std::vector<std::string>& groups, Point a
     drawing.marks.push_back({{at.x, y}, group, {}, groups[group]});
     drawing.labels.push_back({{at.x + 10, y + kFontSize / 3}, groups[group]});
   }
+}
+
+void addLegendBeside(Drawing& drawing, const std::vector<std::string>& groups, double top) {
+  if (groups.size() < 2) return;
+  addLegend(drawing, groups, {drawing.width + 4, top + 8});
+  drawing.width += widestOf(groups) + 28;
+  drawing.height = std::max(drawing.height, top + 20 + kLegendStep * static_cast<double>(groups.size()));
 }
 
 }  // namespace banddesk::host::pictures

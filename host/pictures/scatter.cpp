@@ -62,7 +62,7 @@ Drawing scatterOf(const statistics::Ordination& ordination, const statistics::Ba
   across = {across.least, across.least + width / scale, kLeft, scale};
   up = {up.least, up.least + height / scale, kTop + height, -scale};
 
-  Drawing drawing{kLeft + width + kRight, kTop + height + kBottom, "Principal coordinates", {}, {}, {}};
+  Drawing drawing{kLeft + width + kRight, kTop + height + kBottom, "Principal coordinates"};
   addFrame(drawing, across, up);
   drawing.labels.push_back(
       {{kLeft + width / 2, kTop + height + 38}, titleOf(ordination, horizontal), Anchor::Middle});
@@ -72,13 +72,7 @@ Drawing scatterOf(const statistics::Ordination& ordination, const statistics::Ba
     const std::size_t group = bands.groups.empty() ? 0 : bands.groupOf[i];
     drawing.marks.push_back({{across.at(xs[i]), up.at(ys[i])}, group, i, bands.samples[i]});
   }
-  if (bands.groups.size() > 1) {
-    double widest = 0;
-    for (const std::string& group : bands.groups) widest = std::max(widest, widthOf(group));
-    addLegend(drawing, bands.groups, {drawing.width + 4, kTop + 8});
-    drawing.width += widest + 24;
-    drawing.height = std::max(drawing.height, kTop + 20 + 18 * static_cast<double>(bands.groups.size()));
-  }
+  addLegendBeside(drawing, bands.groups, kTop);
   return drawing;
 }
 

@@ -7,6 +7,7 @@
 
 namespace banddesk::host::pictures {
 
-std::string svgOf(const Drawing& drawing);
+// So many millimetres wide; 0: in the drawing's own units.
+std::string svgOf(const Drawing& drawing, double millimetres = 0);
 
 }  // namespace banddesk::host::pictures

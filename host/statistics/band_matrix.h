@@ -18,6 +18,7 @@ struct Locus {
 
   // "D1_100.25". Two loci may have one name.
   std::string name() const;
+  friend bool operator==(const Locus&, const Locus&) = default;
 };
 
 struct BandMatrix {
@@ -31,6 +32,7 @@ struct BandMatrix {
     return std::span(cells).subspan(sample * loci.size(), loci.size());
   }
   bool hasMissing() const;
+  friend bool operator==(const BandMatrix&, const BandMatrix&) = default;
 };
 
 // Raises an Error when there are no samples or loci, or the parts do not fit each other.

@@ -15,8 +15,8 @@ struct Leaf {
 
 }  // namespace
 
-std::vector<std::size_t> leafOrder(const Tree& tree) {
-  std::vector<std::size_t> order, waiting = {tree.root()};
+std::vector<std::size_t> samplesBelow(const Tree& tree, std::size_t top) {
+  std::vector<std::size_t> order, waiting = {top};
   while (!waiting.empty()) {
     const std::size_t node = waiting.back();
     waiting.pop_back();

@@ -25,8 +25,10 @@ struct Tree {
   std::size_t root() const { return nodes.size() - 1; }
 };
 
-// The samples from the first child of the root to its last.
-std::vector<std::size_t> leafOrder(const Tree& tree);
+// The samples below a node from its first child to its last; of a sample itself.
+std::vector<std::size_t> samplesBelow(const Tree& tree, std::size_t node);
+// All of them.
+inline std::vector<std::size_t> leafOrder(const Tree& tree) { return samplesBelow(tree, tree.root()); }
 
 // The lengths of the branches between two samples, added up. In a tree of UPGMA these are the cophenetic
 // distances.

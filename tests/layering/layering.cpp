@@ -65,11 +65,12 @@ const std::vector<Module> modules = {
     {"grid view", {"desktop/grid/"}, {"desktop base"}},
     {"print", {"desktop/print/"}, {"dialogs"}},
     {"views", {"desktop/views/"}, {"dialogs"}},
+    {"picture pages", {"desktop/pictures/"}, {"views", "formats", "pictures"}},
     {"quality panel", {"desktop/quality/"}, {"desktop base"}},
     {"app", {"desktop/app/"}, {"framework"}},
     {"window",
      {"desktop/window/", "desktop/main.cpp"},
-     {"help", "pages", "grid view", "print", "views", "quality panel", "app"}},
+     {"help", "pages", "grid view", "print", "views", "picture pages", "quality panel", "app"}},
 };
 
 // Tests, benchmarks and tools look into every module; of them only the includes of Qt are judged.

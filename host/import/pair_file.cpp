@@ -1,4 +1,4 @@
-#include "cli/pair_file.h"
+#include "host/import/pair_file.h"
 
 #include <cerrno>
 #include <cstring>
@@ -8,7 +8,7 @@
 #include "plugin/base/error.h"
 #include "plugin/base/text.h"
 
-namespace banddesk::cli {
+namespace banddesk::host::import {
 
 std::vector<std::pair<std::string, std::string>> readPairs(const std::filesystem::path& file,
                                                            const char* expected) {
@@ -34,4 +34,4 @@ std::vector<std::pair<std::string, std::string>> readPairs(const std::filesystem
   return pairs;
 }
 
-}  // namespace banddesk::cli
+}  // namespace banddesk::host::import

@@ -6,11 +6,11 @@
 #include <utility>
 #include <vector>
 
-namespace banddesk::cli {
+namespace banddesk::host::import {
 
 // Blanks around a name and empty lines do not count. Raises an Error that names the line that is not two
 // names; `expected` says in words what they are.
 std::vector<std::pair<std::string, std::string>> readPairs(const std::filesystem::path& file,
                                                            const char* expected);
 
-}  // namespace banddesk::cli
+}  // namespace banddesk::host::import
