@@ -7,11 +7,11 @@
 #include <vector>
 
 #include "cli/output_file.h"
-#include "host/import/pair_file.h"
 #include "cli/say.h"
 #include "cli/session.h"
 #include "cli/study_analysis.h"
 #include "host/framework/shown_table.h"
+#include "host/import/pair_file.h"
 #include "plugin/base/text.h"
 
 namespace banddesk::cli {

@@ -1,5 +1,5 @@
 // Takes the pictures of the guide: guide_pictures EXAMPLE FOLDER, where EXAMPLE is what `banddesk example`
-// made. The real window is brought into each state by the program's own commands, at a fixed size and in
+// made; a third word "dark" takes them in dark colours. The real window is brought into each state by the program's own commands, at a fixed size and in
 // light colours, so that two runs give the same pictures. tools/guide-pictures sets up the rest.
 #include <QApplication>
 #include <QDeadlineTimer>
@@ -14,6 +14,8 @@
 #include "desktop/base/appearance.h"
 #include "desktop/base/qt_text.h"
 #include "desktop/dialogs/popup_menu.h"
+#include "desktop/pictures/format_dialog.h"
+#include "desktop/pictures/picture_page.h"
 #include "desktop/views/result_views.h"
 #include "desktop/window/grid_ports.h"
 #include "desktop/window/import_dialog.h"
@@ -74,6 +76,8 @@ class Photographer {
     takeQuality();
     takeStack();
     takeReview();
+    takePictures();
+    takeFormats();
   }
 
  private:
@@ -130,6 +134,51 @@ class Photographer {
     for (int i = 0; i < 14; ++i) review.next();
     settle();
     take(window_, "review");
+  }
+
+  void takePictures() {
+    takePicture("PrincipalCoordinates", "pcoa");
+    takePicture("Dendrogram", "dendrogram");
+    takePicture("HeatMap", "heat-map");
+    takePicture("PseudoGel", "gel");
+    takePicture("Histograms", "histogram");
+    takePicture("Plates", "plate");
+  }
+
+  void takePicture(const char* page, const char* name) {
+    auto& analysis = host().study().Study()->AFLPs;
+    const auto opened = host().pages().OpenPage(page, analysis.Item(1), nullptr, true, true, true, true, true,
+                                                true, nullptr, true, 0);
+    opened->SetCaption(opened->Caption() + " - " + analysis.Item(1)->Name.get());
+    opened->Show();
+    settle();
+    PicturePage* picture = nullptr;
+    until([&] {
+      picture = window_.findChild<PicturePage*>();
+      return picture != nullptr && !picture->work().isRunning() && !picture->isOutOfDate();
+    });
+    take(window_, name);
+    host().pages().end(host().pages().openPages().back(), false);
+    settle();
+  }
+
+  void takeFormats() {
+    host::PlainTable table = host::plainTable(*host().study().Study()->AFLPs.Item(1), resultsPage());
+    PictureContext context;
+    FormatDialog dialog(std::make_shared<const host::PlainTable>(std::move(table)), context,
+                        QStringLiteral("First"), &window_);
+    dialog.chooseFormat("structure");
+    dialog.resize(800, 460);
+    dialog.show();
+    take(dialog, "formats");
+  }
+
+  IAFLPResultsPage& resultsPage() {
+    for (const auto& page : host().pages().openPages()) {
+      if (page->DefinitionName() == kResults)
+        return *cast<IAFLPResultsPage>(page->control(), "AFLPResultsPage");
+    }
+    throw std::logic_error("no table is open");
   }
 
   // The first samples are selected by their headers, then the item of the table's menu is chosen.
@@ -196,12 +245,13 @@ int main(int argc, char** argv) {
   std::setlocale(LC_NUMERIC, "C");
   QApplication::setOrganizationName(QStringLiteral("Banddesk"));
   QApplication::setApplicationName(QStringLiteral("Banddesk"));
-  if (argc != 3) {
-    std::cerr << "guide_pictures EXAMPLE FOLDER\n";
+  if (argc < 3) {
+    std::cerr << "guide_pictures EXAMPLE FOLDER [dark]\n";
     return 2;
   }
   banddesk::desktop::rememberSystemAppearance();
-  banddesk::desktop::apply(banddesk::desktop::Appearance::Light);
+  using banddesk::desktop::Appearance;
+  banddesk::desktop::apply(argc > 3 ? Appearance::Dark : Appearance::Light);
   try {
     banddesk::desktop::Photographer(QString::fromLocal8Bit(argv[1]), QString::fromLocal8Bit(argv[2]))
         .takeAll();

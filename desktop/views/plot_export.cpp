@@ -13,6 +13,7 @@ namespace banddesk::desktop {
 namespace {
 
 constexpr double kUnitsPerInch = 96;
+constexpr double kMillimetresPerInch = 25.4;
 constexpr int kPictureScale = 2;
 constexpr int kLongestPicture = 30000;  // device pixels
 constexpr double kVectorColumns = 3;    // columns a unit: finer than print shows
@@ -34,14 +35,35 @@ QSize wholeSize(const Figure& figure) {
   return {figure.panel.width(), figure.panel.height() * figure.panels};
 }
 
-void paintSvg(const Figure& figure, QIODevice& device) {
+// Units of the file for a unit of the figure.
+double scaleOf(const Figure& figure, const FigureSize& size, double perInch) {
+  return size.millimetres / kMillimetresPerInch * perInch / std::max(figure.panel.width(), 1);
+}
+
+void paintSvg(const Figure& figure, const FigureSize& size, QIODevice& device) {
+  const double scale = size.millimetres > 0 ? scaleOf(figure, size, kUnitsPerInch) : 1;
   QSvgGenerator generator;
   generator.setOutputDevice(&device);
-  generator.setSize(wholeSize(figure));
+  generator.setSize((QSizeF(wholeSize(figure)) * scale).toSize());
   generator.setViewBox(QRect({0, 0}, wholeSize(figure)));
   generator.setResolution(static_cast<int>(kUnitsPerInch));
   generator.setTitle(figure.title);
   QPainter painter(&generator);
+  paintPanels(painter, figure, kVectorColumns);
+}
+
+// One page of the figure's own size.
+void paintPdfPage(const Figure& figure, const FigureSize& size, QIODevice& device) {
+  const QSizeF whole(wholeSize(figure));
+  QPdfWriter writer(&device);
+  writer.setResolution(kPdfResolution);
+  writer.setPageMargins({});
+  writer.setPageSize(QPageSize(whole * (size.millimetres / whole.width()), QPageSize::Millimeter, {},
+                               QPageSize::ExactMatch));
+  writer.setTitle(figure.title);
+  QPainter painter(&writer);
+  const double scale = scaleOf(figure, size, kPdfResolution);
+  painter.scale(scale, scale);
   paintPanels(painter, figure, kVectorColumns);
 }
 
@@ -67,30 +89,43 @@ void paintPdf(const Figure& figure, QIODevice& device) {
   }
 }
 
-[[noreturn]] void raiseUnwritable(const QSaveFile& file) {
+}  // namespace
+
+void raiseUnwritable(const QFileDevice& file) {
   raise(ErrorNumber::PermissionDenied, "Export",
         fmt::format("{}: {}", toText(file.fileName()), toText(file.errorString())));
 }
 
-}  // namespace
+QString FigureSize::filter() const {
+  if (ending == QLatin1String(".svg")) return QStringLiteral("SVG drawings (*.svg)");
+  if (ending == QLatin1String(".pdf")) return QStringLiteral("PDF documents (*.pdf)");
+  return QStringLiteral("PNG pictures (*.png)");
+}
 
-QImage figureImage(const Figure& figure) {
+QImage figureImage(const Figure& figure, const FigureSize& size) {
   requirePanels(figure);
-  const QSize size = wholeSize(figure) * kPictureScale;
-  if (std::max(size.width(), size.height()) > kLongestPicture) {
+  const double scale = size.millimetres > 0 ? scaleOf(figure, size, size.dpi) : kPictureScale;
+  const QSize pixels = (QSizeF(wholeSize(figure)) * scale).toSize();
+  if (std::max(pixels.width(), pixels.height()) > kLongestPicture) {
     raise(ErrorNumber::InvalidArgument, "Export",
-          fmt::format("A picture of {} plots would be too large; choose fewer samples, or PDF.",
-                      figure.panels));
+          fmt::format("A picture of {} by {} pixels would be too large; make it smaller, or choose PDF.",
+                      pixels.width(), pixels.height()));
   }
-  QImage image(size, QImage::Format_RGB32);
-  image.setDevicePixelRatio(kPictureScale);
+  QImage image(pixels, QImage::Format_RGB32);
+  if (size.millimetres > 0) {
+    image.setDotsPerMeterX(static_cast<int>(size.dpi * 1000 / kMillimetresPerInch));
+    image.setDotsPerMeterY(image.dotsPerMeterX());
+  }
   image.fill(Qt::white);
   QPainter painter(&image);
-  paintPanels(painter, figure, kPictureScale);
+  painter.scale(scale, scale);
+  paintPanels(painter, figure, scale);
+  painter.end();
+  if (size.millimetres <= 0) image.setDevicePixelRatio(kPictureScale);
   return image;
 }
 
-void writeFigure(const Figure& figure, const QString& fileName) {
+void writeFigure(const Figure& figure, const QString& fileName, const FigureSize& size) {
   requirePanels(figure);
   const QString ending = fileName.section(QLatin1Char('.'), -1).toLower();
   const bool isPicture = ending == QLatin1String("png");
@@ -98,16 +133,16 @@ void writeFigure(const Figure& figure, const QString& fileName) {
     raise(ErrorNumber::InvalidArgument, "Export",
           fmt::format("{}: a plot is written as .png, .svg or .pdf", toText(fileName)));
   }
-  const QImage image = isPicture ? figureImage(figure) : QImage();
+  const QImage image = isPicture ? figureImage(figure, size) : QImage();
   QSaveFile file(fileName);
   if (!file.open(QIODevice::WriteOnly)) raiseUnwritable(file);
   bool isWritten = true;
   if (isPicture)
     isWritten = image.save(&file, "PNG");
   else if (ending == QLatin1String("svg"))
-    paintSvg(figure, file);
+    paintSvg(figure, size, file);
   else
-    paintPdf(figure, file);
+    size.millimetres > 0 ? paintPdfPage(figure, size, file) : paintPdf(figure, file);
   if (!isWritten || !file.commit()) raiseUnwritable(file);
 }
 

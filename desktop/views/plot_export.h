@@ -1,6 +1,7 @@
 // Plots as files and pictures, on white whatever the window's colours. A file is whole or not there.
 #pragma once
 
+#include <QFileDevice>
 #include <QImage>
 #include <QPainter>
 #include <QSize>
@@ -17,11 +18,22 @@ struct Figure {
   std::function<void(QPainter& painter, const QRectF& place, int panel, double columnsPerUnit)> paint;
 };
 
-QImage figureImage(const Figure& figure);
+// How large a file's picture is. Text grows and shrinks with it.
+struct FigureSize {
+  QString ending = QStringLiteral(".png");
+  double millimetres = 0;  // its width; 0: as on the screen, PDF as wide as a sheet
+  int dpi = 300;           // of PNG, where the width is given
 
-// As PNG, SVG or PDF, as the name's end says (PDF: landscape A4 sheets, as many panels on each as are
-// readable). Error 5 for another ending, no panels or too large a picture, 70 where the file cannot be
-// written.
-void writeFigure(const Figure& figure, const QString& fileName);
+  QString filter() const;  // of a file dialog
+};
+
+QImage figureImage(const Figure& figure, const FigureSize& size = {});
+
+// As PNG, SVG or PDF, as the name's end says. PDF without a width has landscape A4 sheets with as many panels
+// on each as are readable; with one, a page as large as the figure. Error 5 for another ending, no panels or
+// too large a picture, 70 where the file cannot be written.
+void writeFigure(const Figure& figure, const QString& fileName, const FigureSize& size = {});
+
+[[noreturn]] void raiseUnwritable(const QFileDevice& file);
 
 }  // namespace banddesk::desktop

@@ -14,6 +14,7 @@
 #include "desktop/grid/grid_view.h"
 #include "desktop/pages/number_boxes.h"
 #include "desktop/pages/page_widget.h"
+#include "desktop/pictures/picture_page.h"
 #include "desktop/views/result_view_page.h"
 #include "plugin/base/numbers.h"
 
@@ -29,7 +30,8 @@ MainWindow::MainWindow(Workbench& workbench)
     : workbench_(workbench),
       guard_(workbench.host().framework(), *this),
       progress_(new ProgressIndicator(this)),
-      commands_(workbench, guard_, *progress_, *this) {
+      commands_(workbench, guard_, *progress_, *this),
+      pictures_(workbench.host(), guard_, *this) {
   setAcceptDrops(true);
   makeDocks();
   makeFileMenu();
@@ -127,7 +129,10 @@ ExplorerPanel::Item MainWindow::meantAnalysis() const {
 }
 
 QWidget* MainWindow::makePageContent(host::HostPage& page, QWidget* parent) {
-  if (!page.control()) return makeViewPage(workbench_.host(), page, parent);
+  if (!page.control()) {
+    QWidget* picture = makePicturePage(workbench_.host(), page, pictures_.context(), parent);
+    return picture != nullptr ? picture : makeViewPage(workbench_.host(), page, parent);
+  }
   const std::weak_ptr<host::HostPage> weak = page.weak_from_this();
   PageActions actions;
   actions.accept = [this, weak] { acceptPage(weak.lock()); };
@@ -261,6 +266,7 @@ void MainWindow::updateState() {
   const Page page = pages_->currentPage();
   const bool hasTable = page && page->DefinitionName() == kResultsPage;
   quality_->follow(page);
+  pictures_.setTable(tableInFront());
   for (QAction* action : needStudy_) action->setEnabled(isOpen);
   for (QAction* action : needTable_) action->setEnabled(hasTable);
   const bool isModified = workbench_.isModified();

@@ -15,6 +15,7 @@
 #include "desktop/window/explorer_panel.h"
 #include "desktop/window/guard.h"
 #include "desktop/window/page_area.h"
+#include "desktop/window/picture_commands.h"
 #include "desktop/window/progress_indicator.h"
 #include "desktop/window/study_commands.h"
 
@@ -101,6 +102,7 @@ class MainWindow final : public QMainWindow {
   WidgetRegistry registry_;
   ProgressIndicator* progress_;
   StudyCommands commands_;
+  PictureCommands pictures_;
   ExplorerPanel* explorer_ = nullptr;
   PageArea* pages_ = nullptr;
   ErrorPanel* errors_ = nullptr;

@@ -47,6 +47,7 @@ MainWindow::Page MainWindow::tableInFront() const {
 void MainWindow::fillTable() {
   tableMenu_->clear();
   tableMenu_->addAction(review_);
+  pictures_.addTo(*tableMenu_);
   tableMenu_->addSeparator();
   const Page page = tableInFront();
   if (!page) return;

@@ -88,8 +88,11 @@ Drawing sizeHistogramOf(const std::vector<double>& sizes, double width) {
 
 Drawing countHistogramOf(const statistics::BandMatrix& bands, const std::vector<std::size_t>& counts) {
   const std::vector<double> values(counts.begin(), counts.end());
-  const double most = counts.empty() ? 0 : static_cast<double>(*std::ranges::max_element(counts));
-  const double width = std::max(std::ceil(most / kMostClasses), 1.0);
+  double width = 1;
+  if (!values.empty()) {
+    const auto [least, most] = std::ranges::minmax(values);
+    width = std::max(std::ceil((most - least) / kMostClasses), 1.0);
+  }
   const Histogram histogram(values, width);
   Drawing drawing = histogram.frame("Fragments of the samples", "Fragments", "Samples");
   std::vector<std::size_t> below(histogram.counts().size());

@@ -11,6 +11,7 @@ namespace banddesk::host::pictures {
 namespace {
 
 constexpr double kLeft = 40, kTop = 64, kGap = 56;
+constexpr double kFaintest = 0.06;
 constexpr double kWell = 44, kSmallWell = 26;
 
 struct Plate {
@@ -48,7 +49,8 @@ class PlateDrawing {
         figures_(figures),
         size_(size),
         well_(size.rows == PlateSize{}.rows ? kWell : kSmallWell),
-        most_(std::max(*std::ranges::max_element(figures), 1e-9)) {}
+        least_(*std::ranges::min_element(figures)),
+        range_(std::max(*std::ranges::max_element(figures) - least_, 1e-9)) {}
 
   double height() const { return well_ * static_cast<double>(size_.rows); }
   double width() const { return well_ * static_cast<double>(size_.columns); }
@@ -79,7 +81,11 @@ class PlateDrawing {
 
   void addWell(Drawing& drawing, Point at, std::size_t sample) const {
     const std::string figure = fmt::format("{:.0f}", figures_[sample]);
-    Box ink{{at.x + 1, at.y + 1}, well_ - 2, well_ - 12, BoxKind::Ink, figures_[sample] / most_};
+    Box ink{{at.x + 1, at.y + 1},
+            well_ - 2,
+            well_ - 12,
+            BoxKind::Ink,
+            kFaintest + (1 - kFaintest) * (figures_[sample] - least_) / range_};
     ink.name = fmt::format("{}: {}", bands_.samples[sample], figure);
     ink.sample = sample;
     drawing.boxes.push_back(ink);
@@ -93,7 +99,7 @@ class PlateDrawing {
   const statistics::BandMatrix& bands_;
   const std::vector<double>& figures_;
   PlateSize size_;
-  double well_, most_;
+  double well_, least_, range_;
 };
 
 }  // namespace

@@ -18,7 +18,7 @@ struct Well {
 std::optional<Well> wellOf(const std::string& name);
 
 // A plate of 96 wells, or 384 where a well stands outside, one below the other. `figures` has one for each
-// sample; a well is the darker the larger its figure is. A second sample of one well stands on a plate of
+// sample; between the least and the largest a well is the darker the more it is. A second sample of one well stands on a plate of
 // its own. Samples whose names tell no well are counted below. Raises an Error where no name does.
 Drawing platesOf(const statistics::BandMatrix& bands, const std::vector<double>& figures,
                  const std::string& what);
