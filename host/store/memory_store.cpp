@@ -39,10 +39,23 @@ std::vector<ResultRecord> MemoryStore::addResults(const StudyRecord& record,
   std::vector<ResultRecord> added;
   added.reserve(results.size());
   for (const NewResult& result : results) added.push_back(addResult(result.sampleName, result.fragments));
-  if (import) imports_.push_back(*import);
+  if (import) imports_.push_back({*import, added});
   record_ = record;
   record_.results.insert(record_.results.end(), added.begin(), added.end());
   return added;
+}
+
+// But those that have been withdrawn.
+std::vector<ImportRecord> MemoryStore::readImports() {
+  std::vector<ImportRecord> imports;
+  const auto isPresent = [&](const ResultRecord& result) {
+    return std::ranges::find(record_.results, result.id, &ResultRecord::id) != record_.results.end();
+  };
+  for (const Import& import : imports_) {
+    if (import.brought.empty() || std::ranges::any_of(import.brought, isPresent))
+      imports.push_back(import.record);
+  }
+  return imports;
 }
 
 std::vector<std::int32_t> MemoryStore::analysisIds() {

@@ -21,7 +21,7 @@ class MemoryStore final : public Store {
   void writeStudy(const StudyRecord& record) override;
   std::vector<ResultRecord> addResults(const StudyRecord& record, const std::vector<NewResult>& results,
                                        const std::optional<ImportRecord>& import) override;
-  std::vector<ImportRecord> readImports() override { return imports_; }
+  std::vector<ImportRecord> readImports() override;
   std::int32_t newAnalysisId() override { return ++lastAnalysisId_; }
   std::vector<std::int32_t> analysisIds() override;
   AnalysisSnapshot readAnalysis(std::int32_t id) override;
@@ -32,7 +32,11 @@ class MemoryStore final : public Store {
   ResultRecord addResult(std::string sampleName, SampleFragments fragments);
 
   StudyRecord record_;
-  std::vector<ImportRecord> imports_;
+  struct Import {
+    ImportRecord record;
+    std::vector<ResultRecord> brought;
+  };
+  std::vector<Import> imports_;
   std::unordered_map<std::int32_t, std::shared_ptr<const SampleFragments>> fragments_;  // by result id
   std::vector<AnalysisSnapshot> analyses_;
   std::int32_t lastResultId_ = 0;

@@ -98,6 +98,8 @@ void copyStudy(const sqlite::Database& study, const std::string& file) {
   });
 }
 
+void SqliteStore::copyTo(const std::string& file) const { copyStudy(database_, file); }
+
 std::string keepCopy(const sqlite::Database& study) {
   const std::string first = study.file() + ".bak";
   std::string name = first;
@@ -109,7 +111,7 @@ std::string keepCopy(const sqlite::Database& study) {
 }
 
 void SqliteStore::saveAs(const std::string& file) {
-  copyStudy(database_, file);
+  copyTo(file);
   opened_ = Opened(file, Access::Write, studySchema());
 }
 

@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <fmt/format.h>
 #include <limits>
+#include <unordered_set>
 #include <utility>
 
 #include "host/store/analysis_rows.h"
@@ -17,6 +18,9 @@ namespace {
 
 namespace fs = std::filesystem;
 using sqlite::Statement;
+
+// Of results, as a mark in the place of the one of deletion, which is 1.
+constexpr std::int32_t kWithdrawn = 2;
 
 // SQLite would make a missing file, and wait at a pipe.
 std::string existingFile(const std::string& file) {
@@ -145,8 +149,9 @@ StudyRecord SqliteStore::readStudy() {
     if (dyes.text(2).size() != 1) database_.failDamaged("a dye has no letter");
     dye = {dyes.integer<Colour>(0), dyes.number(1) != 0, dyes.text(2).front()};
   }
-  Statement results =
-      database_.prepare("SELECT id, sample_name, is_excluded, is_deleted FROM result ORDER BY id");
+  Statement results = database_.prepare(
+      "SELECT id, sample_name, is_excluded, is_deleted FROM result WHERE is_deleted < 2 "
+      "ORDER BY id");
   while (results.next()) {
     record.results.push_back({results.integer<std::int32_t>(0),
                               std::string(results.text(1)),
@@ -160,7 +165,33 @@ StudyRecord SqliteStore::readStudy() {
 }
 
 void SqliteStore::writeStudy(const StudyRecord& record) {
-  write([&] { writeRecord(record); });
+  write([&] {
+    withdrawAllBut(record);
+    writeRecord(record);
+  });
+}
+
+void SqliteStore::withdrawAllBut(const StudyRecord& record) {
+  std::unordered_set<std::int64_t> kept;
+  for (const ResultRecord& result : record.results) kept.insert(result.id);
+  std::vector<std::int64_t> withdrawn;
+  Statement rows = database_.prepare("SELECT id FROM result WHERE is_deleted < 2");
+  while (rows.next()) {
+    if (!kept.contains(rows.number(0))) withdrawn.push_back(rows.number(0));
+  }
+  Statement mark = database_.prepare("UPDATE result SET is_deleted = ? WHERE id = ?");
+  for (const std::int64_t id : withdrawn) mark.run(kWithdrawn, id);
+}
+
+void SqliteStore::compact() {
+  write([&] {
+    database_
+        .prepare(
+            "DELETE FROM result WHERE is_deleted = ? AND id NOT IN (SELECT result_id FROM analysis_result)")
+        .run(kWithdrawn);
+    database_.execute("DELETE FROM import WHERE id NOT IN (SELECT import_id FROM result WHERE import_id)");
+  });
+  database_.execute("VACUUM");
 }
 
 void SqliteStore::writeRecord(const StudyRecord& record) {
@@ -172,9 +203,10 @@ void SqliteStore::writeRecord(const StudyRecord& record) {
   for (const DyeRecord& dye : record.dyes)
     row.run(dye.color, dye.isVisible, std::string_view(&dye.letter, 1), slot++);
   Statement marks = database_.prepare(
-      "UPDATE result SET is_excluded = ?1, is_deleted = ?2 "
-      "WHERE id = ?3 AND (is_excluded <> ?1 OR is_deleted <> ?2)");
-  for (const ResultRecord& result : record.results) marks.run(result.isExcluded, result.isDeleted, result.id);
+      "UPDATE result SET is_excluded = ?1, is_deleted = ?2, sample_name = ?3 "
+      "WHERE id = ?4 AND (is_excluded <> ?1 OR is_deleted <> ?2 OR sample_name <> ?3)");
+  for (const ResultRecord& result : record.results)
+    marks.run(result.isExcluded, result.isDeleted, std::string_view(result.sampleName), result.id);
   writeFacts(database_, record);
   writeJoinedTables(database_, record.joined);
 }
@@ -220,7 +252,10 @@ ResultRecord SqliteStore::addResult(const NewResult& result, std::int64_t import
 
 std::vector<ImportRecord> SqliteStore::readImports() {
   std::vector<ImportRecord> imports;
-  Statement rows = database_.prepare("SELECT id, finished, report FROM import ORDER BY id");
+  Statement rows = database_.prepare(
+      "SELECT id, finished, report FROM import WHERE id IN (SELECT import_id FROM result WHERE is_deleted < "
+      "2) "
+      "OR id NOT IN (SELECT import_id FROM result WHERE import_id) ORDER BY id");
   Statement files =
       database_.prepare("SELECT path, size, hash FROM import_file WHERE import_id = ? ORDER BY position");
   while (rows.next()) {

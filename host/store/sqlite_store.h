@@ -39,6 +39,9 @@ class SqliteStore final : public Store {
   bool isFile(const std::string& file) const override { return opened_.lock->isOf(file); }
   // Also where the study was moved or deleted while it was open.
   void saveAs(const std::string& file) override;
+  void copyTo(const std::string& file) const override;
+  // Gives back the room of what was taken out, results that were withdrawn included.
+  void compact();
   std::shared_ptr<const SampleFragments> readFragments(std::int32_t resultId) override;
   StudyRecord readStudy() override;
   void writeStudy(const StudyRecord& record) override;
@@ -73,6 +76,7 @@ class SqliteStore final : public Store {
 
   void write(const std::function<void()>& work);
   void writeRecord(const StudyRecord& record);
+  void withdrawAllBut(const StudyRecord& record);
   std::int64_t addImport(const ImportRecord& import);
   ResultRecord addResult(const NewResult& result, std::int64_t importId);
 

@@ -4,6 +4,11 @@
 
 namespace banddesk::host {
 
+void Store::copyTo(const std::string& file) const {
+  raise(ErrorNumber::InvalidArgument, "Store",
+        file + ": this study lies in no file and cannot be copied to one");
+}
+
 void Store::saveAs(const std::string& file) {
   raise(ErrorNumber::InvalidArgument, "Store",
         file + ": this study lies in no file and cannot be copied to one");

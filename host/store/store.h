@@ -40,10 +40,13 @@ class Store : public FragmentSource {
   // Makes a copy of all that the store holds in a new file, and goes on with that one, which can be written;
   // the former stays as it was saved last. Error 70 if there is such a file already.
   virtual void saveAs(const std::string& file);
+  // The same copy, while the store goes on with what it has.
+  virtual void copyTo(const std::string& file) const;
 
   virtual StudyRecord readStudy() = 0;
-  // Replaces the study's own fields, its settings, its dyes and the marks of its results. The results
-  // themselves stay.
+  // Replaces the study's own fields, its settings, its dyes, and the names and marks of its results. A result
+  // that the record lacks is withdrawn: it is none of the study's any more, and an import of which all are
+  // withdrawn was none; a record that names it again brings it back.
   virtual void writeStudy(const StudyRecord& record) = 0;
   // Adds results with their fragments, and the import that brought them, and writes the rest of the record;
   // gives the new results their ids.

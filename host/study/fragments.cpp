@@ -13,10 +13,10 @@ DyeFragments SampleFragments::OfDye(std::int16_t dye) const {
   return {wanted.sizes, wanted.heights};
 }
 
-void FragmentSource::holds(FragmentHolder& holder) {
+void FragmentSource::holds(const FragmentHolder& holder) {
   holders_.push_back(&holder);
   if (holders_.size() <= kMostHolders) return;
-  FragmentHolder& oldest = *holders_.front();
+  const FragmentHolder& oldest = *holders_.front();
   holders_.pop_front();
   oldest.letGo();
 }

@@ -32,10 +32,10 @@ class SampleFragments final : public FragmentTable {
   friend bool operator==(const SampleFragments& a, const SampleFragments& b) { return a.dyes == b.dyes; }
 };
 
-// Who holds fragments that can be read again.
+// Who holds fragments that can be read again, which changes nothing of what it is.
 class FragmentHolder {
  public:
-  virtual void letGo() = 0;
+  virtual void letGo() const = 0;
 
  protected:
   ~FragmentHolder() = default;
@@ -51,11 +51,11 @@ class FragmentSource {
 
   // Told of those who hold fragments: beyond the most, the one that has them longest lets go. So an analysis
   // of a large study, which goes from sample to sample, never has them all in memory.
-  void holds(FragmentHolder& holder);
+  void holds(const FragmentHolder& holder);
   void holdsNoMore(const FragmentHolder& holder);
 
  private:
-  std::deque<FragmentHolder*> holders_;
+  std::deque<const FragmentHolder*> holders_;
 };
 
 }  // namespace banddesk::host

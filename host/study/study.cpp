@@ -55,7 +55,7 @@ void HostSample::unload() {
 
 const FragmentTable& HostSample::Fragments() {
   faults_.check("SampleData", "Fragments");
-  return *load();
+  return *this;
 }
 
 ObjectRef HostSample::Record() {
@@ -68,7 +68,7 @@ void HostSample::leaveStudy() {
   source_.reset();
 }
 
-const std::shared_ptr<const SampleFragments>& HostSample::load() {
+const std::shared_ptr<const SampleFragments>& HostSample::load() const {
   if (!fragments_ && !source_)
     raise(ErrorNumber::ObjectNotSet, "Sample", "The study of the sample \"" + Name.get() + "\" is closed.");
   if (!fragments_) {

@@ -86,7 +86,8 @@ class SampleRecord final : public Object {
   const std::shared_ptr<const SampleFragments> fragments;
 };
 
-class HostSample final : public Sample, private SampleData, private FragmentHolder {
+// The fragments are read when somebody asks for those of a dye, not before.
+class HostSample final : public Sample, private SampleData, private FragmentTable, private FragmentHolder {
  public:
   HostSample(std::int32_t resultId, std::shared_ptr<FragmentSource> source, FaultInjector& faults)
       : resultId_(resultId), source_(std::move(source)), faults_(faults) {}
@@ -101,16 +102,17 @@ class HostSample final : public Sample, private SampleData, private FragmentHold
   void leaveStudy();
 
  private:
-  void letGo() override { fragments_.reset(); }
+  void letGo() const override { fragments_.reset(); }
   void unload();
   const FragmentTable& Fragments() override;
+  DyeFragments OfDye(std::int16_t dye) const override { return load()->OfDye(dye); }
   ObjectRef Record() override;
-  const std::shared_ptr<const SampleFragments>& load();
+  const std::shared_ptr<const SampleFragments>& load() const;
 
   std::int32_t resultId_;
   std::shared_ptr<FragmentSource> source_;
   FaultInjector& faults_;
-  std::shared_ptr<const SampleFragments> fragments_;
+  mutable std::shared_ptr<const SampleFragments> fragments_;
 };
 
 // The objects of a stored study, its analyses left out. They are neither new nor dirty. A result that was
