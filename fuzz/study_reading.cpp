@@ -98,7 +98,7 @@ bool succeeds(const std::function<void()>& work) {
 
 void readAll() {
   const auto store = std::make_shared<host::SqliteStore>(studyPath());
-  const host::StudyState state = host::stateOf(*store);
+  const host::StoredStudy state = host::stateOf(*store);
   store->writeStudy(state.study);
   for (const auto& analysis : state.analyses) store->writeAnalysis(analysis);
 }

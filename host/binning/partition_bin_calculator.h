@@ -24,8 +24,9 @@ class PartitionBinCalculator final : public BinCalculator {
   void SetYThreshold(double rfu) override { yThreshold_ = rfu; }
   /// The size range is that of the fragments added from now on; all else counts for the next Calculate.
   void setSettings(CalculatorSettings settings) { settings_ = std::move(settings); }
-  /// By result: those whose heights no normalisation looks at or changes.
-  void setUnmeasured(std::vector<bool> results) { unmeasured_ = std::move(results); }
+  const CalculatorSettings& settings() const { return settings_; }
+  /// By result: those whose heights no normalisation looks at or changes. Whether they are others than before.
+  bool setUnmeasured(std::vector<bool> results) { return std::exchange(unmeasured_, results) != results; }
   /// A fragment whose size or height is not a finite number is left out.
   void AddFragments(std::int32_t resultIndex, std::int32_t, const FragmentTable& fragments, std::int16_t dye,
                     std::int32_t, std::int32_t) override;

@@ -104,6 +104,7 @@ void HostExplorerTree::endRename(const std::shared_ptr<IExplorerItemAccess>& ite
   const auto base = find(item)->base;
   base->OnAfterRename.raise(text);
   Changed.raise();
+  Renamed.raise();
 }
 
 void HostExplorerTree::requireFreeName(const std::vector<Node>::iterator& node,

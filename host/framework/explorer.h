@@ -69,6 +69,7 @@ class HostExplorerTree final : public ExplorerTree {
   const std::vector<Node>& children() const { return children_; }
 
   Event<> Changed;  // children, labels or an edit
+  Event<> Renamed;  // an item has another name
 
  private:
   Node makeNode(const std::shared_ptr<IExplorerItemAccess>& item);

@@ -1,9 +1,11 @@
 // A bin calculator under the seam at which failures are injected; the work is done by the one it wraps. It
-// remembers what the page gave it, so that the host can read the finished bins for itself.
+// remembers what the page gave it, so that the host can read the finished bins for itself. It may take over
+// the work of another one that had the fragments of the same results.
 #pragma once
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -15,13 +17,24 @@ namespace banddesk::host {
 class GuardedCalculator final : public BinCalculator {
  public:
   // Told of each calculation, before it runs, with the width (nt) and threshold (RFU) that it is given.
-  using OnCalculate = std::function<void(double width, double threshold)>;
+  // Before it calculates; whether what it works on has changed otherwise than by fragments, width and threshold.
+  using OnCalculate = std::function<bool(double width, double threshold)>;
 
   GuardedCalculator(FaultInjector& faults, std::shared_ptr<BinCalculator> calculator, OnCalculate onCalculate)
       : faults_(faults), calculator_(std::move(calculator)), onCalculate_(std::move(onCalculate)) {}
 
+  // Goes on with the other's calculator: fragments are in it already, and what it has calculated last need
+  // not be calculated again.
+  GuardedCalculator(const GuardedCalculator& former, OnCalculate onCalculate)
+      : faults_(former.faults_),
+        calculator_(former.calculator_),
+        onCalculate_(std::move(onCalculate)),
+        hasFragments_(true),
+        calculated_(former.calculated_) {}
+
   // The calculator itself, out of reach of injected failures.
   const BinCalculator& own() const { return *calculator_; }
+  const std::shared_ptr<BinCalculator>& shared() const { return calculator_; }
   double maxBinWidth() const { return maxBinWidth_; }  // nt
   double yThreshold() const { return yThreshold_; }    // RFU
   std::int16_t dye() const { return dye_; }            // of the fragments added; -1 before any
@@ -36,13 +49,18 @@ class GuardedCalculator final : public BinCalculator {
   }
   void AddFragments(std::int32_t resultIndex, std::int32_t zero, const FragmentTable& fragments,
                     std::int16_t dye, std::int32_t one, std::int32_t alsoOne) override {
-    at("AddFragments").AddFragments(resultIndex, zero, fragments, dye, one, alsoOne);
+    BinCalculator& calculator = at("AddFragments");
+    if (!hasFragments_) calculator.AddFragments(resultIndex, zero, fragments, dye, one, alsoOne);
     dye_ = dye;
   }
   void Calculate() override {
     BinCalculator& calculator = at("Calculate");
-    if (onCalculate_) onCalculate_(maxBinWidth_, yThreshold_);
+    if (onCalculate_ && onCalculate_(maxBinWidth_, yThreshold_)) calculated_.reset();
+    const std::pair wanted(maxBinWidth_, yThreshold_);
+    if (calculated_ == wanted && hasFragments_) return;
+    calculated_.reset();
     calculator.Calculate();
+    calculated_ = wanted;
   }
   std::int32_t BinCount() const override { return at("BinCount").BinCount(); }
   std::int32_t SampleCount(std::int32_t bin) const override { return at("SampleCount").SampleCount(bin); }
@@ -71,6 +89,8 @@ class GuardedCalculator final : public BinCalculator {
   double maxBinWidth_ = 0;
   double yThreshold_ = 0;
   std::int16_t dye_ = -1;
+  bool hasFragments_ = false;                            // from a former page
+  std::optional<std::pair<double, double>> calculated_;  // width and threshold of the bins that are there
 };
 
 }  // namespace banddesk::host

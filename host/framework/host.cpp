@@ -65,6 +65,12 @@ PageKeeper& Host::keepTablesWhole() {
   return *keeper_;
 }
 
+StudyHistory& Host::keepHistory() {
+  if (!history_)
+    history_.emplace(studyService_, objects_, pages_, keepTablesWhole(), explorer_.tree(), faults_);
+  return *history_;
+}
+
 const Component& Host::component() const {
   if (!component_) raise(ErrorNumber::ObjectNotSet, "Host", "There is no component.");
   return *component_;
@@ -74,10 +80,12 @@ void Host::openStudy(std::shared_ptr<Store> store) {
   closeStudy();
   studyService_.open(std::move(store));
   explorer_.tree().initialize();
+  if (history_) history_->begin();
 }
 
 void Host::closeStudy() {
   FirstFailure failure;
+  if (history_) history_->end();
   failure.run([&] { pages_.endAll(); });
   failure.run([&] { studyService_.close(); });
   explorer_.tree().clear();
@@ -91,7 +99,14 @@ std::vector<std::string> Host::unsaved() {
 
 SaveOutcome Host::save(const SaveChoice& choose) {
   requireNamesApart();
-  return saveStudy(serviceBase(), pages_, choose);
+  if (!history_) return saveStudy(serviceBase(), pages_, choose);
+  history_->beforeSave();
+  FirstFailure failure;
+  SaveOutcome outcome;
+  failure.run([&] { outcome = saveStudy(serviceBase(), pages_, choose); });
+  history_->afterSave();
+  failure.raise();
+  return outcome;
 }
 
 void Host::requireNamesApart() {
@@ -122,15 +137,18 @@ const Command& Host::command(const char* name) const {
 }
 
 void Host::runCommand(const std::shared_ptr<IExplorerItemAccess>& item, const std::string& command) {
-  const auto wanted = cast<IAFLPExplorerItem>(item, "AFLPExplorerItem");
+  pages_.asOneAct(nullptr, true, [&] { runOn(*cast<IAFLPExplorerItem>(item, "AFLPExplorerItem"), command); });
+}
+
+void Host::runOn(IAFLPExplorerItem& item, const std::string& command) {
   if (command == "OpenAFLP") {
-    wanted->OpenAFLP();
+    item.OpenAFLP();
   } else if (command == "RenameAFLP") {
-    wanted->RenameAFLP();
+    item.RenameAFLP();
   } else if (command == "DeleteAFLP") {
-    wanted->DeleteAFLP();
+    item.DeleteAFLP();
   } else if (command == "NewReport") {
-    wanted->NewReport();
+    item.NewReport();
   } else {
     raise(ErrorNumber::InvalidArgument, "Host", fmt::format("There is no command {}.", command));
   }
@@ -178,19 +196,31 @@ std::shared_ptr<BinCalculator> Host::NewBinCalculator() {
   faults_.check("HostServices", "NewBinCalculator");
   const auto& page = pages_.initializing();
   const auto analysis = page ? std::dynamic_pointer_cast<HostAFLP>(page->BoundObject()) : nullptr;
-  std::shared_ptr<PartitionBinCalculator> own;
-  if (!settings_.makeBinCalculator)
-    own = makeBinCalculator(analysis ? analysis->scoring().calculator : CalculatorSettings());
-  std::shared_ptr<BinCalculator> calculator = own;
-  if (!own) calculator = settings_.makeBinCalculator();
-  required(calculator, "BinCalculator");
-  const auto before = [this, ownBins = own.get(), of = std::weak_ptr(analysis)](double width,
-                                                                                double threshold) {
-    if (const auto binned = of.lock(); ownBins != nullptr && binned)
-      ownBins->setUnmeasured(rules_.blanksOf(*binned));
-    pages_.noteCalculation(width, threshold);
+  const CalculatorSettings wanted = analysis ? analysis->scoring().calculator : CalculatorSettings();
+  const auto partition = [](const auto& any) {
+    return std::dynamic_pointer_cast<PartitionBinCalculator>(any);
   };
-  auto guarded = std::make_shared<GuardedCalculator>(faults_, std::move(calculator), before);
+  auto former = pages_.nextOfFormer();
+  if (const auto own = former ? partition(former->shared()) : nullptr; own && own->settings() != wanted)
+    former = nullptr;
+  std::shared_ptr<BinCalculator> calculator;
+  if (former)
+    calculator = former->shared();
+  else if (settings_.makeBinCalculator)
+    calculator = settings_.makeBinCalculator();
+  else
+    calculator = makeBinCalculator(wanted);
+  required(calculator, "BinCalculator");
+  std::shared_ptr<PartitionBinCalculator> ours;
+  if (!settings_.makeBinCalculator) ours = partition(calculator);
+  const auto before = [this, ours, of = std::weak_ptr(analysis)](double width, double threshold) {
+    const auto binned = of.lock();
+    const bool changes = ours && binned && ours->setUnmeasured(rules_.blanksOf(*binned));
+    pages_.noteCalculation(width, threshold);
+    return changes;
+  };
+  const auto guarded = former ? std::make_shared<GuardedCalculator>(*former, before)
+                              : std::make_shared<GuardedCalculator>(faults_, std::move(calculator), before);
   if (page) page->keep(guarded);
   return guarded;
 }
@@ -233,6 +263,12 @@ std::string Host::makeReport(const std::shared_ptr<AFLP>& analysis) {
 // An open page of an analysis that is to be redone has the old results: what it holds goes into the analysis
 // if it can, and the page is made anew.
 ObjectRef Host::openAnalysis(const std::shared_ptr<AFLP>& analysis, bool show) {
+  ObjectRef page;
+  pages_.asOneAct(analysis, analysis->IsPending, [&] { page = openPage(analysis, show); });
+  return page;
+}
+
+ObjectRef Host::openPage(const std::shared_ptr<AFLP>& analysis, bool show) {
   if (const auto open = pages_.find("AFLP", analysis); open && analysis->IsPending) {
     if (!pages_.end(open, true)) pages_.end(open, false);
   }

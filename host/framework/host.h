@@ -19,6 +19,7 @@
 #include "host/framework/rule_keeper.h"
 #include "host/framework/save_flow.h"
 #include "host/framework/services.h"
+#include "host/framework/study_history.h"
 #include "host/framework/study_service.h"
 #include "host/store/store.h"
 #include "host/study/analysis.h"
@@ -50,6 +51,8 @@ class Host final : public HostServices, private Application {
 
   // From now on results pages whose procedures leave their table half made are opened anew by themselves.
   PageKeeper& keepTablesWhole();
+  // From now on what the user does to a study can be undone until it is closed. Tables are kept whole, too.
+  StudyHistory& keepHistory();
 
   // ---- the study
   void openStudy(std::shared_ptr<Store> store);  // closes the one that is open
@@ -110,6 +113,8 @@ class Host final : public HostServices, private Application {
   void requireNamesApart();
   std::string makeReport(const std::shared_ptr<AFLP>& analysis);
   ObjectRef openAnalysis(const std::shared_ptr<AFLP>& analysis, bool show);
+  ObjectRef openPage(const std::shared_ptr<AFLP>& analysis, bool show);
+  static void runOn(IAFLPExplorerItem& item, const std::string& command);
 
   HostSettings settings_;
   FaultInjector faults_;
@@ -129,6 +134,7 @@ class Host final : public HostServices, private Application {
   HostPageManager pages_;
   RuleKeeper rules_;
   std::optional<PageKeeper> keeper_;
+  std::optional<StudyHistory> history_;
   std::shared_ptr<IAFLPService> service_;
   std::shared_ptr<ServiceBase> serviceBase_;
   std::shared_ptr<IAFLPExplorerFolder> folder_;

@@ -1,5 +1,6 @@
 #include "host/framework/object_manager.h"
 
+#include <algorithm>
 #include <fmt/format.h>
 #include <utility>
 
@@ -137,6 +138,19 @@ std::shared_ptr<HostAFLP> HostObjectManager::load(std::int32_t id) {
   for (const auto& dye : analysis->DyeGrid->Columns) centre(*dye);  // older studies hold none of it
   settle(*analysis);
   return analysis;
+}
+
+std::shared_ptr<AFLP> HostObjectManager::remake(const AnalysisSnapshot& snapshot) {
+  auto analysis = makeAnalysis(snapshot.id);
+  analysis->Study = study_;
+  restore(snapshot, *analysis);
+  settle(*analysis);
+  return analysis;
+}
+
+bool HostObjectManager::isStored(std::int32_t id) const {
+  const auto ids = required(store_, "Study").analysisIds();
+  return std::ranges::find(ids, id) != ids.end();
 }
 
 void HostObjectManager::refill(AFLP& analysis, const AnalysisSnapshot& snapshot) {

@@ -30,6 +30,10 @@ class HostObjectManager final : public ObjectManager {
   // Gives the sample columns of all analyses the names that the samples have now; to the store that is no
   // change, as it is done anew at each loading.
   void nameColumns();
+  // An analysis of the open study as the snapshot tells, under the id that it has there; it is in no collection
+  // yet.
+  std::shared_ptr<AFLP> remake(const AnalysisSnapshot& snapshot);
+  bool isStored(std::int32_t id) const;
 
   // An analysis can be made only while a study is open (error 91).
   std::shared_ptr<PersistentObject> Create(const std::string& typeName) override;

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "host/framework/first_failure.h"
+#include "host/framework/table_look.h"
 #include "host/store/analysis_marks.h"
 #include "plugin/base/numbers.h"
 
@@ -32,9 +33,22 @@ bool showsItsParameters(const HostPage& page) {
          number("txtYThreshold") == page.tableRun().yThreshold;
 }
 
-std::shared_ptr<const TablePlace> viewOf(const HostPage& page) {
+bool waitsForTimer(const HostPage& page) {
+  return std::ranges::any_of(page.control()->Controls().all(), [](ui::Control* control) {
+    const auto* timer = dynamic_cast<const ui::Timer*>(control);
+    return timer != nullptr && timer->Enabled;
+  });
+}
+
+std::shared_ptr<const std::string> lookOf(const HostPage& page) {
   const GridControl* const grid = gridOf(page);
-  return std::make_shared<const TablePlace>(grid != nullptr ? placeIn(*grid) : TablePlace());
+  if (grid == nullptr || waitsForTimer(page)) return nullptr;
+  return std::make_shared<const std::string>(lookOf(tableOf(page), *grid));
+}
+
+// Each is made anew by the page's save, from what it shows now.
+void forgetDecisions(AFLP& analysis) {
+  while (analysis.AFLPBins.Count() > 0) analysis.AFLPBins.Remove(analysis.AFLPBins.Count());
 }
 
 }  // namespace
@@ -97,14 +111,24 @@ void PageKeeper::formShows() {
   if (watch_ != nullptr) watch_->rebuilds = watch_->hasOtherLines() || showsItsParameters(watch_->page);
 }
 
+std::shared_ptr<const TablePlace> PageKeeper::placeOn(const HostPage& page) {
+  TablePlace view;
+  if (const GridControl* const grid = gridOf(page)) {
+    view = {grid->TopRow(), grid->LeftCol(), grid->currentRow(), grid->currentCol(),
+            grid->selection().blocks()};
+  }
+  return std::make_shared<const TablePlace>(std::move(view));
+}
+
 std::optional<PageState> PageKeeper::state(HostPage& page) const {
   if (!hasTable(page) || page.isHalfMade() || !showsItsParameters(page)) return std::nullopt;
   const FaultInjector::Pause pause(faults_);
   AFLP& analysis = *cast<AFLP>(page.bound(), "AFLP");
-  PageState state{nullptr, viewOf(page), analysis.persistentState()};
+  PageState state{nullptr, placeOn(page), lookOf(page), analysis.persistentState()};
   AnalysisMarks marks(analysis);
   try {
     if (pages_.validate(page)) {
+      forgetDecisions(analysis);
       page.base()->Save.raise();
       state.analysis = std::make_shared<const AnalysisSnapshot>(snapshotOf(analysis));
     }
@@ -129,7 +153,10 @@ std::shared_ptr<HostPage> PageKeeper::restore(const std::shared_ptr<HostPage>& p
   analysis.Persistent() = state.flags;
   if (failure) page->markHalfMade();
   failure.raise();
-  if (GridControl* const grid = gridOf(*now)) show(*state.view, *grid);
+  if (GridControl* const grid = gridOf(*now)) {
+    if (state.look) showLook(*state.look, tableOf(*now), *grid);
+    show(*state.view, *grid);
+  }
   return now;
 }
 

@@ -42,7 +42,8 @@ namespace banddesk::host {
 struct PageState {
   std::shared_ptr<const AnalysisSnapshot> analysis;
   std::shared_ptr<const TablePlace> view;
-  PersistentState flags;  // whether the analysis is new, and changed since it was stored
+  std::shared_ptr<const std::string> look;  // null while the page has work to do that waits for its timer
+  PersistentState flags;                    // whether the analysis is new, and changed since it was stored
 };
 
 class PageKeeper final {
@@ -57,6 +58,8 @@ class PageKeeper final {
   // The state of a results page whose table is whole; the analysis stays as it was. Nothing where the page is
   // no results page, or holds a value that is not valid or not taken into the table yet.
   std::optional<PageState> state(HostPage& page) const;
+  // Where the user stands on the page.
+  static std::shared_ptr<const TablePlace> placeOn(const HostPage& page);
   // Makes analysis and page those of the state; gives the page that stands in place of the former one. If
   // that fails, the analysis has the state, the former page counts as half made and the error goes to the
   // caller.

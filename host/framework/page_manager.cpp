@@ -83,6 +83,14 @@ void remakeLabels(PageOwner* owner) {
   if (auto* axis = control->Controls().find<ui::ComboBox>("cbxSampleAxis")) axis->Click.raise();
 }
 
+std::vector<std::int32_t> resultsOf(const HostPage& page) {
+  std::vector<std::int32_t> ids;
+  const auto analysis = std::dynamic_pointer_cast<AFLP>(page.bound());
+  if (!analysis || analysis->IsPending) return ids;
+  for (const auto& result : analysis->Results) ids.push_back(result->ResultID);
+  return ids;
+}
+
 }  // namespace
 
 class HostPageManager::AtWork {
@@ -140,7 +148,7 @@ void HostPageManager::start(HostPage& page, const char* className) {
   failure.run([&] { base->Initialize.raise(); });
   initializing_ = outer;
   base->setInitializing(false);
-  if (!failure) return;
+  if (!failure) return page.setResultIds(resultsOf(page));
   // It may have told others of itself before it failed.
   failure.run([&] { base->Terminate.raise(); });
   page.hold();
@@ -178,6 +186,11 @@ bool HostPageManager::end(const std::shared_ptr<HostPage>& given, bool accept) {
     if (!validate(*page)) return false;
     page->base()->Save.raise();
   }
+  asOneAct(nullptr, true, [&] { leave(page, accept); });
+  return true;
+}
+
+void HostPageManager::leave(const std::shared_ptr<HostPage>& page, bool accept) {
   // Out of the list first: what its owner opens in answer must not find it.
   std::erase(pages_, page);
   FirstFailure failure;
@@ -187,7 +200,6 @@ bool HostPageManager::end(const std::shared_ptr<HostPage>& given, bool accept) {
   page->hold();
   platform_.resetPointer();
   failure.raise();
-  return true;
 }
 
 void HostPageManager::endAll() {
@@ -196,11 +208,26 @@ void HostPageManager::endAll() {
   failure.raise();
 }
 
+void HostPageManager::asOneAct(const ObjectRef& object, bool isUsers,
+                               const std::function<void()>& work) const {
+  FirstFailure failure;
+  if (acting_++ == 0) {
+    actsOnOthers_ = false;
+    actsOn_ = object;
+  }
+  actsOnOthers_ = actsOnOthers_ || actsOn_ != object;
+  failure.run(work);
+  if (--acting_ == 0) Acted.raise(actsOnOthers_ ? nullptr : std::exchange(actsOn_, nullptr), isUsers);
+  failure.raise();
+}
+
 void HostPageManager::userEvent(const HostPage& page, const std::function<void()>& action) {
   const auto held = shared(page);  // another may stand in its place afterwards
-  procedure(page, [&] {
-    markIfPersistent(page.bound());
-    action();
+  asOneAct(page.bound(), true, [&] {
+    procedure(page, [&] {
+      markIfPersistent(page.bound());
+      action();
+    });
   });
   watch.UserActed.raise(page);
 }
@@ -209,16 +236,28 @@ void HostPageManager::procedure(const HostPage& page, const std::function<void()
   const auto open = shared(page);
   if (!open) return work();
   const bool isOutermost = atWork_ == nullptr;
-  {
-    const AtWork atWork(*this, *open);
-    aroundProcedure ? aroundProcedure(open, work) : work();
-  }
-  // Another page may stand in its place now.
-  const auto now = find(open->DefinitionName(), open->bound());
-  if (isOutermost && now) tellTable(*now);
+  asOneAct(open->bound(), false, [&] {
+    {
+      const AtWork atWork(*this, *open);
+      aroundProcedure ? aroundProcedure(open, work) : work();
+    }
+    // Another page may stand in its place now.
+    const auto now = find(open->DefinitionName(), open->bound());
+    if (isOutermost && now) tellTable(*now);
+  });
+}
+
+std::shared_ptr<const GuardedCalculator> HostPageManager::nextOfFormer() {
+  if (ofFormer_.empty()) return nullptr;
+  auto next = ofFormer_.back();
+  ofFormer_.pop_back();
+  return next;
 }
 
 std::shared_ptr<HostPage> HostPageManager::replace(const std::shared_ptr<HostPage>& former) {
+  if (former->base() && !former->resultIds().empty() && former->resultIds() == resultsOf(*former))
+    ofFormer_.assign(former->base()->calculators().rbegin(), former->base()->calculators().rend());
+  const std::shared_ptr<void> forgotten(nullptr, [this](void*) { ofFormer_.clear(); });
   auto page = std::make_shared<HostPage>(faults_, watch, former->DefinitionName(), former->Caption(),
                                          former->bound(), nullptr);
   start(*page, definitionOf(former->DefinitionName()).className);

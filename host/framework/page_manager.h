@@ -48,9 +48,18 @@ class HostPageManager final : public PageManager {
   // Lets the time of all running timers of the open pages pass; false if none was running.
   bool fireTimers() const;
 
+  // Runs what comes to one act, however many pieces of work it has.
+  void asOneAct(const ObjectRef& object, bool isUsers, const std::function<void()>& work) const;
+  bool isActing() const { return acting_ > 0; }
+  // After an act is over, also one that failed: the object of its page, or null where others may have changed
+  // too; and whether it was an act of the user.
+  mutable Event<const ObjectRef&, bool> Acted;
+
   // Makes a page of the plug-in anew from its object, in its place. If that fails, the former stays and the
   // error goes to the caller. Owners hear nothing.
   std::shared_ptr<HostPage> replace(const std::shared_ptr<HostPage>& former);
+  // For a page that is made anew over the same results: the next calculator of the former page, or null.
+  std::shared_ptr<const GuardedCalculator> nextOfFormer();
   // A calculator begins; it is that of the page at work.
   void noteCalculation(double maxBinWidth, double yThreshold) const;
 
@@ -75,6 +84,7 @@ class HostPageManager final : public PageManager {
   class AtWork;
 
   void start(HostPage& page, const char* className);
+  void leave(const std::shared_ptr<HostPage>& page, bool accept);
   std::shared_ptr<HostPage> shared(const HostPage& page) const;
   void tellTable(HostPage& page) const;
   bool runModal(const HostPage& page, PageOwner* owner) const;
@@ -85,7 +95,11 @@ class HostPageManager final : public PageManager {
   const Component* component_ = nullptr;
   std::vector<std::shared_ptr<HostPage>> pages_;
   mutable HostPage* atWork_ = nullptr;
+  mutable int acting_ = 0;
+  mutable ObjectRef actsOn_;  // of the act that is under way
+  mutable bool actsOnOthers_ = false;
   std::shared_ptr<HostPageBase> initializing_;
+  std::vector<std::shared_ptr<GuardedCalculator>> ofFormer_;  // the next one last
 };
 
 }  // namespace banddesk::host

@@ -124,6 +124,9 @@ class HostPage final : public Page, public std::enable_shared_from_this<HostPage
   // table had before; nothing more is done with the page but to end it.
   bool isHalfMade() const { return isHalfMade_; }
   void markHalfMade() { isHalfMade_ = true; }
+  // The results that its calculators have fragments of, in their order.
+  const std::vector<std::int32_t>& resultIds() const { return resultIds_; }
+  void setResultIds(std::vector<std::int32_t> ids) { resultIds_ = std::move(ids); }
   // Stands where the former stood.
   void follow(const HostPage& former) {
     viewIndex_ = former.viewIndex_;
@@ -144,6 +147,7 @@ class HostPage final : public Page, public std::enable_shared_from_this<HostPage
   bool isShown_ = false;
   bool isHalfMade_ = false;
   TableRun tableRun_;
+  std::vector<std::int32_t> resultIds_;
   std::shared_ptr<IPageControl> control_;
   std::shared_ptr<HostPageBase> base_;
 };

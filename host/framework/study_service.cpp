@@ -69,12 +69,7 @@ void HostStudyService::open(std::shared_ptr<Store> store) {
   FirstFailure failure;
   failure.run([&] {
     const StudyRecord stored = required(store_, "Store").readStudy();
-    settings_ = stored.settings;
-    joined_ = stored.joined;
-    facts_.clear();
-    for (const ResultRecord& result : stored.results) keepFacts(result);
-    dyeLetters_.clear();
-    for (const DyeRecord& dye : stored.dyes) dyeLetters_ += dye.letter;
+    keep(stored);
     study_ = makeStudy(stored, store_, faults_);
     objects_.attach(store_, study_);
   });
@@ -105,6 +100,16 @@ void HostStudyService::drop() {
   store_.reset();
 }
 
+// What of a record no object of the study holds.
+void HostStudyService::keep(const StudyRecord& record) {
+  settings_ = record.settings;
+  joined_ = record.joined;
+  facts_.clear();
+  for (const ResultRecord& result : record.results) keepFacts(result);
+  dyeLetters_.clear();
+  for (const DyeRecord& dye : record.dyes) dyeLetters_ += dye.letter;
+}
+
 StudyRecord HostStudyService::record() const {
   StudyRecord record = recordOf(required(study_, "Study"));
   record.settings = settings_;
@@ -122,8 +127,17 @@ StudyRecord HostStudyService::record() const {
 
 void HostStudyService::setDisplayViewIndex(std::int16_t index) {
   settings_.displayViewIndex = index;
-  if (isOpen_ && whyReadOnly().empty()) store_->writeStudy(record());
+  if (!isOpen_ || !whyReadOnly().empty()) return;
+  store([&] { store_->writeStudy(record()); });
+  Changed.raise();
 }
+
+void HostStudyService::store(const std::function<void()>& write) {
+  Changing.raise();
+  write();
+}
+
+void HostStudyService::copyTo(const std::string& file) const { required(store_, "Study").copyTo(file); }
 
 void HostStudyService::saveAs(const std::string& file) { required(store_, "Study").saveAs(file); }
 
@@ -136,11 +150,64 @@ void HostStudyService::changeResults(const std::function<void(StudyRecord&)>& ch
   // Stamps are only compared for being the same.
   record.resultStamp =
       record.resultStamp == std::numeric_limits<std::int32_t>::max() ? 1 : record.resultStamp + 1;
-  changeRecord(record);
+  store([&] { changeRecord(record); });
   changeObjects(*study);
   study->ResultStamp = record.resultStamp;
   study->Persistent().IsDirty = false;
   study->ResultChanged.raise();
+}
+
+void HostStudyService::putBack(const StudyRecord& record) {
+  const std::shared_ptr<banddesk::Study> study = study_;
+  const bool hasOtherResults = this->record().results != record.results;
+  store([&] { store_->writeStudy(record); });
+  keep(record);
+  study->ResultStamp = record.resultStamp;
+  if (hasOtherResults) putResultsBack(record);
+  putDyesBack(record);
+  objects_.nameColumns();
+  study->Persistent().IsDirty = false;
+  if (hasOtherResults) study->ResultChanged.raise();
+  Changed.raise();
+}
+
+// Analyses hold results: those that are still of the study stay the same objects. All are added in the
+// record's order, since that is the order of the study's.
+void HostStudyService::putResultsBack(const StudyRecord& record) {
+  const FaultInjector::Pause pause(faults_);
+  std::vector<std::shared_ptr<Result>> results;
+  for (const ResultRecord& wanted : record.results) {
+    const auto present = resultOf(*study_, wanted.id);
+    results.push_back(present ? present : makeResult(wanted, store_, faults_));
+    const auto put = [](auto& field, bool value) {
+      if (field.get().value_or(false) != value) field = value;
+    };
+    put(results.back()->IsExcluded, wanted.isExcluded);
+    put(results.back()->IsDeleted, wanted.isDeleted);
+    results.back()->Sample->Name = wanted.sampleName;
+    results.back()->Persistent().IsDirty = false;
+  }
+  auto& all = study_->Results;
+  while (all.Count() > 0) all.Remove(all.Count());
+  while (all.DeletedItems().Count() > 0) all.DeletedItems().Remove(all.DeletedItems().Count());
+  for (std::size_t i = 0; i < results.size(); ++i) {
+    all.Add(results[i]);
+    if (record.results[i].isDeleted) all.Remove(all.Count());
+  }
+}
+
+// The event carries a colour or a visibility, not both at once.
+void HostStudyService::putDyesBack(const StudyRecord& record) {
+  for (std::size_t i = 0; i < kDyeCount; ++i) {
+    Dye& dye = *study_->Dyes.Item(integerText(static_cast<std::int64_t>(i)));
+    const auto put = [&](auto& field, const auto& value) {
+      if (field.get() == value) return;
+      field = value;
+      study_->DyeVisibibilityChanged.raise(dye);
+    };
+    put(dye.Color, record.dyes[i].color);
+    put(dye.Visible, record.dyes[i].isVisible);
+  }
 }
 
 void HostStudyService::addResults(const std::vector<NewResult>& results,
@@ -166,6 +233,7 @@ void HostStudyService::addResults(const std::vector<NewResult>& results,
     dye.Visible = after[i].isVisible;
     study_->DyeVisibibilityChanged.raise(dye);
   }
+  Changed.raise();
 }
 
 void HostStudyService::setResultExcluded(std::int32_t resultId, bool isExcluded) {
@@ -175,6 +243,7 @@ void HostStudyService::setResultExcluded(std::int32_t resultId, bool isExcluded)
         store_->writeStudy(record);
       },
       [&](banddesk::Study& study) { study.Results.Item(integerText(resultId))->IsExcluded = isExcluded; });
+  Changed.raise();
 }
 
 void HostStudyService::deleteResult(std::int32_t resultId) {
@@ -187,6 +256,7 @@ void HostStudyService::deleteResult(std::int32_t resultId) {
         study.Results.Item(integerText(resultId))->IsDeleted = true;
         study.Results.Remove(integerText(resultId));
       });
+  Changed.raise();
 }
 
 const SampleFacts& HostStudyService::factsOf(std::int32_t resultId) const {
@@ -210,7 +280,7 @@ void HostStudyService::changeSamples(const std::vector<SampleChange>& changes) {
     result.sampleName = change.name;
     result.facts = change.facts;
   }
-  store_->writeStudy(record);
+  store([&] { store_->writeStudy(record); });
   for (const SampleChange& change : changes) {
     const auto& result = resultIn(record, change.resultId);
     keepFacts(result);
@@ -220,13 +290,15 @@ void HostStudyService::changeSamples(const std::vector<SampleChange>& changes) {
     sample->Persistent().IsDirty = false;
   }
   objects_.nameColumns();
+  Changed.raise();
 }
 
 void HostStudyService::writeJoined(std::vector<JoinedTable> tables) {
   StudyRecord record = this->record();
   record.joined = std::move(tables);
-  store_->writeStudy(record);
+  store([&] { store_->writeStudy(record); });
   joined_ = std::move(record.joined);
+  Changed.raise();
 }
 
 void HostStudyService::keepJoinedTable(const JoinedTable& table) {
@@ -251,10 +323,11 @@ void HostStudyService::changeDye(std::int32_t dye, const std::function<void(DyeR
   StudyRecord record = this->record();
   DyeRecord& changed = record.dyes[static_cast<std::size_t>(dye)];
   change(changed);
-  store_->writeStudy(record);
+  store([&] { store_->writeStudy(record); });
   wanted->Color = changed.color;
   wanted->Visible = changed.isVisible;
   study->DyeVisibibilityChanged.raise(*wanted);
+  Changed.raise();
 }
 
 void HostStudyService::setDyeColor(std::int32_t dye, Colour color) {

@@ -56,6 +56,10 @@ class HostStudyService final : public StudyService {
   // Replaces the one of that name, or adds it.
   void keepJoinedTable(const JoinedTable& table);
   void removeJoinedTable(const std::string& name);  // nothing where there is none
+  // All of the study but fragments and analyses, as it stands and as it is to be. What is put back is in the
+  // store first; results come, go and change as the record says, and listeners hear of it.
+  StudyRecord record() const;
+  void putBack(const StudyRecord& record);
   void setDyeColor(std::int32_t dye, Colour color);
   void setDyeVisible(std::int32_t dye, bool isVisible);
   // The letters of the tables' dyes in the four slots; "-" for one that no import has filled.
@@ -67,6 +71,8 @@ class HostStudyService final : public StudyService {
   // Whether the open study lies in this file, whatever name leads there.
   bool liesIn(const std::string& file) const { return store_ && store_->isFile(file); }
 
+  // Makes a copy of all that is saved in a new file.
+  void copyTo(const std::string& file) const;
   // Goes on in a new file with all that is saved; what is not is still to be saved, there.
   void saveAs(const std::string& file);
 
@@ -75,11 +81,17 @@ class HostStudyService final : public StudyService {
   // Kept with the study, if it can be written.
   void setDisplayViewIndex(std::int16_t index);
 
+  Event<> Changing;  // something of the record is about to be stored
+  Event<> Changed;   // and was
+
  private:
   void drop();
+  void keep(const StudyRecord& record);
   void keepFacts(const ResultRecord& result);
   void writeJoined(std::vector<JoinedTable> tables);
-  StudyRecord record() const;
+  void store(const std::function<void()>& write);
+  void putResultsBack(const StudyRecord& record);
+  void putDyesBack(const StudyRecord& record);
   void changeResults(const std::function<void(StudyRecord&)>& changeRecord,
                      const std::function<void(banddesk::Study&)>& changeObjects);
   void changeDye(std::int32_t dye, const std::function<void(DyeRecord&)>& change);

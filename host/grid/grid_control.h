@@ -87,6 +87,9 @@ class GridControl final : public Grid, private GridData, private GridParameters,
   bool SortColumns(const GridRange& range, std::int32_t count, std::span<const SortInfo> keys,
                    double) override;
 
+  // Line first + i gets the cells that stood in line order[i]; order names each of those lines once.
+  void arrange(Axis which, std::int32_t first, std::span<const std::int32_t> order);
+
   // ---- painting and view (grid_control.cpp)
   bool LockUpdate(bool lock) override { return std::exchange(isLocked_, lock); }
   void Redraw(double) override;

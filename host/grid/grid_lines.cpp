@@ -99,6 +99,11 @@ bool GridControl::SortColumns(const GridRange& range, std::int32_t count, std::s
   return sortLines(Axis::Columns, blockOf(range), count, keys);
 }
 
+void GridControl::arrange(Axis which, std::int32_t first, std::span<const std::int32_t> order) {
+  endEdit(false);
+  axis(which).order.permute(first, order);
+}
+
 bool GridControl::sortLines(Axis which, Block block, std::int32_t count, std::span<const SortInfo> infos) {
   const std::int32_t first = std::max(block.first(which), 1);  // the header stays where it is
   const std::int32_t last = block.last(which);

@@ -63,8 +63,8 @@ inline constexpr std::tuple kAnalysisFields{
 
 static_assert(std::tuple_size_v<decltype(kColumnFields)> == memberCount<ColumnSnapshot>());
 static_assert(std::tuple_size_v<decltype(kBinFields)> == memberCount<BinSnapshot>());
-// Beside its fields a snapshot of an analysis has its id, results, bins and four layouts.
-static_assert(std::tuple_size_v<decltype(kAnalysisFields)> + 7 == memberCount<AnalysisSnapshot>());
+// Beside its fields a snapshot of an analysis has its id, results, bins, four layouts and how it is scored.
+static_assert(std::tuple_size_v<decltype(kAnalysisFields)> + 8 == memberCount<AnalysisSnapshot>());
 
 // The value of an object's fields, and the fields from a value. A put of an equal value would raise what a put
 // raises, so only those that differ are put.

@@ -51,9 +51,10 @@ const std::vector<Module> modules = {
     {"pictures", {"host/pictures/"}, {"statistics"}},
     {"study", {"host/study/"}, {"scoring"}},
     {"store", {"host/store/"}, {"study"}},
+    {"history", {"host/history/"}, {"store"}},
     {"framework",
      {"host/framework/"},
-     {"store", "grid", "binning", "quality", "simulation", "import", "statistics"}},
+     {"history", "grid", "binning", "quality", "simulation", "import", "statistics"}},
 
     {"cli", {"cli/"}, {"framework", "formats", "pictures"}},
 

@@ -98,7 +98,7 @@ TEST(StudyFile, SynchronisesFullyAndLeavesNothingBesideItself) {
 TEST(StudyFile, TakesBackAWriteThatFailsHalfWay) {
   StoreFolder folder;
   SqliteStore store(studyAfter(folder, 5));
-  const StudyState before = stateOf(store);
+  const StoredStudy before = stateOf(store);
   AnalysisSnapshot stranger = someAnalysis(1, 77, before.study);
   stranger.resultIds.push_back(12345);
   EXPECT_THAT(messageOf([&] { store.writeAnalysis(stranger); }), HasSubstr("FOREIGN KEY"));
@@ -518,7 +518,7 @@ TEST(StudyFile, IsNotSavedIntoNothingWhenItsFileOrFolderGoesAwayWhileOpen) {
     const fs::path moved = gone == std::string("folder") ? folder.path() : fs::path(file);
     const fs::path away = moved.string() + "x";
     SqliteStore store(file);
-    const StudyState before = stateOf(store);
+    const StoredStudy before = stateOf(store);
     fs::rename(moved, away);
     if (gone == std::string("another in its place")) writeBytes(file, "another");
     EXPECT_EQ(messageOf([&] { takeStep(store, 5); }),
@@ -538,7 +538,7 @@ TEST(StudyFile, GoesOnInACopy) {
     const std::string file = studyAfter(folder, 8), copy = folder.file("copy.study");
     const bool isRead = fate == std::string("for reading");
     SqliteStore store(file, isRead ? SqliteStore::Access::Read : SqliteStore::Access::Write);
-    const StudyState before = stateOf(store);
+    const StoredStudy before = stateOf(store);
     if (fate == std::string("moved")) fs::rename(file, folder.file("moved.study"));
     if (fate == std::string("deleted")) fs::remove(file);
     EXPECT_THAT(messageOf([&] { store.saveAs(folder.file("no/copy.study")); }), HasSubstr("no such folder"));

@@ -83,8 +83,8 @@ void writeBytes(const std::string& file, std::string_view bytes) {
   std::ofstream(file, std::ios::binary) << bytes;
 }
 
-StudyState stateOf(Store& store) {
-  StudyState state{store.readStudy(), {}, store.readImports(), {}};
+StoredStudy stateOf(Store& store) {
+  StoredStudy state{store.readStudy(), {}, store.readImports(), {}};
   for (const ResultRecord& result : state.study.results)
     state.fragments.push_back(*store.readFragments(result.id));
   for (const std::int32_t id : store.analysisIds()) state.analyses.push_back(store.readAnalysis(id));

@@ -24,14 +24,14 @@ std::string bytesOf(const std::string& file);
 void writeBytes(const std::string& file, std::string_view bytes);
 
 // All that a store holds, as a value to compare.
-struct StudyState {
+struct StoredStudy {
   StudyRecord study;
   std::vector<SampleFragments> fragments;
   std::vector<ImportRecord> imports;
   std::vector<AnalysisSnapshot> analyses;
-  friend bool operator==(const StudyState&, const StudyState&) = default;
+  friend bool operator==(const StoredStudy&, const StoredStudy&) = default;
 };
-StudyState stateOf(Store& store);
+StoredStudy stateOf(Store& store);
 
 // Step n of an endless sequence of imports, saves of analyses and changes of marks, each one write of the
 // store and different from all others.
