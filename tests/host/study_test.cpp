@@ -32,7 +32,7 @@ void fill(Host& host, AFLP& analysis) {
   auto column = std::dynamic_pointer_cast<GridColumn>(host.objects().Create("GridColumn"));
   column->TypeCode = GridColumn::kSampleColumn;
   column->Key = "-2";
-  column->ToolTip = "Sample 101";
+  column->ToolTip = study->Results.Item("2")->Sample->Name.get();
   column->ColumnOrder = 10;
   column->Width = 61;
   column->IsExcluded = true;

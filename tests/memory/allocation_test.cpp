@@ -111,7 +111,8 @@ TEST(Memory, ThatRunsOutInAStudyFileLeavesTheOldStateAndAStoreThatWorks) {
                          [&](bool failed) {
                            if (!failed) takeStep(model, step);
                            ASSERT_TRUE(stateOf(store) == stateOf(model)) << "step " << step;
-                         });
+                         },
+                         3);
   }
   std::printf("%d failures\n", failures);
   EXPECT_GT(failures, 500);
