@@ -1,9 +1,9 @@
 #include "host/statistics/ordination.h"
 
-#include <Eigen/Eigenvalues>
 #include <algorithm>
 #include <cmath>
 
+#include "host/statistics/symmetric_eigen.h"
 #include "plugin/base/error.h"
 
 namespace banddesk::host::statistics {
@@ -47,14 +47,10 @@ Ordination principalCoordinates(const DistanceTable& distances, Scale scale, std
                                 const Progress& progress) {
   if (distances.samples() < 2)
     raise(ErrorNumber::InvalidArgument, "Statistics", "Principal coordinates need at least two samples.");
-  report(progress, 0, 1);
-  const Eigen::SelfAdjointEigenSolver<Eigen::MatrixXd> solver(centred(distances, scale));
-  report(progress, 1, 1);
-  if (solver.info() != Eigen::Success)
-    raise(ErrorNumber::InvalidArgument, "Statistics", "The eigenvalues of these distances cannot be found.");
+  const SymmetricEigen eigen(centred(distances, scale), progress);
 
   Ordination result;
-  const auto& ascending = solver.eigenvalues();
+  const auto& ascending = eigen.values();
   result.eigenvalues.assign(ascending.data(), ascending.data() + ascending.size());
   std::ranges::reverse(result.eigenvalues);
   const double largest = std::max(result.eigenvalues.front(), -result.eigenvalues.back());
@@ -66,10 +62,9 @@ Ordination principalCoordinates(const DistanceTable& distances, Scale scale, std
   }
   if (result.positive == 0)
     raise(ErrorNumber::InvalidArgument, "Statistics", "All samples are equal: there is no axis to find.");
-  for (std::size_t axis = 0; axis < std::min(axes, result.positive); ++axis) {
-    const Index column = ascending.size() - 1 - static_cast<Index>(axis);
-    result.axes.push_back(axisOf(solver.eigenvectors().col(column), result.eigenvalues[axis]));
-  }
+  const Eigen::MatrixXd vectors = eigen.vectorsOfLargest(static_cast<Index>(std::min(axes, result.positive)));
+  for (Index axis = 0; axis < vectors.cols(); ++axis)
+    result.axes.push_back(axisOf(vectors.col(axis), result.eigenvalues[static_cast<std::size_t>(axis)]));
   return result;
 }
 

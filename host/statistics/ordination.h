@@ -26,8 +26,7 @@ struct Ordination {
 
 // At most so many axes, and no more than there are positive eigenvalues. The coordinate that is largest
 // without its sign is positive on each axis, so that pictures repeat. Raises an Error below two samples or
-// where all distances are 0. Progress is told only before and after the eigenvalues, which take nearly all
-// the time.
+// where all distances are 0.
 Ordination principalCoordinates(const DistanceTable& distances, Scale scale, std::size_t axes,
                                 const Progress& progress = {});
 

@@ -193,6 +193,33 @@ TEST(Ordination, TellsNegativeEigenvaluesAndLeavesThemOutOfThePercentages) {
   EXPECT_EQ(principalCoordinates(impossible, Scale::SquareRoot, 9).negative, 0U);
 }
 
+// Bands are corners of a cube: all axes together hold the distances as they are, however many eigenvalues are
+// equal.
+TEST(Ordination, KeepsEuclideanDistancesOnAllItsAxesAndIsCancelledInTheMidst) {
+  simulation::Random random(5);
+  Words equal, pairs, any;
+  for (std::size_t i = 0; i < 40; ++i) {
+    equal.push_back(std::string(40, '0'));
+    equal.back()[i] = '1';
+    pairs.push_back(std::string(i / 2, '1') + std::string(40 - i / 2, '0'));
+    any.emplace_back();
+    for (int k = 0; k < 90; ++k) any.back() += random.chance(0.4) ? '1' : '0';
+  }
+  for (const Words& lines : {equal, pairs, any}) {
+    const DistanceTable table = distances(matrixOf(lines), Measure::Euclidean);
+    const Ordination found = principalCoordinates(table, Scale::AsIs, 40);
+    for (std::size_t i = 0; i < 40; ++i) {
+      for (std::size_t j = 0; j < i; ++j) {
+        double squares = 0;
+        for (const Values& axis : found.axes) squares += (axis[i] - axis[j]) * (axis[i] - axis[j]);
+        ASSERT_NEAR(std::sqrt(squares), table.at(i, j), kNear) << i << " " << j;
+      }
+    }
+    EXPECT_THROW(principalCoordinates(table, Scale::AsIs, 2, [](double done) { return done < 0.5; }),
+                 Cancelled);
+  }
+}
+
 INSTANTIATE_TEST_SUITE_P(Tables, OfR, testing::Values("full", "gaps"));
 INSTANTIATE_TEST_SUITE_P(Tables, OfRWithoutMissing, testing::Values("full"));
 
