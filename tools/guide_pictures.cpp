@@ -136,7 +136,9 @@ class Photographer {
     take(window_, "review");
   }
 
+  // Some samples are selected, which each picture shows.
   void takePictures() {
+    selectSamples(3);
     takePicture("PrincipalCoordinates", "pcoa");
     takePicture("Dendrogram", "dendrogram");
     takePicture("HeatMap", "heat-map");
@@ -183,12 +185,16 @@ class Photographer {
 
   // The first samples are selected by their headers, then the item of the table's menu is chosen.
   void openView(const char* menuItem, std::int32_t samples) {
-    const auto& grid = control<host::GridControl>("grdAFLP");
-    std::int32_t first = 1;
-    while (grid.GetValue(0, first) != "1") ++first;
-    control<host::GridControl>("grdAFLP").selectCols(first, first + samples - 1);
+    selectSamples(samples);
     chooseItem(menuItem);
     settle();
+  }
+
+  void selectSamples(std::int32_t count) {
+    auto& grid = control<host::GridControl>("grdAFLP");
+    std::int32_t first = 1;
+    while (grid.GetValue(0, first) != "1") ++first;
+    grid.selectCols(first, first + count - 1);
   }
 
   void takeDialog(const char* name, const char* menuItem) {

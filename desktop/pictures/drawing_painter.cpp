@@ -62,7 +62,7 @@ class DrawingPainter {
     const QRectF place = placeOf(box);
     if (!place.intersects(clip_)) return;
     const bool isMarked = box.locus && box.locus == emphasis_.locus;
-    painter_.fillRect(place, isMarked ? tint_ : between(look_.ground, QColor(0x4F, 0x86, 0xC6), 0.22));
+    painter_.fillRect(place, isMarked ? tint_ : between(look_.ground, QColor(0x4F, 0x86, 0xC6), 0.3));
   }
 
   void paintRaster(const Raster& raster) {

@@ -66,6 +66,12 @@ void PicturePage::start() {
   guarded([this] { follower_->look(); });
 }
 
+// The table may have been opened since.
+void PicturePage::showEvent(QShowEvent* event) {
+  QWidget::showEvent(event);
+  start();
+}
+
 // ---- tools
 
 void PicturePage::makeTools() {

@@ -71,6 +71,7 @@ class PicturePage : public QWidget {
   using DyeBoxes = std::array<QCheckBox*, host::kDyeCount>;
   DyeBoxes addDyeBoxes(void (PicturePage::*changed)());
   const AFLP& analysis() const { return *follower_->analysis(); }
+  void showEvent(QShowEvent* event) override;
 
  private:
   void makeTools();

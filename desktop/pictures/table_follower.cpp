@@ -85,15 +85,14 @@ std::shared_ptr<host::HostPage> TableFollower::page() const {
 
 void TableFollower::look() {
   later_.stop();
-  const bool wasOpen = isOpen();
-  if (!wasOpen) {
+  const bool isFound = !isOpen();
+  if (isFound) {
     connections_.clear();
     for (const auto& page : host_.pages().openPages()) {
       if (page->DefinitionName() == "AFLP" && page->control() && page->bound() == analysis_) follow(page);
     }
   }
-  if (isOpen()) return read();
-  if (wasOpen != isOpen()) Q_EMIT changed();
+  if (!isOpen() || !read() || isFound) Q_EMIT changed();
 }
 
 void TableFollower::follow(const std::shared_ptr<host::HostPage>& page) {
@@ -106,15 +105,16 @@ void TableFollower::follow(const std::shared_ptr<host::HostPage>& page) {
   }));
 }
 
-// What a table under way holds is no table; it repaints when it is finished.
-void TableFollower::read() {
+// Whether the values are as they were. What a table under way holds is no table; it repaints when it is
+// finished.
+bool TableFollower::read() {
   const auto open = OpenTable::of(*page());
-  if (open.grid.isLocked()) return;
+  if (open.grid.isLocked()) return true;
   auto table = host::plainTable(*analysis_, open.page);
   const bool isOther = !table_ || table != *table_;
   if (isOther) table_ = std::make_shared<const host::PlainTable>(std::move(table));
   pull();
-  if (isOther) Q_EMIT changed();
+  return !isOther;
 }
 
 // The table's selection counts when it is another than it was, so that samples which are in no table stay

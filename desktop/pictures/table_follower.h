@@ -35,7 +35,7 @@ class TableFollower final : public QObject {
  private:
   std::shared_ptr<host::HostPage> page() const;
   void follow(const std::shared_ptr<host::HostPage>& page);
-  void read();
+  bool read();
   void pull();
   void push();
 

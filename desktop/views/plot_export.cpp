@@ -142,7 +142,7 @@ void writeFigure(const Figure& figure, const QString& fileName, const FigureSize
   else if (ending == QLatin1String("svg"))
     paintSvg(figure, size, file);
   else
-    size.millimetres > 0 ? paintPdfPage(figure, size, file) : paintPdf(figure, file);
+    size.millimetres > 0 && figure.panels == 1 ? paintPdfPage(figure, size, file) : paintPdf(figure, file);
   if (!isWritten || !file.commit()) raiseUnwritable(file);
 }
 

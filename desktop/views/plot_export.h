@@ -29,8 +29,8 @@ struct FigureSize {
 
 QImage figureImage(const Figure& figure, const FigureSize& size = {});
 
-// As PNG, SVG or PDF, as the name's end says. PDF without a width has landscape A4 sheets with as many panels
-// on each as are readable; with one, a page as large as the figure. Error 5 for another ending, no panels or
+// As PNG, SVG or PDF, as the name's end says. PDF of several panels, or without a width, has landscape A4
+// sheets with as many panels on each as are readable; else a page as large as the figure. Error 5 for another ending, no panels or
 // too large a picture, 70 where the file cannot be written.
 void writeFigure(const Figure& figure, const QString& fileName, const FigureSize& size = {});
 

@@ -2,15 +2,14 @@
 
 #include <QApplication>
 #include <QClipboard>
-#include <QMenu>
 #include <QPainter>
-#include <QToolButton>
 #include <algorithm>
 #include <numeric>
 #include <utility>
 
 #include "desktop/base/qt_text.h"
 #include "desktop/dialogs/file_dialog.h"
+#include "desktop/views/figure_size_dialog.h"
 
 namespace banddesk::desktop {
 namespace {
@@ -36,15 +35,6 @@ QIcon dyeIcon(const QColor& color, int side) {
   QPixmap pixmap(side, side);
   pixmap.fill(color);
   return pixmap;
-}
-
-// With the ending before it asks whether to replace a file.
-QString askByDialog(QWidget* parent, const QString& suggested, const QString& filter) {
-  FileDialog dialog(parent, QStringLiteral("Export Plot"), {}, filter);
-  dialog.setAcceptMode(QFileDialog::AcceptSave);
-  dialog.setDefaultSuffix(suggested.section(QLatin1Char('.'), -1));
-  dialog.selectFile(suggested);
-  return dialog.exec() == QDialog::Accepted ? dialog.selectedFiles().value(0) : QString();
 }
 
 }  // namespace
@@ -131,7 +121,8 @@ void ResultViewPage::makeTools() {
                        for (PlotView* plot : plots()) plot->setLegend(isShown);
                      });
   tools_->addSeparator();
-  makeExportMenu();
+  addTool(QStringLiteral("&Export..."), QStringLiteral("Writes the plot as PNG, SVG or PDF"),
+          [this] { exportAsked(); });
   addTool(QStringLiteral("&Copy Picture"), QStringLiteral("Copies the plot to the clipboard (Ctrl+C)"),
           [this] { copyPicture(); })
       ->setShortcut(QKeySequence::Copy);
@@ -175,24 +166,6 @@ void ResultViewPage::makeDyeBoxes() {
     dyeBoxes_[dye]->setChecked(hasChoice ? chosen[dye] : dyeBoxes_[dye]->isEnabled());
     connect(dyeBoxes_[dye], &QCheckBox::toggled, this, [this] { dyesChanged(); });
   }
-}
-
-void ResultViewPage::makeExportMenu() {
-  auto* button = new QToolButton(this);
-  button->setText(QStringLiteral("&Export"));
-  button->setAccessibleName(QStringLiteral("Export"));
-  button->setToolTip(QStringLiteral("Writes the plot to a file"));
-  button->setPopupMode(QToolButton::InstantPopup);
-  button->setFocusPolicy(Qt::TabFocus);
-  auto* menu = new QMenu(button);
-  const auto add = [&](const QString& text, const QString& ending, const QString& filter) {
-    connect(menu->addAction(text), &QAction::triggered, this, [=, this] { askAndExport(ending, filter); });
-  };
-  add(QStringLiteral("As P&NG..."), QStringLiteral(".png"), QStringLiteral("PNG pictures (*.png)"));
-  add(QStringLiteral("As &SVG..."), QStringLiteral(".svg"), QStringLiteral("SVG drawings (*.svg)"));
-  add(QStringLiteral("As &PDF..."), QStringLiteral(".pdf"), QStringLiteral("PDF documents (*.pdf)"));
-  button->setMenu(menu);
-  tools_->addWidget(button);
 }
 
 // ---- dyes and bins
@@ -239,19 +212,20 @@ void ResultViewPage::showError(const Error& error) {
   trouble_->setVisible(true);
 }
 
-void ResultViewPage::askAndExport(const QString& ending, const QString& filter) {
+void ResultViewPage::exportAsked() {
+  const Figure whole = figure();
+  const auto size =
+      askFigureSize(this, whole.panel.width(), whole.panel.height() * std::max(whole.panels, 1));
+  if (!size) return;
   QString suggested = content_.caption;
   suggested.replace(QLatin1Char('/'), QLatin1Char('_'));
-  suggested += ending;
-  QString name = actions_.askFileName ? actions_.askFileName(this, suggested, filter)
-                                      : askByDialog(this, suggested, filter);
-  if (name.isEmpty()) return;
-  if (!name.endsWith(ending, Qt::CaseInsensitive)) name += ending;
-  exportTo(name);
+  const QString name =
+      askSaveFile(this, QStringLiteral("Export Plot"), suggested + size->ending, size->filter());
+  if (!name.isEmpty()) exportTo(name, *size);
 }
 
-void ResultViewPage::exportTo(const QString& fileName) {
-  guarded([&] { writeFigure(figure(), fileName); });
+void ResultViewPage::exportTo(const QString& fileName, const FigureSize& size) {
+  guarded([&] { writeFigure(figure(), fileName, size); });
 }
 
 void ResultViewPage::copyPicture() {

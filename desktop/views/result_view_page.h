@@ -22,8 +22,6 @@ namespace banddesk::desktop {
 struct ViewActions {
   // Absent: a line in the view tells the error.
   std::function<void(const Error&)> showError;
-  // A file name to write to, empty to cancel. Absent: the platform's dialog.
-  std::function<QString(QWidget* parent, const QString& suggested, const QString& filter)> askFileName;
 };
 
 // The widget of a page of "SingleSample", "OverlayGraphView" or "StackedView"; null for any other page. The
@@ -54,7 +52,7 @@ class ResultViewPage : public QWidget {
   TableLink& link() { return *link_; }
   SizeAxis& axis() { return *axis_; }
   // As PNG, SVG or PDF by the name's end. Errors go to who shows them.
-  void exportTo(const QString& fileName);
+  void exportTo(const QString& fileName, const FigureSize& size = {});
   void copyPicture();
 
  protected:
@@ -80,8 +78,7 @@ class ResultViewPage : public QWidget {
   void makeTools();
   void makeDyeBoxes();
   QAction* addTool(const QString& text, const QString& tip, const std::function<void()>& triggered);
-  void makeExportMenu();
-  void askAndExport(const QString& ending, const QString& filter);
+  void exportAsked();
   void showError(const Error& error);
   void guarded(const std::function<void()>& work);
 

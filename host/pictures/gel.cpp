@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <cmath>
 #include <fmt/format.h>
+#include <iterator>
+#include <numeric>
+#include <utility>
 
 #include "host/pictures/heat_map.h"
 
@@ -28,6 +31,9 @@ class GelDrawing {
     findSizes();
     black_ = look.black > 0 ? look.black : heightAtShare(heights_, kFullHeight);
     right_ = kLeft + lane_ * count;
+    loci_.resize(gel.bins.size());
+    std::iota(loci_.begin(), loci_.end(), std::size_t{0});
+    std::ranges::sort(loci_, {}, [&](std::size_t i) { return std::pair(gel.bins[i].dye, gel.bins[i].low); });
   }
 
   Drawing take() {
@@ -64,11 +70,14 @@ class GelDrawing {
   }
 
   std::optional<std::size_t> binOf(const GelFragment& fragment) const {
-    const auto found = std::ranges::find_if(gel_.bins, [&](const GelBin& bin) {
-      return bin.dye == fragment.dye && bin.low <= fragment.size && fragment.size <= bin.high;
-    });
-    if (found == gel_.bins.end()) return {};
-    return static_cast<std::size_t>(found - gel_.bins.begin());
+    const auto place = [this](std::size_t locus) {
+      return std::pair(gel_.bins[locus].dye, gel_.bins[locus].low);
+    };
+    const auto behind = std::ranges::upper_bound(loci_, std::pair(fragment.dye, fragment.size), {}, place);
+    if (behind == loci_.begin()) return {};
+    const GelBin& bin = gel_.bins[*std::prev(behind)];
+    if (bin.dye != fragment.dye || fragment.size > bin.high) return {};
+    return *std::prev(behind);
   }
 
   void addBins() {
@@ -132,6 +141,7 @@ class GelDrawing {
   double low_ = 0, high_ = 10;  // nt
   double black_ = 0;
   std::vector<float> heights_;
+  std::vector<std::size_t> loci_;  // by dye and size
   Drawing drawing_;
 };
 

@@ -137,7 +137,7 @@ Drawing platesOf(const statistics::BandMatrix& bands, const std::vector<double>&
   }
   if (without > 0)
     drawing.labels.push_back(
-        {{kLeft, drawing.height - kGap + 24}, fmt::format("{} names of samples tell no well", without)});
+        {{kLeft, drawing.height - kGap + 24}, fmt::format("Names that tell no well: {}", without)});
   return drawing;
 }
 
