@@ -35,6 +35,7 @@ MainWindow::MainWindow(Workbench& workbench)
   setAcceptDrops(true);
   makeDocks();
   makeFileMenu();
+  makeEditMenu();
   makeAnalysisMenu();
   makeTableMenu();
   makeViewMenu();
@@ -48,6 +49,7 @@ MainWindow::MainWindow(Workbench& workbench)
   connections_.push_back(commands_.RenameWanted.connect([this](const auto& analysis) {
     guard_.run([&] { workbench_.host().service().RenameAFLP(analysis); });
   }));
+  workbench_.setRecoveryFront(&recovery_);
   connectHost();
   connectExplorer();
   connectPages();
@@ -68,6 +70,7 @@ MainWindow::~MainWindow() {
   } catch (const std::exception&) {
     // It is in the list of failures, which goes with the window.
   }
+  workbench_.setRecoveryFront(nullptr);
   connections_.clear();
   front_.reset();
   // Before the registry, in which they are.

@@ -17,7 +17,9 @@
 #include "desktop/window/page_area.h"
 #include "desktop/window/picture_commands.h"
 #include "desktop/window/progress_indicator.h"
+#include "desktop/window/recovery_dialog.h"
 #include "desktop/window/study_commands.h"
+#include "desktop/window/undo_commands.h"
 
 class QActionGroup;
 class QLabel;
@@ -47,6 +49,7 @@ class MainWindow final : public QMainWindow {
   // ---- making (main_window_menus.cpp)
   void makeDocks();
   void makeFileMenu();
+  void makeEditMenu();
   void makeAnalysisMenu();
   void makeWarningOption(QMenu& menu);
   void makeTableMenu();
@@ -128,6 +131,8 @@ class MainWindow final : public QMainWindow {
   bool isExplorerMeant_ = false;  // else the page in front
   HelpDesk help_;
   std::unique_ptr<PlatformFront> front_;
+  RecoveryDialog recovery_{*this};
+  std::unique_ptr<UndoCommands> undo_;
   Connections connections_;
 };
 

@@ -100,6 +100,8 @@ void MainWindow::makeFileMenu() {
            QStyle::SP_DialogSaveButton);
   needStudy_.push_back(
       addCommand(menu, QStringLiteral("Save &As..."), QKeySequence::SaveAs, [this] { commands_.saveAs(); }));
+  needStudy_.push_back(
+      addCommand(menu, QStringLiteral("Save a Cop&y..."), {}, [this] { commands_.saveCopy(); }));
   needStudy_.push_back(addCommand(menu, QStringLiteral("&Close Study"),
                                   QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_W),
                                   [this] { commands_.close(); }));
@@ -108,6 +110,11 @@ void MainWindow::makeFileMenu() {
   QAction* quit = menu.addAction(QStringLiteral("&Quit"));
   quit->setShortcut(QKeySequence::Quit);
   connect(quit, &QAction::triggered, this, &QWidget::close, Qt::QueuedConnection);
+}
+
+void MainWindow::makeEditMenu() {
+  QMenu& menu = *menuBar()->addMenu(QStringLiteral("&Edit"));
+  undo_ = std::make_unique<UndoCommands>(workbench_, guard_, *this, menu, [this] { updateState(); });
 }
 
 void MainWindow::makeAnalysisMenu() {

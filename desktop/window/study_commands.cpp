@@ -60,7 +60,7 @@ bool StudyCommands::open(const QString& path) {
     const std::string copy = workbench_.host().study().formerCopy();
     if (!copy.empty())
       Told.raise(QStringLiteral("The study was brought up to date; as it was before it is kept in ") +
-           toQString(copy));
+                 toQString(copy));
   });
 }
 
@@ -181,6 +181,16 @@ bool StudyCommands::saveAs() {
       Told.raise(QStringLiteral("The study lies in %1 now.").arg(QFileInfo(path).absoluteFilePath()));
   });
   return done && isWhole;
+}
+
+bool StudyCommands::saveCopy() {
+  const QString path = askSaveFile(&window_, QStringLiteral("Save a Copy"),
+                                   toQString(workbench_.path().string()), studyFilter());
+  if (path.isEmpty()) return false;
+  return guard_.run([&] {
+    workbench_.saveCopy(toPath(path));
+    Told.raise(QStringLiteral("A copy lies in %1.").arg(QFileInfo(path).absoluteFilePath()));
+  });
 }
 
 }  // namespace banddesk::desktop

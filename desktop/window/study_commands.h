@@ -35,6 +35,8 @@ class StudyCommands {
   bool save();
   // Asks for a new file, copies the study there and saves all that is unsaved in it; the study goes on there.
   bool saveAs();
+  // Asks for a new file and copies the study there with all changes; it goes on where it is.
+  bool saveCopy();
   // Asks about what is unsaved, if anything is; false if the user wants to stay.
   bool mayLeave();
   bool close();

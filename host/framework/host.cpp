@@ -1,5 +1,6 @@
 #include "host/framework/host.h"
 
+#include <cstdio>
 #include <fmt/format.h>
 #include <set>
 #include <utility>
@@ -8,6 +9,8 @@
 #include "host/framework/analysis_report.h"
 #include "host/framework/first_failure.h"
 #include "host/framework/guarded_calculator.h"
+#include "host/history/kept_steps.h"
+#include "host/store/sqlite_store.h"
 
 namespace banddesk::host {
 
@@ -71,6 +74,10 @@ StudyHistory& Host::keepHistory() {
   return *history_;
 }
 
+std::vector<std::string> Host::applyLostDecisions() {
+  return keepHistory().applyLostDecisions(settings_.makeBinCalculator);
+}
+
 const Component& Host::component() const {
   if (!component_) raise(ErrorNumber::ObjectNotSet, "Host", "There is no component.");
   return *component_;
@@ -107,6 +114,19 @@ SaveOutcome Host::save(const SaveChoice& choose) {
   history_->afterSave();
   failure.raise();
   return outcome;
+}
+
+void Host::saveCopy(const std::string& file) {
+  keepHistory().note(true);
+  studyService_.copyTo(file);
+  try {
+    SqliteStore copy(file);
+    KeptSteps saved{{{"", 0, storedState(copy, {})}, history_->steps()[history_->position()]}, 0};
+    goToStep(saved, 1, copy);
+  } catch (...) {
+    std::remove(file.c_str());
+    throw;
+  }
 }
 
 void Host::requireNamesApart() {

@@ -53,6 +53,8 @@ class Host final : public HostServices, private Application {
   PageKeeper& keepTablesWhole();
   // From now on what the user does to a study can be undone until it is closed. Tables are kept whole, too.
   StudyHistory& keepHistory();
+  // Decisions that the last step lost, taken to the bins that there are now; the keys of those that found none.
+  std::vector<std::string> applyLostDecisions();
 
   // ---- the study
   void openStudy(std::shared_ptr<Store> store);  // closes the one that is open
@@ -61,6 +63,8 @@ class Host final : public HostServices, private Application {
   // Both raise error 457 where two analyses that are to be saved have one name; namesakes() gives them.
   std::vector<std::string> unsaved();
   SaveOutcome save(const SaveChoice& choose = {});
+  // Makes a study file with all that there is, saved or not, and leaves this study as it is. Needs the history.
+  void saveCopy(const std::string& file);
 
   // ---- what the user does
   void runNewAnalysis() const;  // nothing while the command is not enabled

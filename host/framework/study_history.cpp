@@ -1,7 +1,10 @@
 #include "host/framework/study_history.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <ctime>
+#include <exception>
+#include <fmt/format.h>
 #include <utility>
 
 #include "host/history/step_labels.h"
@@ -51,6 +54,7 @@ StudyHistory::StudyHistory(HostStudyService& study, HostObjectManager& objects, 
     othersChanged_ = pages_.isActing();
     if (!othersChanged_) note(nullptr, true);
   }));
+  connections_.push_back(study_.Changing.connect([this] { announce(); }));
   connections_.push_back(tree_.Renamed.connect([this] { note(nullptr, true); }));
 }
 
@@ -58,13 +62,18 @@ void StudyHistory::begin() {
   end();
   if (!study_.isOpen()) return;
   steps_.push_back({"", std::time(nullptr), capture(nullptr)});
-  clean_ = present();
+  clean_ = stored_ = present();
   Changed.raise();
 }
 
 void StudyHistory::end() {
+  const bool isInOrder = std::uncaught_exceptions() == 0;  // else the log is all that is left
+  if (isInOrder && log_) std::remove(logFile_.c_str());
+  log_.reset();
+  logFile_.clear();
+  logTrouble_.clear();
   steps_.clear();
-  clean_ = {};
+  clean_ = stored_ = {};
   at_ = 0;
   Changed.raise();
 }
@@ -73,7 +82,10 @@ AnalysisState StudyHistory::capture(const std::shared_ptr<AFLP>& analysis, const
   const auto page = pages_.find(kResultsPage, analysis);
   if (!page || !page->control()) return packed(snapshotOf(*analysis), like);
   const auto state = keeper_.state(*page);
-  if (!state) return like != nullptr ? *like : packed(snapshotOf(*analysis), like);
+  if (!state) {
+    isHeldBack_ = true;
+    return like != nullptr ? *like : packed(snapshotOf(*analysis), like);
+  }
   AnalysisState taken = packed(*state->analysis, like);
   if (state->look) taken.look = sharedPart(*state->look, like != nullptr ? like->look : nullptr);
   return taken;
@@ -97,58 +109,202 @@ StudyState StudyHistory::capture(const ObjectRef& object) const {
 void StudyHistory::note(const ObjectRef& object, bool isUsers) noexcept {
   if (isApplying_ || steps_.empty() || !study_.isOpen()) return;
   try {
-    take(capture(object), isUsers);
+    // What a timer makes of something typed is the act of who typed it.
+    const bool wasHeldBack = std::exchange(isHeldBack_, false);
+    take(capture(object), isUsers || wasHeldBack);
   } catch (...) {
     othersChanged_ = true;  // the next note looks at everything
   }
 }
 
 void StudyHistory::take(StudyState state, bool isUsers) {
-  if (areEqual(state, present())) {
-    steps_[at_].state = std::move(state);  // perhaps with a look that was not known before
-    return;
-  }
-  if (isUsers) {
-    Step step{stepLabel(present(), state), std::time(nullptr), std::move(state)};
-    steps_.reserve(steps_.size() + 1);
-    steps_.resize(at_ + 1);
-    steps_.push_back(std::move(step));
-    ++at_;
+  const bool isEqual = areEqual(state, present());
+  if (!isEqual && isUsers) {
+    std::string label = stepLabel(present(), state);
+    push(std::move(state), std::move(label));
+    noteRuns(steps_[at_ - 1].state);
   } else {
-    steps_[at_].state = std::move(state);
-    cleanWhatIsSaved();
+    steps_[at_].state = std::move(state);  // perhaps with a look that was not known before
+    if (!isEqual) cleanWhatIsSaved();
+    noteRuns(present());
   }
+  if (!isEqual) changed(steps_[at_].label);
+}
+
+void StudyHistory::push(StudyState state, std::string label) {
+  Step step{std::move(label), std::time(nullptr), std::move(state)};
+  steps_.reserve(std::max(steps_.size(), at_ + 2));
+  steps_.resize(at_ + 1);
+  steps_.push_back(std::move(step));
+  ++at_;
+  lost_.clear();
+}
+
+// Where a page has run its analysis again in the step that is over, decisions that went with it are kept.
+void StudyHistory::noteRuns(const StudyState& before) {
+  std::map<std::int32_t, std::int64_t> runs;
+  for (const auto& page : pages_.openPages()) {
+    const auto analysis = std::dynamic_pointer_cast<AFLP>(page->bound());
+    if (analysis && page->DefinitionName() == kResultsPage) runs[analysis->ID()] = page->tableRun().count;
+  }
+  for (const auto& [id, count] : std::exchange(runs_, runs)) {
+    const AnalysisState* const was = before.find(id);
+    const AnalysisState* const is = present().find(id);
+    if (!runs.contains(id) || runs[id] <= count || was == nullptr || is == nullptr) continue;
+    const auto kept = unpacked(*is).bins;
+    std::vector<BinSnapshot> lost = unpacked(*was).bins;
+    std::erase_if(lost, [&](const BinSnapshot& bin) {
+      return std::ranges::find(kept, bin.key, &BinSnapshot::key) != kept.end();
+    });
+    if (lost.empty()) continue;
+    lost_ = std::move(lost);
+    lostFrom_ = id;
+  }
+}
+
+std::vector<std::string> StudyHistory::applyLostDecisions(
+    const std::function<std::shared_ptr<BinCalculator>()>& makeCalculator) {
+  if (lost_.empty()) raise(ErrorNumber::InvalidArgument, "History", "No decisions were lost.");
+  requireRest();
+  const AnalysisSnapshot before = unpacked(required(steps_[at_ - 1].state.find(lostFrom_), "Analysis"));
+  const auto analysis = study_.Study()->AFLPs.Item(integerText(lostFrom_));
+  StudyState target = present();
+  const auto changes = std::ranges::find(target.analyses, lostFrom_, &AnalysisState::id);
+  AnalysisSnapshot now = unpacked(*changes);
+  DecisionTransfer transfer =
+      transferDecisions(lost_, {before.maxBinWidth, static_cast<double>(before.yThreshold)},
+                        {now.maxBinWidth, static_cast<double>(now.yThreshold)}, *analysis, makeCalculator);
+  now.bins.insert(now.bins.end(), transfer.decisions.begin(), transfer.decisions.end());
+  *changes = packed(now, &*changes);
+  become(target);
+  push(capture(nullptr), fmt::format("Apply {} Decisions to the New Bins", transfer.decisions.size()));
+  setFlags();
+  changed(steps_[at_].label);
+  return transfer.homeless;
+}
+
+void StudyHistory::changed(const std::string& label) {
+  logPresent(label);
   Changed.raise();
+}
+
+// A failure is no reason to stop the user's work.
+void StudyHistory::logPresent(const std::string& label) {
+  if (logFile_.empty()) return;
+  try {
+    if (!hasUnsaved()) {
+      log_.reset();
+      std::remove(logFile_.c_str());
+    } else {
+      const Step now{label, std::time(nullptr), present()};
+      const StudyState base{present().record, stored_.analyses};
+      if (log_) {
+        log_->append(now);
+      } else {
+        log_ = std::make_unique<StepLog>(logFile_, std::vector<Step>{{"", now.time, base}, now});
+      }
+    }
+    logTrouble_.clear();
+  } catch (...) {
+    log_.reset();  // made anew at the next step
+    logTrouble_ = currentError().description();
+  }
+}
+
+void StudyHistory::announce() {
+  if (!log_ || isApplying_) return;
+  try {
+    log_->announce();
+  } catch (...) {
+    log_.reset();
+    logTrouble_ = currentError().description();
+  }
+}
+
+void StudyHistory::logTo(const std::string& file) {
+  if (log_) std::remove(logFile_.c_str());
+  log_.reset();
+  logFile_ = file;
+  logPresent(steps_.empty() ? "" : steps_[at_].label);
+}
+
+std::string StudyHistory::whyUnfit(const StepLogContent& log) const {
+  const StudyState& last = log.steps.back().state;
+  const auto isIn = [&](const AnalysisState& analysis) {
+    return std::ranges::any_of(log.steps, [&](const Step& step) {
+      const AnalysisState* const known = step.state.find(analysis.id);
+      return known != nullptr && known->holdsSameAs(analysis);
+    });
+  };
+  if (log.isAnnounced) return {};
+  if (!haveSameBytes(last.record, present().record)) return "the study's results or dyes are others";
+  if (!std::ranges::all_of(present().analyses, isIn)) return "the study's analyses are others";
+  const auto isGone = [&](const AnalysisState& analysis) {
+    return present().find(analysis.id) == nullptr && last.find(analysis.id) != nullptr;
+  };
+  if (std::ranges::any_of(log.steps.front().state.analyses, isGone)) return "the study lacks an analysis";
+  return {};
+}
+
+void StudyHistory::recover(const StepLogContent& log) {
+  std::vector<Step> steps{steps_.front()};
+  steps.insert(steps.end(), log.steps.begin() + 1, log.steps.end());
+  become(log.steps.back().state);
+  steps_ = std::move(steps);
+  at_ = steps_.size() - 1;
+  setFlags();
+  changed(steps_[at_].label);
 }
 
 // What a page made of its analysis as it opened waits for no save.
 void StudyHistory::cleanWhatIsSaved() {
-  StudyState clean;
-  for (const auto& analysis : study_.Study()->AFLPs) {
-    const AnalysisState* const known = (isChanged(*analysis) ? clean_ : present()).find(analysis->ID());
-    if (known != nullptr) clean.analyses.push_back(*known);
-  }
-  clean_ = std::move(clean);
+  keepKnown(clean_, [&](const AFLP& analysis) { return *present().find(analysis.ID()); });
 }
 
-void StudyHistory::beforeSave() { note(true); }
+// Of an analysis that waits for a save, be it for its removal, what was known of it; of any other, what is.
+template <class Present>
+void StudyHistory::keepKnown(StudyState& known, Present present) const {
+  StudyState kept;
+  const auto keep = [&](const AFLP& analysis, bool isWaiting) {
+    const AnalysisState* const former = known.find(analysis.ID());
+    if (!isWaiting) kept.analyses.push_back(present(analysis));
+    if (isWaiting && former != nullptr) kept.analyses.push_back(*former);
+  };
+  for (const auto& analysis : study_.Study()->AFLPs) keep(*analysis, isChanged(*analysis));
+  for (const auto& analysis : study_.Study()->AFLPs.DeletedItems()) keep(*analysis, true);
+  known = std::move(kept);
+}
 
+void StudyHistory::beforeSave() {
+  note(true);
+  announce();
+}
+
+// A part of the analyses may have been saved, or none.
 void StudyHistory::afterSave() {
   note(false);
-  if (!steps_.empty()) cleanWhatIsSaved();
-  Changed.raise();
+  if (steps_.empty()) return;
+  cleanWhatIsSaved();
+  keepKnown(stored_,
+            [&](const AFLP& analysis) { return packed(snapshotOf(analysis), stored_.find(analysis.ID())); });
+  log_.reset();  // the next one begins with what is saved now
+  changed(steps_[at_].label);
+}
+
+void StudyHistory::requireRest() const {
+  if (keeper_.isAtWork() || pages_.isActing())
+    raise(ErrorNumber::PermissionDenied, "History", "Finish what is under way first.");
 }
 
 void StudyHistory::goTo(std::size_t position) {
-  if (keeper_.isAtWork() || pages_.isActing())
-    raise(ErrorNumber::PermissionDenied, "History", "Finish what is under way first.");
+  requireRest();
   if (position >= steps_.size()) raise(ErrorNumber::SubscriptOutOfRange, "History", "There is no such step.");
   pages_.fireTimers();
   note(false);
+  const std::string label =
+      fmt::format("{}: {}", position < at_ ? "Undo" : "Redo", steps_[std::max(position, at_)].label);
   const StudyState target = steps_[position].state;
-  isApplying_ = true;
-  const std::shared_ptr<void> applied(nullptr, [this](void*) { isApplying_ = false; });
-  apply(target);
+  become(target);
   at_ = position;
   // Whatever came out otherwise is no act of the user.
   StudyState now = capture(nullptr);
@@ -157,8 +313,17 @@ void StudyHistory::goTo(std::size_t position) {
     if (!analysis.look && wanted != nullptr) analysis.look = wanted->look;
   }
   steps_[at_].state = std::move(now);
+  lost_.clear();
+  noteRuns(present());
   setFlags();
-  Changed.raise();
+  changed(label);
+}
+
+void StudyHistory::become(const StudyState& target) {
+  announce();
+  isApplying_ = true;
+  const std::shared_ptr<void> applied(nullptr, [this](void*) { isApplying_ = false; });
+  apply(target);
 }
 
 void StudyHistory::apply(const StudyState& target) {

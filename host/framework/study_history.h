@@ -7,28 +7,30 @@
 // changed as objects and wait for a save. A page of an analysis that changes is opened anew from the state
 // (PageKeeper::restore), where the user keeps place and selection.
 //
+// While analyses wait for a save, the states are written down in a log beside the study, too (logTo). It goes
+// when nothing waits any more and when the study closes in order; one that is found at an opening can be
+// recovered.
+//
 // A state of which no note could be taken (there was no memory) is left out: its step comes together with the
 // next one. Nobody's act fails for that.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
 
+#include "host/framework/decision_transfer.h"
 #include "host/framework/explorer.h"
 #include "host/framework/page_keeper.h"
 #include "host/framework/study_service.h"
+#include "host/history/step_log.h"
 #include "host/history/study_state.h"
 
 namespace banddesk::host {
-
-struct Step {
-  std::string label;      // what the user did; empty for the state that the study opened in
-  std::int64_t time = 0;  // seconds since 1970
-  StudyState state;       // after it
-};
 
 class StudyHistory final {
  public:
@@ -63,11 +65,31 @@ class StudyHistory final {
   bool hasUnsaved() const { return !steps_.empty() && !haveSameAnalyses(present(), clean_); }
   std::size_t bytes() const;
 
+  // ---- decisions by hand that the last step lost to a run of the analysis
+  std::size_t lostDecisions() const { return lost_.size(); }
+  // Takes each to the bin of the new run that holds most of its bin's fragments: a step of its own. Tells the
+  // keys of bins that found none. Error 5 where none are lost.
+  std::vector<std::string> applyLostDecisions(
+      const std::function<std::shared_ptr<BinCalculator>()>& makeCalculator);
+
+  // ---- the log of what is unsaved
+  // From now on it is written to this file, which is overwritten. Empty: to none.
+  void logTo(const std::string& file);
+  // Why the states are not written down; empty where they are, or need not be.
+  const std::string& logTrouble() const { return logTrouble_; }
+  // Right after the opening: why a log is not one of this study as it is saved; empty where it is.
+  std::string whyUnfit(const StepLogContent& log) const;
+  // Right after the opening: the study becomes what the log's last state says, and its steps can be undone. An
+  // error may leave a part of it: the study is then to be opened again.
+  void recover(const StepLogContent& log);
+
   Event<> Changed;  // steps or position
 
  private:
   void note(const ObjectRef& object, bool isUsers) noexcept;
   void take(StudyState state, bool isUsers);
+  void push(StudyState state, std::string label);
+  void noteRuns(const StudyState& before);
   const StudyState& present() const { return steps_[at_].state; }
   // Of one object, or of all where it is null; the rest is as before.
   StudyState capture(const ObjectRef& object) const;
@@ -76,8 +98,15 @@ class StudyHistory final {
   void applyAnalyses(const StudyState& target);
   void keepOnly(const StudyState& target);
   void apply(const AnalysisState& target, const AnalysisState* now, const std::shared_ptr<AFLP>& analysis);
+  void requireRest() const;
   void setFlags();
   void cleanWhatIsSaved();
+  template <class Present>
+  void keepKnown(StudyState& known, Present present) const;
+  void become(const StudyState& target);
+  void changed(const std::string& label);
+  void logPresent(const std::string& label);
+  void announce();
 
   HostStudyService& study_;
   HostObjectManager& objects_;
@@ -87,9 +116,16 @@ class StudyHistory final {
   FaultInjector& faults_;
   std::vector<Step> steps_;
   std::size_t at_ = 0;
-  StudyState clean_;  // the analyses as they were when nothing of them waited to be saved
+  StudyState clean_;   // the analyses as they were when nothing of them waited to be saved
+  StudyState stored_;  // the analyses as they lie in the study's file
+  std::string logFile_, logTrouble_;
+  std::unique_ptr<StepLog> log_;
   bool isApplying_ = false;
-  bool othersChanged_ = false;  // within the act that is under way
+  bool othersChanged_ = false;                 // within the act that is under way
+  mutable bool isHeldBack_ = false;            // the user typed what a page has not taken into its table yet
+  std::map<std::int32_t, std::int64_t> runs_;  // of the open pages' tables, by analysis
+  std::vector<BinSnapshot> lost_;
+  std::int32_t lostFrom_ = 0;  // the analysis
   Connections connections_;
 };
 

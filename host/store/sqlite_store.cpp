@@ -112,9 +112,15 @@ void SqliteStore::write(const std::function<void()>& work) {
     raise(ErrorNumber::PathNotFound, "Store",
           fmt::format("{}: it cannot be saved: the file was moved or deleted while it was open",
                       database_.file()));
+  if (database_.isInTransaction()) return work();
   sqlite::Transaction transaction(database_);
   work();
   transaction.commit();
+}
+
+void SqliteStore::write(const StudyRecord& record, const std::vector<std::int32_t>& removed,
+                        const std::vector<AnalysisSnapshot>& written) {
+  write([&] { Store::write(record, removed, written); });
 }
 
 std::shared_ptr<const SampleFragments> SqliteStore::readFragments(std::int32_t resultId) {

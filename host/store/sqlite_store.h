@@ -53,6 +53,8 @@ class SqliteStore final : public Store {
   AnalysisSnapshot readAnalysis(std::int32_t id) override;
   void writeAnalysis(const AnalysisSnapshot& snapshot) override;
   void removeAnalysis(std::int32_t id) override;
+  void write(const StudyRecord& record, const std::vector<std::int32_t>& removed,
+             const std::vector<AnalysisSnapshot>& written) override;
 
   // SQLite's level of synchronisation: 2 is full.
   std::int64_t synchronisation() const { return database_.number("PRAGMA synchronous"); }

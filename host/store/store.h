@@ -62,6 +62,9 @@ class Store : public FragmentSource {
   virtual void writeAnalysis(const AnalysisSnapshot& snapshot) = 0;
   // Nothing if there is none; joined tables lose the part that it was.
   virtual void removeAnalysis(std::int32_t id) = 0;
+  // The record, analyses to take out and analyses to write, in one write.
+  virtual void write(const StudyRecord& record, const std::vector<std::int32_t>& removed,
+                     const std::vector<AnalysisSnapshot>& written);
 };
 
 }  // namespace banddesk::host
