@@ -33,6 +33,7 @@ struct Options {
 void measureStudy(Bench& bench, Road& road) {
   measureArrival(bench, road);
   measurePage(bench, road);
+  measureHistory(bench, road);
 }
 
 // The small study's road stays open: the others' growth is measured against it.

@@ -42,6 +42,8 @@ class Bench {
 void measureArrival(Bench& bench, Road& road);
 /// Everything on the open results page, and the study's file.
 void measurePage(Bench& bench, Road& road);
+/// Undo: of the study as it is stored, opened anew; leaves steps behind.
+void measureHistory(Bench& bench, Road& road);
 /// The time of an analysis for each fragment of a study against that of a smaller one. Both must be open.
 void measureGrowth(Bench& bench, Road& small, Road& large);
 

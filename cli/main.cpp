@@ -10,6 +10,7 @@
 
 #include "cli/analyze_command.h"
 #include "cli/example_command.h"
+#include "cli/history_commands.h"
 #include "cli/quality_command.h"
 #include "cli/say.h"
 #include "cli/statistics_commands.h"
@@ -38,9 +39,10 @@ int run(int argc, char** argv) {
   CLI::App& analyzeCommand = addAnalyzeCommand(app, analyze);
   CLI::App& exampleCommand = addExampleCommand(app, example);
   Chosen chosen;  // of the commands on study files
-  for (const auto add : {addNewCommand, addImportCommand, addListCommand, addResultsCommand, addExportCommand,
-                         addReportCommand, addQualityCommand, addDistancesCommand, addPcoaCommand,
-                         addTreeCommand, addDiversityCommand})
+  for (const auto add :
+       {addNewCommand, addImportCommand, addListCommand, addResultsCommand, addExportCommand,
+        addReportCommand, addQualityCommand, addDistancesCommand, addPcoaCommand, addTreeCommand,
+        addDiversityCommand, addUndoCommand, addRedoCommand, addHistoryCommand, addCompactCommand})
     add(app, chosen);
   try {
     app.parse(argc, argv);

@@ -10,6 +10,7 @@
 
 #include "cli/band_table.h"
 #include "cli/format_outputs.h"
+#include "cli/history_commands.h"
 #include "cli/open_study.h"
 #include "cli/output_file.h"
 #include "cli/progress_line.h"
@@ -76,6 +77,7 @@ void checkStudy(const AnalyzeArguments& arguments) {
 
 void openAsStored(Session& session, const std::filesystem::path& study,
                   const std::optional<std::string>& name) {
+  tellOfUnsaved(study);
   session.openStudy(std::make_shared<SqliteStore>(study.string(), SqliteStore::Access::Read));
   const auto analysis = wanted(session, name);
   if (analysis->ResultStamp != session.study().ResultStamp)
@@ -94,6 +96,7 @@ bool isStudyFile(const std::filesystem::path& file) {
 void runStudyAnalysis(const AnalyzeArguments& arguments) {
   checkStudy(arguments);
   if (arguments.name) checkName(*arguments.name);
+  tellOfUnsaved(arguments.files.front());
   const auto started = std::chrono::steady_clock::now();
   ProgressLine bar;
   bar.begin("Analysing");
@@ -102,6 +105,7 @@ void runStudyAnalysis(const AnalyzeArguments& arguments) {
   if (const std::string why = store->whyReadOnly(); !why.empty())
     raise(ErrorNumber::PermissionDenied, "Study",
           fmt::format("{}: no analysis can be saved: {}", arguments.files.front().string(), why));
+  KeptChange change(arguments.files.front(), store);
   session.openStudy(std::move(store));
 
   if (session.study().Results.Count() == 0)
@@ -121,6 +125,7 @@ void runStudyAnalysis(const AnalyzeArguments& arguments) {
     if (arguments.name) session.analysis().Name = *arguments.name;
   }
   session.save();
+  change.keep();
   const std::string dyes = session.host().study().dyeLetters();
   const std::string head = arguments.printHead ? printedHead(session) : std::string();
   const std::string summary = summaryText(session, dyes);

@@ -4,6 +4,7 @@
 #include <array>
 #include <fmt/format.h>
 
+#include "cli/history_commands.h"
 #include "cli/open_study.h"
 #include "cli/progress_line.h"
 #include "cli/say.h"
@@ -68,8 +69,11 @@ std::vector<std::int32_t> resultsNamed(const banddesk::Study& study, const std::
 
 // All names are looked up before the first change: a wrong one changes nothing.
 void changeResults(const ResultsArguments& arguments) {
+  tellOfUnsaved(arguments.study);
   host::Host host({});
-  host.openStudy(openForWriting(arguments.study));
+  const auto store = openForWriting(arguments.study);
+  KeptChange change(arguments.study, store);
+  host.openStudy(store);
   auto& study = host.study();
   const auto excluded = resultsNamed(*study.Study(), arguments.exclude);
   const auto included = resultsNamed(*study.Study(), arguments.include);
@@ -77,6 +81,7 @@ void changeResults(const ResultsArguments& arguments) {
   for (const std::int32_t id : excluded) study.setResultExcluded(id, true);
   for (const std::int32_t id : included) study.setResultExcluded(id, false);
   for (const std::int32_t id : removed) study.deleteResult(id);
+  change.keep();
   say("excluded {}, included {}, deleted {}\n", excluded.size(), included.size(), removed.size());
 }
 
@@ -104,8 +109,11 @@ void runNew(const NewArguments& arguments) {
 }
 
 void runImport(const ImportArguments& arguments) {
+  tellOfUnsaved(arguments.study);
   host::Host host({});
-  host.openStudy(openForWriting(arguments.study));
+  const auto store = openForWriting(arguments.study);
+  KeptChange change(arguments.study, store);
+  host.openStudy(store);
   ProgressLine bar;
   bar.begin("Reading");
   const host::ImportOutcome outcome = host::importIntoStudy(
@@ -113,11 +121,13 @@ void runImport(const ImportArguments& arguments) {
         bar.show(total == 0 ? 0 : static_cast<double>(done) / static_cast<double>(total));
       });
   bar.clear();
+  change.keep();
   say("{}", outcome.report);
   say("added {} results; the study has {}\n", outcome.added, host.study().Study()->Results.Count());
 }
 
 void runList(const ListArguments& arguments) {
+  tellOfUnsaved(arguments.study);
   SqliteStore store(arguments.study.string(), SqliteStore::Access::Read);
   const host::StudyRecord study = store.readStudy();
   say("study \"{}\": {} results, {} excluded, {} deleted; dyes {}\n", study.name,

@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "cli/band_table.h"
+#include "cli/history_commands.h"
 #include "cli/reading_options.h"
 #include "cli/study_analysis.h"
 #include "cli/study_commands.h"
@@ -101,6 +102,33 @@ void addReportCommand(CLI::App& app, Chosen& chosen) {
   addNameOption(command, arguments->name);
   command.add_option("OUT", arguments->out, "The page to write")->required();
   command.footer("Example:\n  banddesk report primula.study --name First report.html");
+}
+
+void addUndoCommand(CLI::App& app, Chosen& chosen) {
+  CLI::App& command = *app.add_subcommand("undo", "Take back what the last commands did to a study");
+  const auto arguments = argumentsOf<UndoArguments>(command, chosen, runUndo);
+  command.add_option("--steps", arguments->steps, "How many steps [1]")->type_name("N");
+  command.footer("Example:\n  banddesk undo primula.study");
+}
+
+void addRedoCommand(CLI::App& app, Chosen& chosen) {
+  CLI::App& command = *app.add_subcommand("redo", "Do again what was taken back");
+  const auto arguments = argumentsOf<UndoArguments>(command, chosen, runRedo);
+  command.add_option("--steps", arguments->steps, "How many steps [1]")->type_name("N");
+  command.footer("Example:\n  banddesk redo primula.study --steps 2");
+}
+
+void addHistoryCommand(CLI::App& app, Chosen& chosen) {
+  CLI::App& command = *app.add_subcommand("history", "List the steps of a study that can be undone");
+  argumentsOf<HistoryArguments>(command, chosen, runHistory);
+  command.footer("Example:\n  banddesk history primula.study");
+}
+
+void addCompactCommand(CLI::App& app, Chosen& chosen) {
+  CLI::App& command =
+      *app.add_subcommand("compact", "Make a study's file as small as it can be; its steps are given up");
+  argumentsOf<HistoryArguments>(command, chosen, runCompact);
+  command.footer("Example:\n  banddesk compact primula.study");
 }
 
 }  // namespace banddesk::cli

@@ -113,7 +113,7 @@ void MainWindow::makeFileMenu() {
 }
 
 void MainWindow::makeEditMenu() {
-  QMenu& menu = *menuBar()->addMenu(QStringLiteral("&Edit"));
+  QMenu& menu = *menuBar()->addMenu(QStringLiteral("E&dit"));
   undo_ = std::make_unique<UndoCommands>(workbench_, guard_, *this, menu, [this] { updateState(); });
 }
 

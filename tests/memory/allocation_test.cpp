@@ -8,6 +8,7 @@
 #include <new>
 #include <sqlite3.h>
 
+#include "host/history/kept_steps.h"
 #include "host/store/memory_store.h"
 #include "host/store/sqlite_store.h"
 #include "plugin/base/error.h"
@@ -116,6 +117,27 @@ TEST(Memory, ThatRunsOutInAStudyFileLeavesTheOldStateAndAStoreThatWorks) {
   }
   std::printf("%d failures\n", failures);
   EXPECT_GT(failures, 500);
+}
+
+TEST(Memory, ThatRunsOutWhileAStepIsWrittenDownLeavesTheStepsBefore) {
+  StoreFolder folder;
+  const std::string file = folder.file("steps");
+  MemoryStore study("Study");
+  for (int step = 0; step < 6; ++step) takeStep(study, step);
+  const StudyState state = storedState(study, {});
+  StepLog log(file, {{"", 0, state}});
+  std::size_t written = 1;
+  int failures = 0;
+  for (int step = 6; step < 9; ++step) {
+    takeStep(study, step);
+    failures += failEach(
+        [&] {
+          log.append({"a step", 1, storedState(study, state)});
+          ++written;
+        },
+        [&](bool) { EXPECT_EQ(readStepLog(file).steps.size(), written); });
+  }
+  EXPECT_GT(failures, 50);
 }
 
 TEST(Memory, ThatRunsOutInOpeningAStudyLeavesItClosedAndWhole) {
