@@ -61,8 +61,12 @@ StudyHistory::StudyHistory(HostStudyService& study, HostObjectManager& objects, 
 void StudyHistory::begin() {
   end();
   if (!study_.isOpen()) return;
-  steps_.push_back({"", std::time(nullptr), capture(nullptr)});
-  clean_ = stored_ = present();
+  try {
+    steps_.push_back({"", std::time(nullptr), capture(nullptr)});
+    clean_ = stored_ = present();
+  } catch (const std::exception&) {
+    steps_.clear();  // there is no undo, but a study
+  }
   Changed.raise();
 }
 
@@ -74,7 +78,7 @@ void StudyHistory::end() {
   logTrouble_.clear();
   steps_.clear();
   clean_ = stored_ = {};
-  at_ = 0;
+  at_ = cleanAt_ = 0;
   Changed.raise();
 }
 
@@ -190,18 +194,18 @@ void StudyHistory::changed(const std::string& label) {
 
 // A failure is no reason to stop the user's work.
 void StudyHistory::logPresent(const std::string& label) {
+  cleanAt_ = hasUnsaved() ? std::min(cleanAt_, at_) : at_;
   if (logFile_.empty()) return;
   try {
     if (!hasUnsaved()) {
       log_.reset();
       std::remove(logFile_.c_str());
     } else {
-      const Step now{label, std::time(nullptr), present()};
-      const StudyState base{present().record, stored_.analyses};
+      Step now{label, std::time(nullptr), present()};
       if (log_) {
         log_->append(now);
       } else {
-        log_ = std::make_unique<StepLog>(logFile_, std::vector<Step>{{"", now.time, base}, now});
+        startLog(std::move(now));
       }
     }
     logTrouble_.clear();
@@ -209,6 +213,14 @@ void StudyHistory::logPresent(const std::string& label) {
     log_.reset();  // made anew at the next step
     logTrouble_ = currentError().description();
   }
+}
+
+// With all steps since nothing was unsaved, where they lead to the present.
+void StudyHistory::startLog(Step now) {
+  std::vector<Step> steps{{"", now.time, {present().record, stored_.analyses}}};
+  for (std::size_t step = cleanAt_ + 1; step <= at_; ++step) steps.push_back(steps_[step]);
+  if (steps.size() == 1) steps.push_back(std::move(now));
+  log_ = std::make_unique<StepLog>(logFile_, steps);
 }
 
 void StudyHistory::announce() {
@@ -281,14 +293,19 @@ void StudyHistory::beforeSave() {
 }
 
 // A part of the analyses may have been saved, or none.
-void StudyHistory::afterSave() {
+void StudyHistory::afterSave() noexcept {
   note(false);
   if (steps_.empty()) return;
-  cleanWhatIsSaved();
-  keepKnown(stored_,
-            [&](const AFLP& analysis) { return packed(snapshotOf(analysis), stored_.find(analysis.ID())); });
-  log_.reset();  // the next one begins with what is saved now
-  changed(steps_[at_].label);
+  try {
+    cleanWhatIsSaved();
+    keepKnown(stored_, [&](const AFLP& analysis) {
+      return packed(snapshotOf(analysis), stored_.find(analysis.ID()));
+    });
+    log_.reset();  // the next one begins with what is saved now
+    changed(steps_[at_].label);
+  } catch (...) {
+    othersChanged_ = true;
+  }
 }
 
 void StudyHistory::requireRest() const {

@@ -44,7 +44,7 @@ class StudyHistory final {
   void begin();
   void end();
   void beforeSave();
-  void afterSave();
+  void afterSave() noexcept;
 
   // ---- the row of states; the first one is that of the opening, and position() tells the present one
   const std::vector<Step>& steps() const { return steps_; }
@@ -106,6 +106,7 @@ class StudyHistory final {
   void become(const StudyState& target);
   void changed(const std::string& label);
   void logPresent(const std::string& label);
+  void startLog(Step now);
   void announce();
 
   HostStudyService& study_;
@@ -120,6 +121,7 @@ class StudyHistory final {
   StudyState stored_;  // the analyses as they lie in the study's file
   std::string logFile_, logTrouble_;
   std::unique_ptr<StepLog> log_;
+  std::size_t cleanAt_ = 0;  // the last position at which nothing was unsaved
   bool isApplying_ = false;
   bool othersChanged_ = false;                 // within the act that is under way
   mutable bool isHeldBack_ = false;            // the user typed what a page has not taken into its table yet

@@ -62,7 +62,10 @@ class Recovery : public testing::Test {
  protected:
   Recovery() {
     SqliteStore::create(study, "Plants");
-    SqliteStore(study).addResults(SqliteStore(study).readStudy(), test::smallPopulation(), std::nullopt);
+    {
+      SqliteStore store(study);
+      store.addResults(store.readStudy(), test::smallPopulation(), std::nullopt);
+    }
     std::filesystem::copy_file(study, fresh);
   }
   void startAnew() {
