@@ -5,8 +5,15 @@
 //   Upgma                  200 ms    Pcoa                    5 s
 //   BootstrapUpgma           5 s     BootstrapJoining        5 s (1,000 of 200 samples)
 //   Joining, Amova          without a limit; 999 permutations
+//   PcoaLongestStep         the longest that principal coordinates take to hear of a cancel
+//   HeatMap, Gel            the drawings of the whole table; the gel has 100 fragments a sample
+#include <algorithm>
 #include <benchmark/benchmark.h>
+#include <chrono>
+#include <utility>
 
+#include "host/pictures/gel.h"
+#include "host/pictures/heat_map.h"
 #include "host/simulation/random.h"
 #include "host/statistics/amova.h"
 #include "host/statistics/bit_counts.h"
@@ -86,6 +93,42 @@ void Pcoa(benchmark::State& state) {
   limit(state, 5000);
 }
 
+void PcoaLongestStep(benchmark::State& state) {
+  largeDistances();
+  for (auto _ : state) {
+    using Clock = std::chrono::steady_clock;
+    auto last = Clock::now();
+    std::chrono::duration<double> longest{0};
+    const auto step = [&](double) {
+      const auto now = Clock::now();
+      longest = std::max<std::chrono::duration<double>>(longest, now - std::exchange(last, now));
+      return true;
+    };
+    principalCoordinates(largeDistances(), Scale::AsIs, 3, step);
+    step(1);
+    state.SetIterationTime(longest.count());
+  }
+}
+
+void HeatMap(benchmark::State& state) {
+  const Tree tree = upgma(largeDistances());
+  for (auto _ : state) benchmark::DoNotOptimize(pictures::heatMapOf(tree, large()));
+}
+
+void Gel(benchmark::State& state) {
+  simulation::Random random(2);
+  pictures::Gel gel;
+  pictures::GelLook look;
+  for (std::size_t i = 0; i < kLoci; ++i)
+    gel.bins.push_back({50 + 0.3 * static_cast<double>(i), 50.2 + 0.3 * static_cast<double>(i), 0});
+  for (std::size_t i = 0; i < kSamples; ++i) {
+    look.order.push_back(i);
+    auto& lane = gel.lanes.emplace_back();
+    for (int k = 0; k < 100; ++k) lane.push_back({random.uniform(50, 500), random.uniform(50, 5000), 0});
+  }
+  for (auto _ : state) benchmark::DoNotOptimize(pictures::gelOf(gel, large(), look));
+}
+
 void bootstrap(benchmark::State& state, TreeMethod method) {
   const BandMatrix matrix = randomMatrix(kFewSamples, 0);
   for (auto _ : state) benchmark::DoNotOptimize(treeOf(matrix, {Measure::Jaccard, method, 1000, 1}));
@@ -107,6 +150,9 @@ BENCHMARK(DistancesPlainly)->Unit(benchmark::kMillisecond);
 BENCHMARK(Upgma)->Unit(benchmark::kMillisecond);
 BENCHMARK(Joining)->Unit(benchmark::kMillisecond);
 BENCHMARK(Pcoa)->Unit(benchmark::kMillisecond);
+BENCHMARK(PcoaLongestStep)->Unit(benchmark::kMillisecond)->UseManualTime();
+BENCHMARK(HeatMap)->Unit(benchmark::kMillisecond);
+BENCHMARK(Gel)->Unit(benchmark::kMillisecond);
 BENCHMARK(BootstrapUpgma)->Unit(benchmark::kMillisecond);
 BENCHMARK(BootstrapJoining)->Unit(benchmark::kMillisecond);
 BENCHMARK(Amova)->Unit(benchmark::kMillisecond);

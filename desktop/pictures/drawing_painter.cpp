@@ -79,6 +79,7 @@ class DrawingPainter {
     // Cells smaller than a pixel would else show or not by chance.
     const double pixels = painter_.combinedTransform().m11() * raster.width / columns;
     painter_.setRenderHint(QPainter::SmoothPixmapTransform, pixels < 1);
+    painter_.setRenderHint(QPainter::LosslessImageRendering);
     painter_.drawImage(place, image.convertToFormat(QImage::Format_RGB32));
     const double line = raster.height / lines;
     for (int at = 0; at < lines; ++at) {
@@ -101,7 +102,7 @@ class DrawingPainter {
                     : line.kind == LineKind::Branch ? look_.text
                                                     : look_.frame;
     if (line.group) colour = groupColour(*line.group);
-    painter_.setPen(QPen(colour, 1, Qt::SolidLine, Qt::SquareCap));
+    painter_.setPen(QPen(colour, lineWidth_, Qt::SolidLine, Qt::SquareCap));
     // A line along an axis would lie half on two pixels.
     painter_.setRenderHint(QPainter::Antialiasing, line.from.x != line.to.x && line.from.y != line.to.y);
     painter_.drawLine(QPointF(line.from.x, line.from.y), QPointF(line.to.x, line.to.y));
@@ -159,6 +160,8 @@ class DrawingPainter {
   const PlotLook& look_;
   const QRectF clip_;
   const Emphasis& emphasis_;
+  // Never thinner than a pixel of the device, in which it would fade.
+  const double lineWidth_ = std::max(1.0, 1 / std::max(painter_.combinedTransform().m11(), 1e-6));
   QColor tint_;
   QFont font_;
 };

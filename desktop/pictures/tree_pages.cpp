@@ -34,6 +34,7 @@ ScatterPage::ScatterPage(const PictureSubject& subject, QWidget* parent)
       across_(addChoice(QStringLiteral("&Axes:"), {}, &ScatterPage::redraw)),
       up_(addChoice({}, {}, &ScatterPage::redraw)) {
   up_->setAccessibleName(QStringLiteral("Axis upwards"));
+  for (QComboBox* box : {across_, up_}) box->setMinimumContentsLength(9);
 }
 
 BackgroundWork::Work ScatterPage::calculation(std::shared_ptr<const Table> table) {

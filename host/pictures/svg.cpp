@@ -114,15 +114,15 @@ std::string svgOf(const Label& label) {
 }  // namespace
 
 std::string svgOf(const Drawing& drawing, double millimetres) {
-  const double scale = millimetres > 0 ? millimetres / drawing.width : 1;
-  const char* const unit = millimetres > 0 ? "mm" : "";
+  const bool isSized = millimetres > 0;
+  const double width = isSized ? millimetres : std::round(drawing.width);
+  const double height = isSized ? millimetres * drawing.height / drawing.width : std::round(drawing.height);
   std::string text = fmt::format(
       "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"{0:.6g}{2}\" height=\"{1:.6g}{2}\" "
       "viewBox=\"0 0 {3:.0f} {4:.0f}\" font-family=\"sans-serif\" font-size=\"{5}\">\n"
       "<title>{6}</title>\n<rect width=\"100%\" height=\"100%\" fill=\"#ffffff\"/>\n"
       "<text x=\"20\" y=\"22\" font-size=\"14\" fill=\"#222222\">{6}</text>\n",
-      std::round(drawing.width) * scale, std::round(drawing.height) * scale, unit, drawing.width,
-      drawing.height, kFontSize, escaped(drawing.title));
+      width, height, isSized ? "mm" : "", drawing.width, drawing.height, kFontSize, escaped(drawing.title));
   const auto addBoxes = [&](bool isBehind) {
     for (const Box& box : drawing.boxes) {
       if ((box.kind == BoxKind::Bin) == isBehind) text += svgOf(box);

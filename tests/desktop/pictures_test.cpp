@@ -84,7 +84,7 @@ class Pictures : public testing::Test {
     QTest::mouseClick(picture.view().viewport(), Qt::LeftButton, keys, picture.view().shown(at).toPoint());
   }
   void toggleBin(std::int32_t row) {
-    desk.chooseAt(row, column(1), "mnuExcludeBin");
+    desk.chooseAt(row, 1, "mnuExcludeBin");
     desk.wait();
   }
 
@@ -206,7 +206,7 @@ TEST_F(Pictures, AreWrittenAsWideAsWanted) {
   EXPECT_EQ(contentOf(folder + QStringLiteral("a.svg")).toStdString(), svgOf(drawing, 127));
   EXPECT_TRUE(contentOf(folder + QStringLiteral("a.svg")).contains("width=\"127mm\""));
   writePicture(drawing, {}, folder + QStringLiteral("a.pdf"), {{}, 127, 200});
-  EXPECT_THAT(contentOf(folder + QStringLiteral("a.pdf")).toStdString(), HasSubstr("/MediaBox [0 0 360 "));
+  EXPECT_THAT(contentOf(folder + QStringLiteral("a.pdf")).toStdString(), HasSubstr("/MediaBox [0 0 360.0"));
   EXPECT_THROW(writePicture(drawing, {}, folder + QStringLiteral("none/a.svg"), {}), Error);
 }
 
