@@ -8,6 +8,7 @@
 #include "host/framework/shown_bands.h"
 #include "host/import/pair_file.h"
 #include "host/statistics/groups.h"
+#include "plugin/page_names.h"
 
 namespace banddesk::cli {
 
@@ -15,7 +16,7 @@ using host::statistics::BandMatrix;
 
 BandMatrix readBands(Session& session, ExcludedBands excluded,
                      const std::optional<std::filesystem::path>& groups) {
-  const bool before = control<ui::CheckBox>(session.page().Controls(), "chkShowExcluded").Value != 0;
+  const bool before = control<ui::CheckBox>(session.page().Controls(), names::kShowExcluded).Value != 0;
   session.showExcluded(excluded == ExcludedBands::TakenIn);
   BandMatrix bands = host::shownBands(session.analysis(), session.page());
   session.showExcluded(before);

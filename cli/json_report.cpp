@@ -2,6 +2,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include "plugin/page_names.h"
+
 namespace banddesk::cli {
 namespace {
 
@@ -12,8 +14,8 @@ ordered_json parameters(const Session& session, const std::string& studyName) {
   const host::FinishedTable table(analysis, session.page());
   const ui::ControlSet& controls = session.page().Controls();
   ordered_json dyes = ordered_json::array();
-  for (int dye = 0; dye < 4; ++dye) {
-    if (control<ui::CheckBox>(controls, "chkDye(" + std::to_string(dye) + ")").Value == ui::kChecked) {
+  for (int dye = 0; dye < kDyeCount; ++dye) {
+    if (control<ui::CheckBox>(controls, names::element(names::kDye, dye)).Value == ui::kChecked) {
       dyes.push_back("D" + std::to_string(dye + 1));
     }
   }
@@ -27,9 +29,9 @@ ordered_json parameters(const Session& session, const std::string& studyName) {
           {"yThresholdRfu", table.yThreshold()},
           {"dyes", dyes},
           {"cells", kCells[analysis.SampleBinOption.get()]},
-          {"excludeFullBins", isChecked("chkExcludeFullBins")},
-          {"excludeEmptySamples", isChecked("chkExcludeEmptySamples")},
-          {"showExcluded", isChecked("chkShowExcluded")}};
+          {"excludeFullBins", isChecked(names::kExcludeFullBins)},
+          {"excludeEmptySamples", isChecked(names::kExcludeEmptySamples)},
+          {"showExcluded", isChecked(names::kShowExcluded)}};
 }
 
 ordered_json binJson(const BinReading& bin, const host::FinishedTable::ResultCells& cells,

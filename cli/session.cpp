@@ -9,6 +9,7 @@
 #include "host/store/memory_store.h"
 #include "plugin/base/numbers.h"
 #include "plugin/base/text.h"
+#include "plugin/page_names.h"
 
 namespace banddesk::cli {
 namespace {
@@ -59,12 +60,13 @@ void Session::openStudy(const std::string& name, std::vector<host::NewResult> re
 // Names the value that the pages refused.
 void Session::raiseRefused(const AnalysisRequest& request) {
   const double width = leadingNumber(request.maxBinWidth);
-  const bool widthIsGood = isNumeric(request.maxBinWidth) && width >= 0.05 && width <= 10;
+  const bool widthIsGood =
+      isNumeric(request.maxBinWidth) && width >= kSmallestBinWidth && width <= kLargestBinWidth;
   const std::string message =
-      widthIsGood
-          ? fmt::format("--y-threshold: \"{}\" is not a number from 0 to 2147483647 (RFU)",
-                        request.yThreshold)
-          : fmt::format("--max-bin-width: \"{}\" is not a number from 0.05 to 10 (nt)", request.maxBinWidth);
+      widthIsGood ? fmt::format("--y-threshold: \"{}\" is not a number from 0 to 2147483647 (RFU)",
+                                request.yThreshold)
+                  : fmt::format("--max-bin-width: \"{}\" is not a number from {} to {} (nt)",
+                                request.maxBinWidth, kSmallestBinWidth, kLargestBinWidth);
   raise(ErrorNumber::InvalidArgument, "Session", message);
 }
 
@@ -77,7 +79,7 @@ std::shared_ptr<host::HostPage> Session::openPage(const char* definition) {
 
 void Session::analyze(const AnalysisRequest& request) {
   host_.runNewAnalysis();
-  const auto parameters = openPage("AFLPParams");
+  const auto parameters = openPage(names::kParametersPage);
   analysis_ = cast<AFLP>(parameters->bound(), "AFLP");
   host_.pages().userEvent(*parameters, [&] { fillParameters(parameters->control()->Controls(), request); });
   bool accepted = false;
@@ -93,17 +95,17 @@ void Session::analyze(const AnalysisRequest& request) {
 }
 
 void Session::takePage() {
-  hostPage_ = openPage("AFLP");
+  hostPage_ = openPage(names::kResultsPage);
   page_ = cast<IAFLPResultsPage>(hostPage_->control(), "AFLPResultsPage");
 }
 
 void Session::fillParameters(const ui::ControlSet& controls, const AnalysisRequest& request) const {
-  control<ui::TextBox>(controls, "txtMaxBinWidth").Text = request.maxBinWidth;
-  control<ui::TextBox>(controls, "txtYThreshold").Text = request.yThreshold;
-  control<ui::CheckBox>(controls, "chkExcludeFullBins").Value = request.keepFullBins ? 0 : 1;
-  control<ui::CheckBox>(controls, "chkExcludeEmptySamples").Value = request.keepEmptySamples ? 0 : 1;
+  control<ui::TextBox>(controls, names::kMaxBinWidth).Text = request.maxBinWidth;
+  control<ui::TextBox>(controls, names::kYThreshold).Text = request.yThreshold;
+  control<ui::CheckBox>(controls, names::kExcludeFullBins).Value = request.keepFullBins ? 0 : 1;
+  control<ui::CheckBox>(controls, names::kExcludeEmptySamples).Value = request.keepEmptySamples ? 0 : 1;
   for (std::size_t dye = 0; request.dyes && dye < request.dyes->size(); ++dye) {
-    control<ui::CheckBox>(controls, fmt::format("chkDye({})", dye)).Value = (*request.dyes)[dye] ? 1 : 0;
+    control<ui::CheckBox>(controls, names::element(names::kDye, dye)).Value = (*request.dyes)[dye] ? 1 : 0;
   }
 }
 
@@ -111,8 +113,8 @@ void Session::chooseView(const AnalysisRequest& request) {
   const ui::ControlSet& controls = page_->Controls();
   act([&] {
     const auto cells = static_cast<int>(request.cells);
-    control<ui::OptionButton>(controls, fmt::format("optSampleBin({})", cells)).Value = true;
-    control<ui::CheckBox>(controls, "chkShowExcluded").Value = request.showExcluded ? 1 : 0;
+    control<ui::OptionButton>(controls, names::element(names::kSampleBin, cells)).Value = true;
+    control<ui::CheckBox>(controls, names::kShowExcluded).Value = request.showExcluded ? 1 : 0;
   });
   decide(request);
 }
@@ -122,7 +124,7 @@ void Session::decide(const AnalysisRequest& request) {
   for (const std::string& key : request.excludedBins) excludeBin(key);
   if (request.sortBy) sortBy(*request.sortBy);
   if (request.transposed) {
-    act([&] { control<ui::ComboBox>(page_->Controls(), "cbxSampleAxis").ListIndex = 1; });
+    act([&] { control<ui::ComboBox>(page_->Controls(), names::kSampleAxis).ListIndex = 1; });
   }
 }
 
@@ -138,7 +140,7 @@ void Session::chooseFromMenu(std::int32_t row, std::int32_t col, const char* ite
 void Session::excludeSample(const std::string& name) {
   for (const SampleReading& sample : readSamples(*this)) {
     if (sample.name != name) continue;
-    if (!sample.excluded) chooseFromMenu(0, sample.column, "mnuExcludeColumn");
+    if (!sample.excluded) chooseFromMenu(0, sample.column, names::kExcludeColumn);
     return;
   }
   raise(ErrorNumber::InvalidArgument, "Session",
@@ -160,7 +162,7 @@ void Session::excludeBin(const std::string& key) {
               found.empty() ? "there is no" : "there is more than one", key));
   }
   // An excluded bin stays so: the menu item would bring it back.
-  if (!isExcluded(found.front().mark)) chooseFromMenu(found.front().row, 1, "mnuExcludeBin");
+  if (!isExcluded(found.front().mark)) chooseFromMenu(found.front().row, 1, names::kExcludeBin);
 }
 
 namespace {
@@ -239,7 +241,9 @@ void Session::tellReopened() {
   if (!reopened_.empty()) warn(std::exchange(reopened_, {}));
 }
 
-host::GridControl& Session::grid() const { return control<host::GridControl>(page_->Controls(), "grdAFLP"); }
+host::GridControl& Session::grid() const {
+  return control<host::GridControl>(page_->Controls(), names::kGrid);
+}
 
 void Session::exportCsv(const std::filesystem::path& path) { exportBy(path, kCsvType); }
 

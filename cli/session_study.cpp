@@ -3,14 +3,9 @@
 #include <utility>
 
 #include "cli/session.h"
+#include "plugin/page_names.h"
 
 namespace banddesk::cli {
-namespace {
-
-constexpr std::int32_t kReportContext = 1013;
-
-}  // namespace
-
 void Session::openStudy(std::shared_ptr<host::Store> store) {
   host_.openStudy(std::move(store));
   study_ = host_.study().Study();
@@ -31,15 +26,15 @@ void Session::change(const AnalysisRequest& request, const std::set<std::string>
     control<ui::CheckBox>(controls, box).Value = on ? 1 : 0;
   };
   act([&] {
-    if (has("--max-bin-width")) fillBox("txtMaxBinWidth", request.maxBinWidth, request);
-    if (has("--y-threshold")) fillBox("txtYThreshold", request.yThreshold, request);
+    if (has("--max-bin-width")) fillBox(names::kMaxBinWidth, request.maxBinWidth, request);
+    if (has("--y-threshold")) fillBox(names::kYThreshold, request.yThreshold, request);
     for (std::size_t dye = 0; request.dyes && dye < request.dyes->size(); ++dye)
-      check(fmt::format("chkDye({})", dye).c_str(), (*request.dyes)[dye]);
-    if (has("--keep-full-bins")) check("chkExcludeFullBins", !request.keepFullBins);
-    if (has("--keep-empty-samples")) check("chkExcludeEmptySamples", !request.keepEmptySamples);
-    if (has("--show-excluded")) check("chkShowExcluded", request.showExcluded);
+      check(names::element(names::kDye, dye).c_str(), (*request.dyes)[dye]);
+    if (has("--keep-full-bins")) check(names::kExcludeFullBins, !request.keepFullBins);
+    if (has("--keep-empty-samples")) check(names::kExcludeEmptySamples, !request.keepEmptySamples);
+    if (has("--show-excluded")) check(names::kShowExcluded, request.showExcluded);
     if (has("--cells"))
-      control<ui::OptionButton>(controls, fmt::format("optSampleBin({})", static_cast<int>(request.cells)))
+      control<ui::OptionButton>(controls, names::element(names::kSampleBin, static_cast<int>(request.cells)))
           .Value = true;
   });
   decide(request);
@@ -60,11 +55,11 @@ void Session::fillBox(const char* box, const std::string& text, const AnalysisRe
 }
 
 void Session::showExcluded(bool show) {
-  act([&] { control<ui::CheckBox>(page_->Controls(), "chkShowExcluded").Value = show ? 1 : 0; });
+  act([&] { control<ui::CheckBox>(page_->Controls(), names::kShowExcluded).Value = show ? 1 : 0; });
 }
 
 std::string Session::report() {
-  host_.reports().NewReport(analysis_->Name, analysis_, kReportContext);
+  host_.reports().NewReport(analysis_->Name, analysis_, kReportContextType);
   return std::exchange(front_.report, {});
 }
 

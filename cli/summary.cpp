@@ -7,6 +7,7 @@
 
 #include "cli/table_reading.h"
 #include "plugin/base/text.h"
+#include "plugin/page_names.h"
 
 namespace banddesk::cli {
 namespace {
@@ -51,7 +52,7 @@ std::string counted(std::size_t count, const char* what) {
 }
 
 bool isLookedAt(const Session& session, int dye) {
-  return control<ui::CheckBox>(session.page().Controls(), fmt::format("chkDye({})", dye)).Value ==
+  return control<ui::CheckBox>(session.page().Controls(), names::element(names::kDye, dye)).Value ==
          ui::kChecked;
 }
 

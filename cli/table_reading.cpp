@@ -1,6 +1,7 @@
 #include "cli/table_reading.h"
 
 #include "plugin/base/numbers.h"
+#include "plugin/page_names.h"
 
 namespace banddesk::cli {
 
@@ -16,16 +17,16 @@ std::vector<BinReading> readBins(const Session& session) {
     reading.bin = page.Bin(row);
     reading.row = row;
     reading.dye = table.dyeOf(reading.bin);
-    reading.number = roundToLong(number("6", row));
-    reading.meanText = page.CellText("83", row);
-    reading.key = page.CellText("7", row) + "-" + reading.meanText;
-    reading.samples = roundToLong(number("8", row));
-    reading.fragments = roundToLong(number("119", row));
-    reading.minSize = number("9", row);
-    reading.maxSize = number("10", row);
-    reading.meanSize = number("83", row);
-    reading.meanHeight = number("84", row);
-    reading.sizeVariance = number("85", row);
+    reading.number = roundToLong(number(kBinNumberKey, row));
+    reading.meanText = page.CellText(kXMeanKey, row);
+    reading.key = page.CellText(kDyeKey, row) + "-" + reading.meanText;
+    reading.samples = roundToLong(number(kSampleCountKey, row));
+    reading.fragments = roundToLong(number(kFragmentCountKey, row));
+    reading.minSize = number(kXMinKey, row);
+    reading.maxSize = number(kXMaxKey, row);
+    reading.meanSize = number(kXMeanKey, row);
+    reading.meanHeight = number(kYMeanKey, row);
+    reading.sizeVariance = number(kXVarianceKey, row);
     reading.mark = table.markOf(row, reading.bin);
     reading.hidden = page.IsRowHidden(row);
     bins.push_back(reading);

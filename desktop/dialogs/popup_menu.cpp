@@ -5,11 +5,13 @@
 #include <string_view>
 
 #include "desktop/base/qt_text.h"
+#include "plugin/page_names.h"
 
 namespace banddesk::desktop {
 
 bool onlyLooks(const ui::MenuItem& item) {
-  constexpr std::array<std::string_view, 4> kLooking = {"mnuSingle", "mnuEgram", "mnuOverlay", "mnuExport"};
+  constexpr std::array<std::string_view, 4> kLooking = {names::kSingleItems, names::kStackedItems,
+                                                        names::kOverlayItems, names::kExportItems};
   return std::ranges::any_of(kLooking,
                              [&](std::string_view start) { return item.Name().starts_with(start); });
 }

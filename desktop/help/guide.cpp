@@ -7,6 +7,7 @@
 #include <array>
 
 #include "desktop/base/qt_text.h"
+#include "plugin/page_names.h"
 
 namespace banddesk::desktop {
 namespace {
@@ -20,8 +21,8 @@ struct Topic {
 };
 
 constexpr std::array<Topic, 8> kTopics = {{
-    {"AFLPParams", "new-analysis.md", ""},
-    {"AFLP", "results.md", ""},
+    {names::kParametersPage, "new-analysis.md", ""},
+    {names::kResultsPage, "results.md", ""},
     {"AFLPWarning", "results.md", "Decisions by hand"},
     {"ColumnSelector", "columns.md", ""},
     {"ColumnSort", "columns.md", "Sorting by columns"},

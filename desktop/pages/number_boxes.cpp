@@ -4,6 +4,7 @@
 
 #include "desktop/base/qt_text.h"
 #include "desktop/controls/captions.h"
+#include "plugin/page_names.h"
 
 namespace banddesk::desktop {
 namespace {
@@ -15,8 +16,8 @@ struct NumberBox {
 };
 
 constexpr std::array<NumberBox, 2> kBoxes = {{
-    {"txtMaxBinWidth", "lblMaxBinWidth", "from 0.05 to 10"},
-    {"txtYThreshold", "lblYThreshold", "from 0 up"},
+    {names::kMaxBinWidth, names::kMaxBinWidthLabel, "from 0.05 to 10"},
+    {names::kYThreshold, names::kYThresholdLabel, "from 0 up"},
 }};
 
 }  // namespace

@@ -2,16 +2,17 @@
 
 #include "desktop/pages/params_page_widget.h"
 #include "desktop/pages/results_page_widget.h"
+#include "plugin/page_names.h"
 
 namespace banddesk::desktop {
 
 QWidget* makePageWidget(host::Host& host, host::HostPage& page, WidgetRegistry& registry, PageActions actions,
                         QWidget* parent) {
   required(page.control(), "PageControl");
-  if (page.DefinitionName() == "AFLPParams") {
+  if (page.DefinitionName() == names::kParametersPage) {
     return std::make_unique<ParamsPageWidget>(host, page, registry, std::move(actions), parent).release();
   }
-  if (page.DefinitionName() == "AFLP") {
+  if (page.DefinitionName() == names::kResultsPage) {
     return std::make_unique<ResultsPageWidget>(host, page, registry, std::move(actions), parent).release();
   }
   raise(ErrorNumber::NotFoundInRegistry, "Desktop",

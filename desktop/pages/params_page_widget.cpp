@@ -5,13 +5,9 @@
 #include <QScrollArea>
 #include <fmt/format.h>
 
+#include "plugin/page_names.h"
+
 namespace banddesk::desktop {
-namespace {
-
-constexpr int kDyes = 4;
-
-}  // namespace
-
 ParamsPageWidget::ParamsPageWidget(host::Host& host, host::HostPage& page, WidgetRegistry& registry,
                                    PageActions actions, QWidget* parent)
     : BoundPage(host, page, registry, std::move(actions), parent) {
@@ -29,7 +25,7 @@ ParamsPageWidget::ParamsPageWidget(host::Host& host, host::HostPage& page, Widge
   auto* lines = new QVBoxLayout;
   lines->addWidget(makeParameters(content));
   lines->addWidget(makeDyes(content));
-  lines->addWidget(binder().make(control<ui::Image>("imgAFLP"), content), 0, Qt::AlignHCenter);
+  lines->addWidget(binder().make(control<ui::Image>(names::kParametersImage), content), 0, Qt::AlignHCenter);
   lines->addSpacing(fontMetrics().height() / 2);
   lines->addLayout(makeButtons(content));
   centred->addStretch();
@@ -39,10 +35,11 @@ ParamsPageWidget::ParamsPageWidget(host::Host& host, host::HostPage& page, Widge
   column->addStretch();
   scroll->setWidget(content);
 
-  finish({shown("txtMaxBinWidth"), shown("txtYThreshold"), shown("chkExcludeFullBins"),
-          shown("chkExcludeEmptySamples"), shown("chkDye(0)"), shown("chkDye(1)"), shown("chkDye(2)"),
-          shown("chkDye(3)"), ok_, cancel_, help_});
-  setFocusProxy(shown("txtMaxBinWidth"));
+  finish({shown(names::kMaxBinWidth), shown(names::kYThreshold), shown(names::kExcludeFullBins),
+          shown(names::kExcludeEmptySamples), shown(names::element(names::kDye, 0)),
+          shown(names::element(names::kDye, 1)), shown(names::element(names::kDye, 2)),
+          shown(names::element(names::kDye, 3)), ok_, cancel_, help_});
+  setFocusProxy(shown(names::kMaxBinWidth));
 }
 
 QWidget* ParamsPageWidget::shown(const std::string& name) const {
@@ -50,30 +47,30 @@ QWidget* ParamsPageWidget::shown(const std::string& name) const {
 }
 
 QWidget* ParamsPageWidget::makeParameters(QWidget* parent) {
-  auto* frame = binder().make(control<ui::Frame>("frmAnalysisParams"), parent);
+  auto* frame = binder().make(control<ui::Frame>(names::kParametersFrame), parent);
   auto* grid = new QGridLayout(frame);
-  grid->addWidget(binder().make(control<ui::Label>("lblMaxBinWidth"), frame), 0, 0);
-  grid->addLayout(numberField("txtMaxBinWidth", "udMaxBinWidth", frame), 0, 1);
-  grid->addWidget(binder().make(control<ui::Label>("lblNT"), frame), 0, 2);
-  grid->addWidget(binder().make(control<ui::Label>("lblYThreshold"), frame), 1, 0);
-  grid->addLayout(numberField("txtYThreshold", "udYThreshold", frame), 1, 1);
-  grid->addWidget(binder().make(control<ui::Label>("lblRFU"), frame), 1, 2);
-  grid->addWidget(binder().make(control<ui::CheckBox>("chkExcludeFullBins"), frame), 2, 0, 1, 4);
-  grid->addWidget(binder().make(control<ui::CheckBox>("chkExcludeEmptySamples"), frame), 3, 0, 1, 4);
+  grid->addWidget(binder().make(control<ui::Label>(names::kMaxBinWidthLabel), frame), 0, 0);
+  grid->addLayout(numberField(names::kMaxBinWidth, names::kMaxBinWidthSpin, frame), 0, 1);
+  grid->addWidget(binder().make(control<ui::Label>(names::kMaxBinWidthUnit), frame), 0, 2);
+  grid->addWidget(binder().make(control<ui::Label>(names::kYThresholdLabel), frame), 1, 0);
+  grid->addLayout(numberField(names::kYThreshold, names::kYThresholdSpin, frame), 1, 1);
+  grid->addWidget(binder().make(control<ui::Label>(names::kYThresholdUnit), frame), 1, 2);
+  grid->addWidget(binder().make(control<ui::CheckBox>(names::kExcludeFullBins), frame), 2, 0, 1, 4);
+  grid->addWidget(binder().make(control<ui::CheckBox>(names::kExcludeEmptySamples), frame), 3, 0, 1, 4);
   grid->setColumnStretch(3, 1);
   return frame;
 }
 
 QWidget* ParamsPageWidget::makeDyes(QWidget* parent) {
-  auto* frame = binder().make(control<ui::Frame>("frmDyes"), parent);
+  auto* frame = binder().make(control<ui::Frame>(names::kDyesFrame), parent);
   auto* line = new QHBoxLayout(frame);
-  for (int dye = 0; dye < kDyes; ++dye) {
-    auto* box = binder().make(control<ui::CheckBox>(fmt::format("chkDye({})", dye)), frame);
-    auto* swatch = binder().make(control<ui::PictureBox>(fmt::format("picDye({})", dye)), frame);
+  for (int dye = 0; dye < kDyeCount; ++dye) {
+    auto* box = binder().make(control<ui::CheckBox>(names::element(names::kDye, dye)), frame);
+    auto* swatch = binder().make(control<ui::PictureBox>(names::element(names::kDyeColour, dye)), frame);
     swatch->setAccessibleName(QStringLiteral("Colour of ") + box->accessibleName());
     line->addWidget(box);
     line->addWidget(swatch);
-    if (dye + 1 < kDyes) line->addSpacing(fontMetrics().height());
+    if (dye + 1 < kDyeCount) line->addSpacing(fontMetrics().height());
   }
   line->addStretch();
   return frame;

@@ -9,11 +9,11 @@
 #include <limits>
 
 #include "desktop/controls/flow_layout.h"
+#include "plugin/page_names.h"
 
 namespace banddesk::desktop {
 namespace {
 
-constexpr int kDyes = 4;
 constexpr int kLines = 3;
 
 // A block of the panel: three lines of the same height.
@@ -30,18 +30,20 @@ QGridLayout* makeBlock(QWidget* block) {
 ResultsPageWidget::ResultsPageWidget(host::Host& host, host::HostPage& page, WidgetRegistry& registry,
                                      PageActions actions, QWidget* parent)
     : BoundPage(host, page, registry, std::move(actions), parent),
-      grid_(&control<host::GridControl>("grdAFLP")),
+      grid_(&control<host::GridControl>(names::kGrid)),
       gridWidget_(this->actions().makeGrid(*grid_, this)) {
   gridWidget_->setAccessibleName(QStringLiteral("AFLP table"));
   registry.add(*grid_, gridWidget_);
   readDesign();
   makePanel();
-  binder().drive(control<ui::Timer>("ctlTimer"), [this](const auto& work) { runProcedure(work); });
-  finish({gridWidget_, shown("txtMaxBinWidth"), shown("txtYThreshold"), shown("chkDye(0)"),
-          shown("chkDye(1)"), shown("chkDye(2)"), shown("chkDye(3)"), shown("cbxSampleAxis"),
-          shown("optSampleBin(2)"), shown("optSampleBin(0)"), shown("optSampleBin(1)"),
-          shown("chkExcludeEmptySamples"), shown("chkExcludeFullBins"), shown("chkShowExcluded"),
-          shown("chkShowWellID"), shown("chkShowTimestamp"), shown("cmdHelp")});
+  binder().drive(control<ui::Timer>(names::kTimer), [this](const auto& work) { runProcedure(work); });
+  finish({gridWidget_, shown(names::kMaxBinWidth), shown(names::kYThreshold),
+          shown(names::element(names::kDye, 0)), shown(names::element(names::kDye, 1)),
+          shown(names::element(names::kDye, 2)), shown(names::element(names::kDye, 3)),
+          shown(names::kSampleAxis), shown(names::element(names::kSampleBin, 2)),
+          shown(names::element(names::kSampleBin, 0)), shown(names::element(names::kSampleBin, 1)),
+          shown(names::kExcludeEmptySamples), shown(names::kExcludeFullBins), shown(names::kShowExcluded),
+          shown(names::kShowWellID), shown(names::kShowTimestamp), shown(names::kHelp)});
   setFocusProxy(gridWidget_);
 }
 
@@ -99,14 +101,15 @@ void ResultsPageWidget::makePanel() {
 QWidget* ResultsPageWidget::makeNumbers(QWidget* parent) {
   auto* block = new QWidget(parent);
   auto* lines = makeBlock(block);
-  lines->addWidget(binder().make(control<ui::Label>("lblMaxBinWidth"), block), 0, 0);
-  lines->addLayout(numberField("txtMaxBinWidth", "udMaxBinWidth", block), 0, 1, Qt::AlignLeft);
-  lines->addWidget(binder().make(control<ui::Label>("lblYThreshold"), block), 1, 0);
-  lines->addLayout(numberField("txtYThreshold", "udYThreshold", block), 1, 1, Qt::AlignLeft);
-  lines->addWidget(binder().make(control<ui::Label>("lblDyes"), block), 2, 0);
+  lines->addWidget(binder().make(control<ui::Label>(names::kMaxBinWidthLabel), block), 0, 0);
+  lines->addLayout(numberField(names::kMaxBinWidth, names::kMaxBinWidthSpin, block), 0, 1, Qt::AlignLeft);
+  lines->addWidget(binder().make(control<ui::Label>(names::kYThresholdLabel), block), 1, 0);
+  lines->addLayout(numberField(names::kYThreshold, names::kYThresholdSpin, block), 1, 1, Qt::AlignLeft);
+  lines->addWidget(binder().make(control<ui::Label>(names::kDyesLabel), block), 2, 0);
   auto* dyes = new QHBoxLayout;
   dyes->setSpacing(fontMetrics().height() / 4);
-  for (int dye = 0; dye < kDyes; ++dye) dyes->addWidget(check(fmt::format("chkDye({})", dye).c_str(), block));
+  for (int dye = 0; dye < kDyeCount; ++dye)
+    dyes->addWidget(check(names::element(names::kDye, dye).c_str(), block));
   lines->addLayout(dyes, 2, 1, Qt::AlignLeft);
   return block;
 }
@@ -114,35 +117,38 @@ QWidget* ResultsPageWidget::makeNumbers(QWidget* parent) {
 QWidget* ResultsPageWidget::makeSampleAxis(QWidget* parent) {
   auto* block = new QWidget(parent);
   auto* lines = makeBlock(block);
-  lines->addWidget(binder().make(control<ui::Label>("lblSampleAxis"), block), 2, 0);
-  lines->addWidget(binder().make(control<ui::ComboBox>("cbxSampleAxis"), block), 2, 1);
+  lines->addWidget(binder().make(control<ui::Label>(names::kSampleAxisLabel), block), 2, 0);
+  lines->addWidget(binder().make(control<ui::ComboBox>(names::kSampleAxis), block), 2, 1);
   return block;
 }
 
 QWidget* ResultsPageWidget::makeOptions(QWidget* parent) {
   auto* block = new QWidget(parent);
   auto* lines = makeBlock(block);
-  lines->addWidget(binder().make(control<ui::OptionButton>("optSampleBin(2)"), block), 0, 0);
-  lines->addWidget(binder().make(control<ui::OptionButton>("optSampleBin(0)"), block), 1, 0);
-  lines->addWidget(binder().make(control<ui::OptionButton>("optSampleBin(1)"), block), 2, 0);
+  lines->addWidget(binder().make(control<ui::OptionButton>(names::element(names::kSampleBin, 2)), block), 0,
+                   0);
+  lines->addWidget(binder().make(control<ui::OptionButton>(names::element(names::kSampleBin, 0)), block), 1,
+                   0);
+  lines->addWidget(binder().make(control<ui::OptionButton>(names::element(names::kSampleBin, 1)), block), 2,
+                   0);
   return block;
 }
 
 QWidget* ResultsPageWidget::makeFilters(QWidget* parent) {
   auto* block = new QWidget(parent);
   auto* lines = makeBlock(block);
-  lines->addWidget(check("chkExcludeEmptySamples", block), 0, 0);
-  lines->addWidget(check("chkExcludeFullBins", block), 1, 0);
-  lines->addWidget(check("chkShowExcluded", block), 2, 0);
+  lines->addWidget(check(names::kExcludeEmptySamples, block), 0, 0);
+  lines->addWidget(check(names::kExcludeFullBins, block), 1, 0);
+  lines->addWidget(check(names::kShowExcluded, block), 2, 0);
   return block;
 }
 
 QWidget* ResultsPageWidget::makeLabels(QWidget* parent) {
   auto* block = new QWidget(parent);
   auto* lines = makeBlock(block);
-  lines->addWidget(check("chkShowWellID", block), 0, 0);
-  lines->addWidget(check("chkShowTimestamp", block), 1, 0);
-  lines->addWidget(quietBinder().make(control<ui::CommandButton>("cmdHelp"), block), 2, 0);
+  lines->addWidget(check(names::kShowWellID, block), 0, 0);
+  lines->addWidget(check(names::kShowTimestamp, block), 1, 0);
+  lines->addWidget(quietBinder().make(control<ui::CommandButton>(names::kHelp), block), 2, 0);
   return block;
 }
 

@@ -14,6 +14,7 @@
 #include "desktop/base/qt_text.h"
 #include "host/grid/grid_control.h"
 #include "host/quality/line_figures.h"
+#include "plugin/page_names.h"
 
 namespace banddesk::desktop {
 namespace {
@@ -111,14 +112,14 @@ QTreeWidget* QualityPanel::makeList(const QStringList& header, const QString& na
 }
 
 void QualityPanel::follow(const std::shared_ptr<host::HostPage>& page) {
-  const bool isTable = page && page->DefinitionName() == "AFLP" && page->control();
+  const bool isTable = page && page->DefinitionName() == names::kResultsPage && page->control();
   if (isTable && page_.lock() == page) return;
   page_.reset();
   repaints_ = {};
   isOutdated_ = true;
   if (isTable) {
     page_ = page;
-    if (auto* grid = page->control()->Controls().find<host::GridControl>("grdAFLP"))
+    if (auto* grid = page->control()->Controls().find<host::GridControl>(names::kGrid))
       repaints_ = grid->Repaint.connect([this] {
         isOutdated_ = true;
         if (isVisible()) changes_.start();

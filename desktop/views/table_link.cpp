@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "plugin/base/numbers.h"
+#include "plugin/page_names.h"
 
 namespace banddesk::desktop {
 
@@ -14,7 +15,7 @@ TableLink::TableLink(host::Host& host, std::vector<std::int32_t> resultIds, QObj
 }
 
 bool TableLink::holdsResults(const host::HostPage& page) const {
-  if (page.DefinitionName() != "AFLP" || !page.control()) return false;
+  if (page.DefinitionName() != names::kResultsPage || !page.control()) return false;
   const auto* analysis = dynamic_cast<const AFLP*>(page.bound().get());
   return analysis != nullptr && !resultIds_.empty() && std::ranges::all_of(resultIds_, [&](std::int32_t id) {
            return analysis->Results.holdsKey(integerText(id));
@@ -54,7 +55,7 @@ IAFLPResultsPage& TableLink::table() const {
 }
 
 host::GridControl& TableLink::grid() const {
-  return required(table().Controls().find<host::GridControl>("grdAFLP"), "Grid");
+  return required(table().Controls().find<host::GridControl>(names::kGrid), "Grid");
 }
 
 // A table repaints for every click in it; most of them change no bin.
@@ -122,7 +123,7 @@ void TableLink::chooseExclude(std::int32_t row) {
   const auto controls = page()->control();
   const bool hasMenu = host_.platform().withoutPopups(
       [&] { grid().rightClick(isTransposed ? 1 : row, isTransposed ? row : 1); });
-  if (hasMenu) required(controls->Controls().find<ui::MenuItem>("mnuExcludeBin"), "MenuItem").choose();
+  if (hasMenu) required(controls->Controls().find<ui::MenuItem>(names::kExcludeBin), "MenuItem").choose();
 }
 
 }  // namespace banddesk::desktop

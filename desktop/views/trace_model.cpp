@@ -8,6 +8,7 @@
 #include "plugin/base/error.h"
 #include "plugin/base/numbers.h"
 #include "plugin/base/text.h"
+#include "plugin/page_names.h"
 
 namespace banddesk::desktop {
 namespace {

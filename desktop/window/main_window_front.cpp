@@ -8,6 +8,7 @@
 #include "desktop/pages/form_dialog.h"
 #include "desktop/window/main_window.h"
 #include "desktop/window/report_window.h"
+#include "plugin/page_names.h"
 
 namespace banddesk::desktop {
 
@@ -82,7 +83,7 @@ void MainWindow::connectHost() {
 void MainWindow::noteFailure(const host::Report& report) {
   errors_->add(report);
   // Of what a page does, its keeper tells.
-  if (report.module == "AFLPResultsPage" && !workbench_.keeper().isAtWork())
+  if (report.module == names::kResultsModule && !workbench_.keeper().isAtWork())
     pages_->showFailure(toQString(report.error.description()));
 }
 

@@ -17,6 +17,7 @@
 #include "desktop/base/qt_text.h"
 #include "desktop/controls/text_box_widget.h"
 #include "desktop/window/main_window.h"
+#include "plugin/page_names.h"
 
 namespace banddesk::desktop {
 namespace {
@@ -226,10 +227,10 @@ void MainWindow::makeToolBar() {
     needTable_.push_back(action);
   };
   bar.addAction(review_);
-  add(QStringLiteral("Transpose"), QStyle::SP_BrowserReload, "mnuTransposeCell");
-  add(QStringLiteral("Copy"), QStyle::SP_FileDialogDetailedView, "mnuCopy1");
-  add(QStringLiteral("Export"), QStyle::SP_ArrowForward, "mnuExport1");
-  add(QStringLiteral("Print"), QStyle::SP_FileDialogContentsView, "mnuPrintColor1");
+  add(QStringLiteral("Transpose"), QStyle::SP_BrowserReload, names::kTransposeCell);
+  add(QStringLiteral("Copy"), QStyle::SP_FileDialogDetailedView, names::kCopy);
+  add(QStringLiteral("Export"), QStyle::SP_ArrowForward, names::kExport);
+  add(QStringLiteral("Print"), QStyle::SP_FileDialogContentsView, names::kPrintColor);
   viewMenu_->addAction(bar.toggleViewAction());
 }
 

@@ -6,6 +6,7 @@
 #include "desktop/views/result_view_page.h"
 #include "desktop/window/main_window.h"
 #include "desktop/window/review_start.h"
+#include "plugin/page_names.h"
 
 namespace banddesk::desktop {
 namespace {
@@ -19,7 +20,7 @@ IAFLPResultsPage& resultsOn(const host::HostPage& page) {
 }
 
 host::GridControl& gridOn(const host::HostPage& page) {
-  return required(page.control()->Controls().find<host::GridControl>("grdAFLP"), "Grid");
+  return required(page.control()->Controls().find<host::GridControl>(names::kGrid), "Grid");
 }
 
 // Those that a view opened now would show.
@@ -32,14 +33,14 @@ std::int32_t selectedSamples(const host::HostPage& page) {
 
 bool opensViews(const ui::MenuItem& item) {
   const auto starts = [&](const char* start) { return item.Name().starts_with(start); };
-  return starts("mnuSingle") || starts("mnuEgram") || starts("mnuOverlay");
+  return starts(names::kSingleItems) || starts(names::kStackedItems) || starts(names::kOverlayItems);
 }
 
 }  // namespace
 
 MainWindow::Page MainWindow::tableInFront() const {
   const Page page = pages_->currentPage();
-  return page && page->DefinitionName() == kResultsPage && page->control() ? page : nullptr;
+  return page && page->DefinitionName() == names::kResultsPage && page->control() ? page : nullptr;
 }
 
 // The commands of the table that need no place in it; those of a row or column are under the right click. A
@@ -51,7 +52,7 @@ void MainWindow::fillTable() {
   tableMenu_->addSeparator();
   const Page page = tableInFront();
   if (!page) return;
-  const auto* cell = page->control()->Controls().find<ui::MenuItem>("mnuCell");
+  const auto* cell = page->control()->Controls().find<ui::MenuItem>(names::kCellMenu);
   if (cell == nullptr) return;
   guard_.run([&] {
     const bool hasSamples = gridOn(*page).selection().GetCount() > 0 && selectedSamples(*page) > 0;
@@ -78,7 +79,7 @@ void MainWindow::takeItem(ui::MenuItem& item) {
 // Each selected sample gets a page of its own, be it the whole table's.
 bool MainWindow::mayChoose(const ui::MenuItem& item) {
   const Page page = tableInFront();
-  if (!page || !item.Name().starts_with("mnuSingle")) return true;
+  if (!page || !item.Name().starts_with(names::kSingleItems)) return true;
   std::int32_t count = 0;
   guard_.run([&] { count = selectedSamples(*page); });
   if (count <= kPagesUnasked) return true;

@@ -13,6 +13,7 @@
 #include <utility>
 
 #include "desktop/base/qt_text.h"
+#include "plugin/page_names.h"
 
 namespace banddesk::desktop {
 namespace {
@@ -280,7 +281,7 @@ void PageArea::makeBar(Tab& tab, const host::HostPage& page) {
 
 void PageArea::showFailure(const QString& what) {
   const auto page = currentPage();
-  if (!page || page->DefinitionName() != "AFLP") return;
+  if (!page || page->DefinitionName() != names::kResultsPage) return;
   showFailure(*page, QStringLiteral(
                          "Something on this page failed: %1 The table may be incomplete or locked until the "
                          "page is opened again.")

@@ -5,6 +5,7 @@
 
 #include "host/grid/grid_control.h"
 #include "plugin/base/numbers.h"
+#include "plugin/page_names.h"
 
 namespace banddesk::desktop {
 namespace {
@@ -60,7 +61,7 @@ std::set<std::int32_t> chosenResults(const host::GridControl& grid, IAFLPResults
 }  // namespace
 
 ReviewStart reviewStart(const AFLP& analysis, IAFLPResultsPage& table) {
-  const auto& grid = required(table.Controls().find<host::GridControl>("grdAFLP"), "Grid");
+  const auto& grid = required(table.Controls().find<host::GridControl>(names::kGrid), "Grid");
   ReviewStart start;
   start.results = std::make_shared<Collection<std::shared_ptr<Result>>>();
   if (table.NumRows() > 0) start.row = chosenRow(grid, table);

@@ -8,27 +8,27 @@
 #include "host/framework/finished_table.h"
 #include "host/framework/shown_table.h"
 #include "plugin/base/numbers.h"
+#include "plugin/page_names.h"
 
 namespace banddesk::host {
 namespace {
 
 constexpr std::int32_t kHeadRows = 25;
 constexpr std::int32_t kHeadColumns = 16;
-constexpr auto kDyes = static_cast<std::int32_t>(kDyeCount);
 
 struct BinColumn {
   const char* key;
   const char* header;
 };
-constexpr std::array<BinColumn, 9> kBinColumns{{{"7", "Dye"},
-                                                {"6", "Bin"},
-                                                {"8", "Samples"},
-                                                {"119", "Fragments"},
-                                                {"9", "Min (nt)"},
-                                                {"10", "Max (nt)"},
-                                                {"83", "Mean (nt)"},
-                                                {"85", "Variance (nt²)"},
-                                                {"84", "Mean height (RFU)"}}};
+constexpr std::array<BinColumn, 9> kBinColumns{{{kDyeKey, "Dye"},
+                                                {kBinNumberKey, "Bin"},
+                                                {kSampleCountKey, "Samples"},
+                                                {kFragmentCountKey, "Fragments"},
+                                                {kXMinKey, "Min (nt)"},
+                                                {kXMaxKey, "Max (nt)"},
+                                                {kXMeanKey, "Mean (nt)"},
+                                                {kXVarianceKey, "Variance (nt²)"},
+                                                {kYMeanKey, "Mean height (RFU)"}}};
 
 const char* yesOrNo(bool yes) { return yes ? "yes" : "no"; }
 
@@ -46,9 +46,9 @@ class Reading {
         {"Maximum bin width", fmt::format("{} nt", generalText(table_.maxBinWidth()))},
         {"Y threshold", fmt::format("{} RFU", generalText(table_.yThreshold()))},
         {"Dyes", chosenDyes()},
-        {"Bins present in every sample are excluded", yesOrNo(isChecked("chkExcludeFullBins"))},
-        {"Samples without a fragment are excluded", yesOrNo(isChecked("chkExcludeEmptySamples"))},
-        {"Excluded elements are shown", yesOrNo(isChecked("chkShowExcluded"))},
+        {"Bins present in every sample are excluded", yesOrNo(isChecked(names::kExcludeFullBins))},
+        {"Samples without a fragment are excluded", yesOrNo(isChecked(names::kExcludeEmptySamples))},
+        {"Excluded elements are shown", yesOrNo(isChecked(names::kShowExcluded))},
         {"Sample cells hold", option < kCells.size() ? kCells[option] : "-"},
         {"Samples run along", page_.Transpose() ? "rows" : "columns"},
     };
@@ -59,11 +59,11 @@ class Reading {
     struct Count {
       std::int64_t fragments = 0, bins = 0, excluded = 0;
     };
-    std::array<Count, kDyes> ofDye{};
+    std::array<Count, banddesk::kDyeCount> ofDye{};
     Count all;
     for (std::int32_t row = 1; row <= page_.NumRows(); ++row) {
       const std::int32_t bin = page_.Bin(row);
-      const auto fragments = static_cast<std::int64_t>(leadingNumber(page_.CellText("119", row)));
+      const auto fragments = static_cast<std::int64_t>(leadingNumber(page_.CellText(kFragmentCountKey, row)));
       for (Count* count : {&ofDye.at(static_cast<std::size_t>(table_.dyeOf(bin))), &all}) {
         count->fragments += fragments;
         ++count->bins;
@@ -73,7 +73,7 @@ class Reading {
     ReportSection section{"Counts", {}, {}, {}};
     section.facts = {{"Samples", integerText(analysis_.SampleGrid->Columns.Count())}};
     ReportTable table{{"Dye", "Fragments in bins", "Bins", "Bins excluded"}, {}, 1};
-    for (std::int32_t dye = 0; dye < kDyes; ++dye)
+    for (std::int32_t dye = 0; dye < banddesk::kDyeCount; ++dye)
       table.rows.push_back(line(dyeName(dye), ofDye.at(static_cast<std::size_t>(dye))));
     table.rows.push_back(line("all", all));
     section.tables.push_back(std::move(table));
@@ -102,8 +102,8 @@ class Reading {
     for (std::int32_t row = 1; row <= page_.NumRows(); ++row) {
       const BinMark mark = table_.markOf(row, page_.Bin(row));
       if (isExcluded(mark))
-        bins.rows.push_back(
-            {page_.CellText("7", row), page_.CellText("6", row), page_.CellText("83", row), who(mark)});
+        bins.rows.push_back({page_.CellText(kDyeKey, row), page_.CellText(kBinNumberKey, row),
+                             page_.CellText(kXMeanKey, row), who(mark)});
     }
     ReportTable samples{{"Sample", "Excluded"}, {}, 2};
     for (const auto& column : analysis_.SampleGrid->Columns) {
@@ -136,7 +136,7 @@ class Reading {
   }
 
   ReportSection tableHead() const {
-    const Grid& grid = required(page_.Controls().find<Grid>("grdAFLP"), "Grid");
+    const Grid& grid = required(page_.Controls().find<Grid>(names::kGrid), "Grid");
     std::vector<std::vector<std::string>> lines;
     for (std::int32_t row = 0; row <= grid.RowCount(); ++row) {
       if (static_cast<std::int32_t>(lines.size()) > kHeadRows) break;
@@ -176,8 +176,8 @@ class Reading {
 
   std::string chosenDyes() const {
     std::string names;
-    for (std::int32_t dye = 0; dye < kDyes; ++dye) {
-      if (isChecked(fmt::format("chkDye({})", dye))) names += (names.empty() ? "" : ", ") + dyeName(dye);
+    for (std::int32_t dye = 0; dye < banddesk::kDyeCount; ++dye) {
+      if (isChecked(names::element(names::kDye, dye))) names += (names.empty() ? "" : ", ") + dyeName(dye);
     }
     return names.empty() ? "none" : names;
   }

@@ -47,9 +47,7 @@ ComponentEntries loadEntries(const std::string& path) {
   ComponentEntries entries;
   entries.name = path;
   find(library, path, "DllRegisterServer", entries.registerServer);
-  find(library, path, "DllUnregisterServer", entries.unregisterServer);
   find(library, path, "DllGetClassObject", entries.getClassObject);
-  find(library, path, "DllCanUnloadNow", entries.canUnloadNow);
   return entries;
 }
 

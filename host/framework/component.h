@@ -1,5 +1,5 @@
-// The plug-in's component as the host reaches it: its four entry points, from a shared library or linked in,
-// and the objects that its class objects make.
+// The plug-in's component as the host reaches it: its entry points, from a shared library or linked in, and the
+// objects that its class objects make. It is never unloaded, so two of the four are not asked for.
 #pragma once
 
 #include <memory>
@@ -15,9 +15,7 @@ inline constexpr const char* kComponentFile = "libbanddesk_plugin.so";
 
 struct ComponentEntries {
   decltype(&DllRegisterServer) registerServer = nullptr;
-  decltype(&DllUnregisterServer) unregisterServer = nullptr;
   decltype(&DllGetClassObject) getClassObject = nullptr;
-  decltype(&DllCanUnloadNow) canUnloadNow = nullptr;
   std::string name = "The component";  // as messages call it
 };
 
@@ -36,8 +34,6 @@ class Component final {
   const std::vector<std::string>& classNames() const { return classNames_; }
   // Error 429 when the component does not know the class or was built for another host.
   ObjectRef create(const std::string& className) const;
-  // Whether none of its objects lives any more.
-  bool isIdle() const { return entries_.canUnloadNow() == kEntryOk; }
 
  private:
   ComponentEntries entries_;

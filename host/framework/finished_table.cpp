@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "plugin/base/numbers.h"
+#include "plugin/page_names.h"
 
 namespace banddesk::host {
 namespace {
@@ -17,12 +18,12 @@ FinishedTable::FinishedTable(const AFLP& analysis, IAFLPResultsPage& page)
       page_(page),
       base_(cast<HostPageBase>(page.Page(), "PageBase")),
       resultCount_(analysis.Results.Count()),
-      filtersFullBins_(isChecked("chkExcludeFullBins")) {
+      filtersFullBins_(isChecked(names::kExcludeFullBins)) {
   firstBins_[0] = 1;
   for (std::size_t dye = 0; dye < kDyeCount; ++dye) {
     const auto* const calculator = calculatorOfDye(static_cast<std::int32_t>(dye));
     firstBins_[dye + 1] = firstBins_[dye] + (calculator != nullptr ? calculator->own().BinCount() : 0);
-    isDyeChecked_[dye] = isChecked("chkDye(" + std::to_string(dye) + ")");
+    isDyeChecked_[dye] = isChecked(names::element(names::kDye, dye));
   }
   std::int32_t result = 0;
   for (const auto& column : analysis.SampleGrid->Columns) {
@@ -74,7 +75,7 @@ BinMark FinishedTable::markOf(std::int32_t row, std::int32_t bin) {
 bool FinishedTable::isStoredAsExcluded(std::int32_t row) const {
   const auto& decisions = analysis_.AFLPBins;
   if (decisions.Count() == 0) return false;
-  const std::string key = page_.CellText("7", row) + "-" + page_.CellText("83", row);
+  const std::string key = page_.CellText(kDyeKey, row) + "-" + page_.CellText(kXMeanKey, row);
   return decisions.holdsKey(key) && decisions.Item(key)->ManuallyExcluded;
 }
 
@@ -82,7 +83,7 @@ bool FinishedTable::isGrey(std::int32_t row) const {
   std::int32_t physicalRow = row;
   std::int32_t physicalCol = kAnyBinColumn;
   if (page_.Transpose()) std::swap(physicalRow, physicalCol);
-  Grid& grid = required(page_.Controls().find<Grid>("grdAFLP"), "Grid");
+  Grid& grid = required(page_.Controls().find<Grid>(names::kGrid), "Grid");
   GridStyle style;
   grid.GridParam().GetData().GetStyleRowCol(physicalRow, physicalCol, style, StyleMode::Copy, 1);
   const auto interior = style.GetInterior();

@@ -11,13 +11,14 @@
 #include "host/framework/guarded_calculator.h"
 #include "host/history/kept_steps.h"
 #include "host/store/sqlite_store.h"
+#include "plugin/page_names.h"
 
 namespace banddesk::host {
 
 Host::Host(HostSettings settings)
     : settings_(std::move(settings)),
       framework_(faults_, seat_, settings_.applicationPath),
-      platform_(faults_, seat_, settings_.codeSet, settings_.decimalSeparator),
+      platform_(faults_, seat_, settings_.codeSet),
       progress_(faults_),
       gridUtilities_(faults_),
       reporting_(std::make_shared<HostReportingService>(
@@ -57,7 +58,6 @@ void Host::useComponent(const ComponentEntries& entries) {
   service_ = cast<IAFLPService>(component_->create("AFLPService"), "AFLPService");
   serviceBase_ = service_->Service();
   required(serviceBase_, "ServiceBase").Initialize.raise();
-  if (!settings_.hasFolder) return;
   folder_ = cast<IAFLPExplorerFolder>(component_->create("AFLPExplorerFolder"), "AFLPExplorerFolder");
   explorer_.tree().setFolder(folder_);
   if (studyService_.isOpen()) explorer_.tree().initialize();
@@ -267,7 +267,7 @@ banddesk::Progress& Host::Progress() {
 
 // What a report tells stands on the results page: one that is not open opens out of sight for a moment.
 std::string Host::makeReport(const std::shared_ptr<AFLP>& analysis) {
-  const auto open = pages_.find("AFLP", analysis);
+  const auto open = pages_.find(names::kResultsPage, analysis);
   const auto page = open ? open : cast<HostPage>(openAnalysis(analysis, false), "Page");
   FirstFailure failure;
   std::string html;
@@ -289,11 +289,11 @@ ObjectRef Host::openAnalysis(const std::shared_ptr<AFLP>& analysis, bool show) {
 }
 
 ObjectRef Host::openPage(const std::shared_ptr<AFLP>& analysis, bool show) {
-  if (const auto open = pages_.find("AFLP", analysis); open && analysis->IsPending) {
+  if (const auto open = pages_.find(names::kResultsPage, analysis); open && analysis->IsPending) {
     if (!pages_.end(open, true)) pages_.end(open, false);
   }
-  const auto page =
-      pages_.OpenPage("AFLP", analysis, nullptr, true, true, true, true, true, true, nullptr, true, 0);
+  const auto page = pages_.OpenPage(names::kResultsPage, analysis, nullptr, true, true, true, true, true,
+                                    true, nullptr, true, 0);
   page->SetCaption("AFLP - " + analysis->Name.get());
   if (show) page->Show();
   return page;

@@ -33,8 +33,6 @@ struct HostSettings {
   std::function<std::shared_ptr<BinCalculator>()> makeBinCalculator;       // absent: the host's own
   std::string applicationPath = besideExecutable("");
   std::string codeSet = systemCodeSet();  // of text files
-  char decimalSeparator = '.';            // in which the user types numbers
-  bool hasFolder = true;                  // whether the tree shows the analyses
 };
 
 class Host final : public HostServices, private Application {

@@ -9,19 +9,19 @@
 #include "host/framework/table_look.h"
 #include "host/store/analysis_marks.h"
 #include "plugin/base/numbers.h"
+#include "plugin/page_names.h"
 
 namespace banddesk::host {
 namespace {
 
-constexpr const char* kResultsPage = "AFLP";
-constexpr const char* kResultsModule = "AFLPResultsPage";
+bool hasTable(const HostPage& page) { return page.control() && page.DefinitionName() == names::kResultsPage; }
 
-bool hasTable(const HostPage& page) { return page.control() && page.DefinitionName() == kResultsPage; }
-
-GridControl* gridOf(const HostPage& page) { return page.control()->Controls().find<GridControl>("grdAFLP"); }
+GridControl* gridOf(const HostPage& page) {
+  return page.control()->Controls().find<GridControl>(names::kGrid);
+}
 
 IAFLPResultsPage& tableOf(const HostPage& page) {
-  return required(dynamic_cast<IAFLPResultsPage*>(page.control().get()), kResultsModule);
+  return required(dynamic_cast<IAFLPResultsPage*>(page.control().get()), names::kResultsModule);
 }
 
 // Whether the page's boxes show what its table was made with.
@@ -29,8 +29,8 @@ bool showsItsParameters(const HostPage& page) {
   const auto number = [&](const char* name) {
     return leadingNumber(required(page.control()->Controls().find<ui::TextBox>(name), name).Text.get());
   };
-  return number("txtMaxBinWidth") == page.tableRun().maxBinWidth &&
-         number("txtYThreshold") == page.tableRun().yThreshold;
+  return number(names::kMaxBinWidth) == page.tableRun().maxBinWidth &&
+         number(names::kYThreshold) == page.tableRun().yThreshold;
 }
 
 bool waitsForTimer(const HostPage& page) {
@@ -193,7 +193,7 @@ void PageKeeper::run(const std::shared_ptr<HostPage>& page, const std::function<
 std::optional<std::string> PageKeeper::failureSince(std::size_t reports) const {
   const auto& all = framework_.reports();
   for (std::size_t i = std::min(reports, all.size()); i < all.size(); ++i) {
-    if (all[i].module == kResultsModule) return all[i].error.description();
+    if (all[i].module == names::kResultsModule) return all[i].error.description();
   }
   return std::nullopt;
 }

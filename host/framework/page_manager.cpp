@@ -9,6 +9,7 @@
 
 #include "host/framework/first_failure.h"
 #include "plugin/base/text.h"
+#include "plugin/page_names.h"
 
 namespace banddesk::host {
 namespace {
@@ -21,11 +22,10 @@ struct PageDefinition {
 };
 
 constexpr const char* kColumnSelector = "ColumnSelector";
-constexpr const char* kResultsPage = "AFLP";
 
 constexpr std::array<PageDefinition, 13> kDefinitions = {{
-    {"AFLPParams", "New AFLP Analysis", "AFLPParamsPage", false},
-    {"AFLP", "AFLP", "AFLPResultsPage", false},
+    {names::kParametersPage, "New AFLP Analysis", "AFLPParamsPage", false},
+    {names::kResultsPage, "AFLP", names::kResultsModule, false},
     {kColumnSelector, "Select Columns", nullptr, true},
     {"ColumnSort", "Sort Columns", nullptr, true},
     {"SingleSample", "Single Result", nullptr, false},
@@ -80,7 +80,7 @@ void remakeLabels(PageOwner* owner) {
   const auto* base = dynamic_cast<HostPageBase*>(owner);
   const auto control = base != nullptr ? base->control() : nullptr;
   if (!control) return;
-  if (auto* axis = control->Controls().find<ui::ComboBox>("cbxSampleAxis")) axis->Click.raise();
+  if (auto* axis = control->Controls().find<ui::ComboBox>(names::kSampleAxis)) axis->Click.raise();
 }
 
 std::vector<std::int32_t> resultsOf(const HostPage& page) {
@@ -133,7 +133,7 @@ std::shared_ptr<banddesk::Page> HostPageManager::OpenPage(const std::string& nam
 }
 
 void HostPageManager::tellTable(HostPage& page) const {
-  if (onTable && page.control() && page.DefinitionName() == kResultsPage) onTable(page);
+  if (onTable && page.control() && page.DefinitionName() == names::kResultsPage) onTable(page);
 }
 
 void HostPageManager::start(HostPage& page, const char* className) {

@@ -26,8 +26,8 @@ std::string harmlessFileName(std::string_view suggestion);
 class HostPlatform final : public ui::Platform {
  public:
   // Faults and seat outlive it.
-  HostPlatform(FaultInjector& faults, FrontSeat& seat, const std::string& codeSet, char decimalSeparator)
-      : faults_(faults), seat_(seat), files_(faults, codeSet), decimalSeparator_(decimalSeparator) {}
+  HostPlatform(FaultInjector& faults, FrontSeat& seat, const std::string& codeSet)
+      : faults_(faults), seat_(seat), files_(faults, codeSet) {}
 
   ui::BoxAnswer MsgBox(const std::string& text, std::int32_t style, const std::string& title) override;
   void Beep() override;
@@ -40,7 +40,7 @@ class HostPlatform final : public ui::Platform {
   void ShowHelp(const std::string& topic, std::int32_t command, std::int32_t data) override;
   ui::TextFiles& Files() override { return files_; }
   std::string JoinPath(const std::string& folder, const std::string& relative) override;
-  char DecimalSeparator() const override { return decimalSeparator_; }
+  char DecimalSeparator() const override { return '.'; }
 
   // Answers a form in the user's place; false leaves it to the user. The host's.
   std::function<bool(ui::Form&)> answerForm;
@@ -70,7 +70,6 @@ class HostPlatform final : public ui::Platform {
   FaultInjector& faults_;
   FrontSeat& seat_;
   DiskTextFiles files_;
-  char decimalSeparator_;
   std::int32_t pointer_ = ui::kPointerDefault;
   bool showsPopups_ = true;
   bool wasPopupAsked_ = false;

@@ -5,6 +5,7 @@
 
 #include "host/framework/shown_table.h"
 #include "plugin/base/numbers.h"
+#include "plugin/page_names.h"
 
 namespace banddesk::host {
 
@@ -21,7 +22,7 @@ statistics::BandMatrix shownBands(const AFLP& analysis, IAFLPResultsPage& page) 
   bands.cells.resize(samples * order.size());
   for (std::size_t locus = 0; locus < order.size(); ++locus) {
     const std::int32_t row = table.rows[order[locus]];
-    bands.loci.push_back({page.CellText("7", row), leadingNumber(page.CellText("83", row))});
+    bands.loci.push_back({page.CellText(kDyeKey, row), leadingNumber(page.CellText(kXMeanKey, row))});
     for (std::size_t sample = 0; sample < samples; ++sample) {
       const bool isThere = table.counts[order[locus] * samples + sample] != 0;
       bands.cells[sample * order.size() + locus] = isThere ? Band::Present : Band::Absent;

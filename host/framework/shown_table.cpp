@@ -2,6 +2,7 @@
 
 #include "host/framework/finished_table.h"
 #include "plugin/base/numbers.h"
+#include "plugin/page_names.h"
 
 namespace banddesk::host {
 
@@ -20,9 +21,9 @@ ShownTable shownTable(const AFLP& analysis, IAFLPResultsPage& page) {
   for (std::int32_t row = 1; row <= page.NumRows(); ++row) {
     if (page.IsRowHidden(row)) continue;
     table.rows.push_back(row);
-    table.bins.push_back(page.CellText("7", row) + "-" + page.CellText("83", row));
+    table.bins.push_back(page.CellText(kDyeKey, row) + "-" + page.CellText(kXMeanKey, row));
     table.extents.push_back(
-        {leadingNumber(page.CellText("9", row)), leadingNumber(page.CellText("10", row))});
+        {leadingNumber(page.CellText(kXMinKey, row)), leadingNumber(page.CellText(kXMaxKey, row))});
     const auto counts = finished.cellsOf(page.Bin(row)).counts;
     for (const std::size_t at : results) table.counts.push_back(counts[at]);
   }

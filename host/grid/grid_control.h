@@ -100,7 +100,7 @@ class GridControl final : public Grid, private GridData, private GridParameters,
   std::int32_t LeftCol() const override { return leftCol_; }
   void SetLeftCol(std::int32_t col) override { leftCol_ = std::max(col, 1); }
   // Never while the user only presses on a header or a border: that would forbid to size columns.
-  bool GridPressState() const override { return pressState_; }
+  bool GridPressState() const override { return false; }
 
   // ---- styles and objects
   std::shared_ptr<GridStyle> NewStyle() override { return std::make_shared<GridStyle>(); }
@@ -160,7 +160,6 @@ class GridControl final : public Grid, private GridData, private GridParameters,
   void doubleClick(std::int32_t row, std::int32_t col);
   void pressLeft() { OnLButtonDown.raise(); }
   void releaseLeft() { OnLButtonUp.raise(); }
-  void setGridPressState(bool selectsOrDrags) { pressState_ = selectsOrDrags; }
   // A width drag in its steps; false if the start was refused.
   bool startColumnTrack(std::int32_t col);
   void endColumnTrack(std::int32_t col, std::int32_t width);
@@ -248,7 +247,6 @@ class GridControl final : public Grid, private GridData, private GridParameters,
   bool lockReadOnly_ = false;
   bool isLocked_ = false;
   bool enabledRedraw_ = true;
-  bool pressState_ = false;
   bool printsBlackWhite_ = false;
 };
 

@@ -13,7 +13,7 @@
 
 namespace banddesk::host {
 
-inline constexpr std::size_t kDyeCount = 4;
+inline constexpr std::size_t kDyeCount = banddesk::kDyeCount;
 
 // Sizes in nt and heights in RFU by dye, parallel.
 class SampleFragments final : public FragmentTable {

@@ -2,7 +2,7 @@
 
 #include "plugin/analysis/aflp_warning.h"
 #include "plugin/base/numbers.h"
-#include "plugin/table/column_keys.h"
+#include "plugin/page_names.h"
 #include "plugin/table/page_guards.h"
 
 namespace banddesk {

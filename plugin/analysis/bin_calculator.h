@@ -11,6 +11,8 @@
 
 namespace banddesk {
 
+inline constexpr std::int32_t kDyeCount = 4;
+
 // The fragments of one dye of one result: sizes in nt and heights in RFU, parallel, in any order.
 struct DyeFragments {
   std::span<const double> sizes;

@@ -1,6 +1,6 @@
 #include "plugin/analysis/bin_persistence.h"
 
-#include "plugin/table/column_keys.h"
+#include "plugin/page_names.h"
 
 namespace banddesk {
 

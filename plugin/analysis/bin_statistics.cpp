@@ -4,7 +4,7 @@
 
 #include "plugin/base/numbers.h"
 #include "plugin/base/text.h"
-#include "plugin/table/column_keys.h"
+#include "plugin/page_names.h"
 
 namespace banddesk {
 namespace {

@@ -4,6 +4,7 @@
 #include <unordered_map>
 
 #include "plugin/base/numbers.h"
+#include "plugin/page_names.h"
 
 namespace banddesk {
 namespace {
@@ -69,7 +70,7 @@ bool NtsysExport::writeMatrix(const std::string& fileName, std::int32_t number) 
 std::string NtsysExport::binLabels() {
   std::string line;
   for (std::int32_t row = 1; row <= table_.NumRows(); ++row) {
-    if (!table_.IsRowHidden(row)) line.append(table_.CurrentCellText("6", row)).append(" ");
+    if (!table_.IsRowHidden(row)) line.append(table_.CurrentCellText(kBinNumberKey, row)).append(" ");
   }
   dropLast(line);
   return line;

@@ -6,7 +6,6 @@ namespace banddesk {
 namespace {
 
 constexpr std::int32_t kLargestYThreshold = 2147483647;
-constexpr double kYThresholdStep = 100;  // RFU
 
 }  // namespace
 
@@ -91,7 +90,7 @@ void AFLPParamsPage::followStudy(const std::shared_ptr<Study>& study) {
 
 void AFLPParamsPage::InitDyes() {
   frame_.procedure("InitDyes", [&] {
-    for (std::int32_t i = 0; i < kDyes; ++i) {
+    for (std::int32_t i = 0; i < kDyeCount; ++i) {
       const auto at = static_cast<std::size_t>(i);
       const auto dye = required(m_oStudy, "Study").Dyes.Item(integerText(i));
       if (dye) chkDye[at].Value = dye->Visible ? 1 : 0;
@@ -103,7 +102,7 @@ void AFLPParamsPage::InitDyes() {
 // One event carries either change; with both at once only the colour follows.
 void AFLPParamsPage::m_oStudy_DyeVisibibilityChanged(const Dye& dye) {
   frame_.procedure("m_oStudy_DyeVisibibilityChanged", [&] {
-    if (dye.Index < 0 || dye.Index >= kDyes) return;
+    if (dye.Index < 0 || dye.Index >= kDyeCount) return;
     const auto at = static_cast<std::size_t>(dye.Index.get());
     if (picDye[at].BackColor == dye.Color) {
       chkDye[at].Value = dye.Visible ? 1 : 0;
@@ -152,7 +151,7 @@ void AFLPParamsPage::m_oPageBase_Save() {
   frame_.procedure("m_oPageBase_Save", [&] {
     const auto analysis = cast<AFLP>(required(m_oPageBase, "PageBase").BoundObject(), "AFLP");
     saveParameters(*analysis);
-    for (std::int32_t i = 0; i < kDyes; ++i) saveDye(*analysis, i);
+    for (std::int32_t i = 0; i < kDyeCount; ++i) saveDye(*analysis, i);
   });
 }
 

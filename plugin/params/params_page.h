@@ -26,8 +26,6 @@ class AFLPParamsPage final : public IAFLPParamsPage, private LiveObject {
   std::shared_ptr<PageBase> Page() override { return IPageAccess_Page(); }
 
  private:
-  static constexpr std::int32_t kDyes = 4;
-
   std::shared_ptr<PageBase> IPageAccess_Page();
   void listenToControls();
 
@@ -68,11 +66,11 @@ class AFLPParamsPage final : public IAFLPParamsPage, private LiveObject {
   ui::CheckBox chkExcludeFullBins{"chkExcludeFullBins", "Exclude &Fully Populated Bins", 1};
   ui::CheckBox chkExcludeEmptySamples{"chkExcludeEmptySamples", "Exclude Samples w/o &Qualifying Peaks", 1};
   ui::Frame frmDyes{"frmDyes", "Dyes"};
-  std::array<ui::CheckBox, kDyes> chkDye{
+  std::array<ui::CheckBox, kDyeCount> chkDye{
       ui::CheckBox{"chkDye(0)", "D&1", 0}, ui::CheckBox{"chkDye(1)", "D&2", 1},
       ui::CheckBox{"chkDye(2)", "D&3", 1}, ui::CheckBox{"chkDye(3)", "D&4", 1}};
-  std::array<ui::PictureBox, kDyes> picDye{ui::PictureBox{"picDye(0)"}, ui::PictureBox{"picDye(1)"},
-                                           ui::PictureBox{"picDye(2)"}, ui::PictureBox{"picDye(3)"}};
+  std::array<ui::PictureBox, kDyeCount> picDye{ui::PictureBox{"picDye(0)"}, ui::PictureBox{"picDye(1)"},
+                                               ui::PictureBox{"picDye(2)"}, ui::PictureBox{"picDye(3)"}};
   ui::Image imgAFLP{"imgAFLP", "aflp"};
   ui::ControlSet controls_;
   NumberBoxes boxes_;

@@ -11,7 +11,6 @@ namespace {
 
 constexpr std::int32_t kEnterKey = 13;
 constexpr double kDesignWidth = 800;
-constexpr double kDesignGridHeight = 320;
 
 }  // namespace
 

@@ -4,11 +4,6 @@
 #include "plugin/table/page_guards.h"
 
 namespace banddesk {
-namespace {
-
-constexpr double kYThresholdStep = 100;  // RFU
-
-}  // namespace
 
 void AFLPResultsPage::listenToHost() {
   PageBase& base = required(page_.m_oPageBase, "PageBase");

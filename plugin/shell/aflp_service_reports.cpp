@@ -1,10 +1,15 @@
 // The service's side of reporting: every analysis of the study is a context of the one type "AFLP". The
 // host's configuration switches the whole offer by the visibility of the command "NewReport".
+#include "plugin/page_names.h"
 #include "plugin/shell/aflp_service.h"
 #include "plugin/shell/explorer_folder.h"
-#include "plugin/shell/report_context.h"
 
 namespace banddesk {
+namespace {
+
+constexpr double kReportContextWeight = 30.0;  // its use is the reporting service's
+
+}  // namespace
 
 bool AFLPService::offersReports() {
   Framework& framework = services_.Framework();

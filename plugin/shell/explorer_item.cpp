@@ -1,8 +1,8 @@
 #include "plugin/shell/explorer_item.h"
 
 #include "plugin/base/text.h"
+#include "plugin/page_names.h"
 #include "plugin/shell/explorer_folder.h"
-#include "plugin/shell/report_context.h"
 
 namespace banddesk {
 

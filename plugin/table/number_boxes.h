@@ -2,14 +2,14 @@
 // how they are checked and how the spin buttons of the bin width step stand here once.
 #pragma once
 
+#include "plugin/page_names.h"
 #include "plugin/ui/control.h"
 #include "plugin/ui/platform.h"
 
 namespace banddesk {
 
-inline constexpr double kSmallestBinWidth = 0.05;  // nt
-inline constexpr double kLargestBinWidth = 10.0;
-inline constexpr double kBinWidthStep = 0.05;
+inline constexpr double kBinWidthStep = 0.05;   // nt
+inline constexpr double kYThresholdStep = 100;  // RFU
 
 // White if valid; else yellow, with the focus on the box, `cancel` set and, unless `silent`, a beep. A valid
 // box leaves `cancel` as it was.

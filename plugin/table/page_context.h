@@ -29,7 +29,6 @@ struct PageContext {
   ui::Platform& platform() const { return services.Platform(); }
 };
 
-inline constexpr std::int32_t kDyeCount = 4;
 inline constexpr Colour kExcludedGrey = 0xC0C0C0;
 
 }  // namespace banddesk

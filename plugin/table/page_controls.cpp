@@ -6,12 +6,11 @@ namespace banddesk {
 namespace {
 
 // The design of the page: the grid above, three lines of controls below it.
-constexpr double kGridHeight = 320;
 constexpr double kLineHeight = 22;
 constexpr double kLineStep = 28;
 
 void place(ui::Control& control, int line) {
-  control.Top = kGridHeight + 8 + line * kLineStep;
+  control.Top = kDesignGridHeight + 8 + line * kLineStep;
   control.Height = kLineHeight;
 }
 

@@ -13,6 +13,8 @@
 
 namespace banddesk {
 
+inline constexpr double kDesignGridHeight = 320;  // of the grid above the controls, before a size is known
+
 class PageControls {
  public:
   explicit PageControls(PageContext& page);

@@ -31,7 +31,7 @@ class Front : public testing::Test {
  protected:
   host::FaultInjector faults;
   host::FrontSeat seat;
-  host::HostPlatform platform{faults, seat, "UTF-8", '.'};
+  host::HostPlatform platform{faults, seat, "UTF-8"};
   WidgetRegistry widgets;
   QWidget window;
 };

@@ -135,7 +135,7 @@ TEST_F(TextFile, TakesItsPlaceOnlyWhenItIsWhole) {
 TEST(Platform, AsksAgainUntilTheFileCanBeWritten) {
   FaultInjector faults;
   FrontSeat seat;
-  HostPlatform platform(faults, seat, "UTF-8", '.');
+  HostPlatform platform(faults, seat, "UTF-8");
   const fs::path folder = test::testFolder();
   std::deque<std::string> files = {"/proc/none/a.csv", folder.string(), "study", (folder / "a.csv").string()};
   platform.whyNotInto = [](const std::string& file) { return file == "study" ? "it is open" : ""; };
@@ -157,7 +157,7 @@ TEST(Platform, AsksAgainUntilTheFileCanBeWritten) {
 TEST(Platform, JoinsPathsOfEitherSlash) {
   FaultInjector faults;
   FrontSeat seat;
-  HostPlatform platform(faults, seat, "UTF-8", '.');
+  HostPlatform platform(faults, seat, "UTF-8");
   EXPECT_EQ(platform.JoinPath("/opt/banddesk/bin", "..\\Export\\"), "/opt/banddesk/Export/");
   EXPECT_EQ(platform.JoinPath("/opt/banddesk/", "a/./b.csv"), "/opt/banddesk/a/b.csv");
 }
@@ -165,7 +165,7 @@ TEST(Platform, JoinsPathsOfEitherSlash) {
 TEST(Platform, AnswersABoxThatNobodySeesWithTheCarefulButton) {
   FaultInjector faults;
   FrontSeat seat;
-  HostPlatform platform(faults, seat, "UTF-8", '.');
+  HostPlatform platform(faults, seat, "UTF-8");
   EXPECT_EQ(platform.MsgBox("Again?", ui::kExclamationRetryCancel, ""), ui::BoxAnswer::Cancel);
   EXPECT_EQ(platform.MsgBox("Done.", ui::kInformation, ""), ui::BoxAnswer::Ok);
   ui::SaveDialog dialog("ctlDialog");
@@ -177,7 +177,7 @@ TEST(Component, IsRefusedWithItsFileAndTheCause) {
   const std::string noLibrary = test::testFolder() / "no_library.so";
   std::ofstream(noLibrary) << "text";
   ComponentEntries stranger;
-  stranger.registerServer = stranger.unregisterServer = [](Registrar&) { return kEntryOk; };
+  stranger.registerServer = [](Registrar&) { return kEntryOk; };
   stranger.getClassObject = [](const char*, std::uint32_t, HostServices&, std::unique_ptr<ClassObject>&) {
     return kEntryContractDiffers;
   };
@@ -252,7 +252,7 @@ TEST(Platform, SuggestsNamesThatAreNoPathsAndNoTricks) {
     EXPECT_EQ(harmlessFileName(given), suggested);
   FaultInjector faults;
   FrontSeat seat;
-  HostPlatform platform(faults, seat, "UTF-8", '.');
+  HostPlatform platform(faults, seat, "UTF-8");
   ui::SaveDialog dialog("ctlDialog");
   dialog.FileName = "/etc/passwd";
   std::string asked;

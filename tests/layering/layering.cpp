@@ -28,7 +28,7 @@ const std::vector<Module> modules = {
     {"contracts",
      {"plugin/shell/host_contract.", "plugin/shell/persistent.", "plugin/analysis/bin_calculator.",
       "plugin/analysis/bin_records.", "plugin/results/grid_addressing.", "plugin/results/grid_style.",
-      "plugin/results/grid_lines.", "plugin/banddesk.h"},
+      "plugin/results/grid_lines.", "plugin/banddesk.h", "plugin/page_names."},
      {"ui"}},
     {"globals", {"plugin/shell/mglobals.", "plugin/shell/live_object."}, {"contracts"}},
     {"table", {"plugin/table/"}, {"contracts"}},

@@ -15,6 +15,7 @@ class GuardedGrid final : public Grid, private GridParameters, private GridData,
  public:
   GuardedGrid(host::FaultInjector& faults, std::shared_ptr<host::GridControl> inner);
   host::GridControl& inner() { return *grid_; }
+  bool selectsOrDrags = false;  // what the press under way does
 
   std::int32_t RowCount() const override { return at("RowCount").RowCount(); }
   void SetRowCount(std::int32_t n) override { at("RowCount").SetRowCount(n); }
@@ -105,7 +106,7 @@ class GuardedGrid final : public Grid, private GridParameters, private GridData,
   void SetTopRow(std::int32_t row) override { at("TopRow").SetTopRow(row); }
   std::int32_t LeftCol() const override { return at("LeftCol").LeftCol(); }
   void SetLeftCol(std::int32_t col) override { at("LeftCol").SetLeftCol(col); }
-  bool GridPressState() const override { return at("GridPressState").GridPressState(); }
+  bool GridPressState() const override { return at("GridPressState").GridPressState() || selectsOrDrags; }
 
   std::shared_ptr<GridStyle> NewStyle() override { return at("NewStyle").NewStyle(); }
   std::shared_ptr<GridRange> NewRange() override { return at("NewRange").NewRange(); }

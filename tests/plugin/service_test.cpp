@@ -90,18 +90,19 @@ TEST(Service, NeedsAReportingServiceByItsName) {
 }
 
 TEST(Service, DoesNothingAndSaysNothingWithoutAFolder) {
-  host::HostSettings settings;
-  settings.hasFolder = false;
-  host::Host host(settings);
+  host::Host host({});
   const TestFront front(host.platform(), host.seat());
-  host.loadComponent(componentFile());
+  const host::Component component(host::loadEntries(componentFile()), host);
+  const auto made = std::dynamic_pointer_cast<IAFLPService>(component.create("AFLPService"));
+  IAFLPService& service = *made;
+  ServiceBase& base = *service.Service();
+  base.Initialize.raise();
   host::NewResult result;
   result.sampleName = "a";
   host.openStudy(std::make_shared<host::MemoryStore>("Plants", std::vector{result}));
-  EXPECT_TRUE(host.serviceBase().Commands.Item("NewAFLP1")->Enabled);
-  IAFLPService& service = host.service();
+  EXPECT_TRUE(base.Commands.Item("NewAFLP1")->Enabled);
   const auto analysis = std::dynamic_pointer_cast<AFLP>(host.objects().Create("AFLP"));
-  const auto item = std::dynamic_pointer_cast<IAFLPExplorerItem>(host.component().create("AFLPExplorerItem"));
+  const auto item = std::dynamic_pointer_cast<IAFLPExplorerItem>(component.create("AFLPExplorerItem"));
   item->Init(analysis);
   service.NewAFLP();
   service.OpenAFLP(analysis);
@@ -112,15 +113,15 @@ TEST(Service, DoesNothingAndSaysNothingWithoutAFolder) {
   item->RenameAFLP();
   EXPECT_EQ(service.AFLPs(), nullptr);
   Dictionary<ObjectRef> listed;
-  host.serviceBase().GetUnsavedItems.raise(listed);
-  host.serviceBase().GetReportContexts.raise(nullptr, listed);
+  base.GetUnsavedItems.raise(listed);
+  base.GetReportContexts.raise(nullptr, listed);
   EXPECT_EQ(listed.Count(), 0);
   Collection<std::shared_ptr<ReportContextType>> types;
-  host.serviceBase().GetReportContextTypes.raise(types);
+  base.GetReportContextTypes.raise(types);
   EXPECT_EQ(types.Count(), 1);
   host.reports().ReportFinished.raise();
   host.study().StudyClosed.raise();
-  EXPECT_FALSE(host.serviceBase().Commands.Item("NewAFLP1")->Enabled);
+  EXPECT_FALSE(base.Commands.Item("NewAFLP1")->Enabled);
   EXPECT_THAT(host.pages().openPages(), IsEmpty());
   EXPECT_THAT(front.messages, IsEmpty());
   EXPECT_THAT(host.framework().reports(), IsEmpty());

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/plugin/desk.h"
+#include "tests/plugin/guarded_grid.h"
 
 namespace banddesk::test {
 namespace {
@@ -10,7 +11,8 @@ const Script kScript{{0, {{100, {1, 0, 2}}, {200, {0, 1, 0}}}}, {1, {{300, {0, 5
 constexpr std::int32_t kDefault = 40;
 
 struct Widths {
-  Widths() {
+  explicit Widths(bool isGuarded = false)
+      : page((isGuarded ? desk.guardGrids() : void(), desk.newAnalysis())) {
     auto definition = std::make_shared<GridColumnDefinition>();
     definition->DefaultWidth = kDefault;
     column("6").Definition = definition;
@@ -18,7 +20,7 @@ struct Widths {
   GridColumn& column(const std::string& key) { return *page.ColumnSet(key)->Columns.Item(key); }
 
   Desk desk{kScript};
-  IAFLPResultsPage& page = desk.newAnalysis();
+  IAFLPResultsPage& page;
   host::GridControl& grid = desk.grid();
 };
 
@@ -71,14 +73,15 @@ TEST(Widths, OfADragAreThoseOfTheColumnsKindAndTheNextStartIsRefused) {
 }
 
 TEST(Widths, CannotBeDraggedOfAHiddenColumnOrWhileTheGridSelects) {
-  Widths w;
+  Widths w(true);
+  bool& selectsOrDrags = w.desk.control<GuardedGrid>("grdAFLP").selectsOrDrags;
   w.page.HideCols(4, 4, true);
   w.grid.pressLeft();
   EXPECT_FALSE(w.grid.startColumnTrack(4));
   EXPECT_TRUE(w.grid.startColumnTrack(5));
-  w.grid.setGridPressState(true);
+  selectsOrDrags = true;
   w.grid.pressLeft();
-  w.grid.setGridPressState(false);
+  selectsOrDrags = false;
   EXPECT_FALSE(w.grid.startColumnTrack(5));
   EXPECT_TRUE(w.grid.startColumnTrack(5));
   // A press forgets a drag that never ended.
