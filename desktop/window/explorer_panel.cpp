@@ -16,6 +16,8 @@ namespace {
 
 constexpr int kResultRole = Qt::UserRole + 1;
 constexpr int kExcludedRole = Qt::UserRole + 2;
+constexpr int kDyeRole = Qt::UserRole + 3;
+constexpr int kVisibleRole = Qt::UserRole + 4;
 
 }  // namespace
 
@@ -70,7 +72,7 @@ QTreeWidgetItem* ExplorerPanel::makeGroup(const QString& name, QStyle::StandardP
 void ExplorerPanel::refreshStudy() {
   clear();
   analyses_.clear();
-  root_ = results_ = folder_ = nullptr;
+  root_ = results_ = folder_ = dyes_ = nullptr;
   edited_ = nullptr;
   if (!workbench_.isOpen()) return;
   root_ = new QTreeWidgetItem(this, {toQString(workbench_.studyName())});
@@ -82,6 +84,7 @@ void ExplorerPanel::refreshStudy() {
   folder_ = makeGroup(QStringLiteral("AFLP"), QStyle::SP_DirIcon);
   results_ = makeGroup(QStringLiteral("Results"), QStyle::SP_DirIcon);
   fillResults();
+  fillDyes();
   refreshAnalyses();
 }
 
@@ -104,6 +107,32 @@ void ExplorerPanel::fillResults() {
   }
   results_->setText(0, QStringLiteral("Results (%1)").arg(items.size()));
   results_->addChildren(items);
+}
+
+void ExplorerPanel::fillDyes() {
+  dyes_ = makeGroup(QStringLiteral("Dyes"), QStyle::SP_DirIcon);
+  const std::string letters = workbench_.host().study().dyeLetters();
+  const auto study = workbench_.study();
+  for (const auto& dye : study->Dyes) {
+    const char letter = letters[static_cast<std::size_t>(dye->Index)];
+    const QString name = QStringLiteral("D%1").arg(dye->Index + 1);
+    auto* item = new QTreeWidgetItem(
+        dyes_, {letter == '-' ? name : name + QStringLiteral(" (%1)").arg(QLatin1Char(letter))});
+    item->setData(0, kDyeRole, dye->Index.get());
+    showDye(*dye);
+  }
+  dyeChanges_ = study->DyeVisibibilityChanged.connect([this](const Dye& dye) { showDye(dye); });
+}
+
+void ExplorerPanel::showDye(const Dye& dye) {
+  QTreeWidgetItem* item = dyes_ != nullptr ? dyes_->child(dye.Index) : nullptr;
+  if (item == nullptr) return;
+  QPixmap swatch(iconSize().isValid() ? iconSize() : QSize(16, 16));
+  swatch.fill(toQColor(dye.Color));
+  item->setIcon(0, swatch);
+  item->setData(0, kVisibleRole, dye.Visible.get());
+  item->setForeground(0, dye.Visible ? QBrush() : palette().brush(QPalette::Disabled, QPalette::Text));
+  item->setToolTip(0, dye.Visible ? QString() : QStringLiteral("Hidden: tables show no bins of it"));
 }
 
 void ExplorerPanel::refreshAnalyses() {
@@ -169,6 +198,8 @@ void ExplorerPanel::activate(QTreeWidgetItem* item) {
     Q_EMIT commandChosen(analysis, "OpenAFLP");
   } else if (item != nullptr && item->data(0, kResultRole).isValid()) {
     Q_EMIT showResultChosen(item->data(0, kResultRole).toInt());
+  } else if (item != nullptr && item->data(0, kDyeRole).isValid()) {
+    Q_EMIT dyeColourChosen(item->data(0, kDyeRole).toInt());
   } else if (item != nullptr) {
     item->setExpanded(!item->isExpanded());
   }
@@ -212,6 +243,8 @@ void ExplorerPanel::fillMenu(QMenu& menu, QTreeWidgetItem* item) {
     follow(*menu.actions().constLast(), workbench_.host().command(host::kNewReportCommand));
   } else if (item->data(0, kResultRole).isValid()) {
     fillResultMenu(menu, *item);
+  } else if (item->data(0, kDyeRole).isValid()) {
+    fillDyeMenu(menu, *item);
   } else {
     follow(
         *menu.addAction(QStringLiteral("&New AFLP Analysis"), this, [this] { Q_EMIT newAnalysisChosen(); }),
@@ -231,6 +264,17 @@ void ExplorerPanel::fillResultMenu(QMenu& menu, const QTreeWidgetItem& item) {
   exclude->setCheckable(true);
   exclude->setChecked(isExcluded);
   menu.addAction(QStringLiteral("&Delete Result..."), this, [this, id] { Q_EMIT deleteResultChosen(id); });
+}
+
+void ExplorerPanel::fillDyeMenu(QMenu& menu, const QTreeWidgetItem& item) {
+  const std::int32_t dye = item.data(0, kDyeRole).toInt();
+  menu.addAction(QStringLiteral("&Colour..."), this, [this, dye] { Q_EMIT dyeColourChosen(dye); });
+  menu.setDefaultAction(menu.actions().constFirst());
+  QAction* visible = menu.addAction(QStringLiteral("&Show in Tables"));
+  visible->setCheckable(true);
+  visible->setChecked(item.data(0, kVisibleRole).toBool());
+  connect(visible, &QAction::toggled, this, [this, dye](bool isOn) { Q_EMIT dyeVisibleChosen(dye, isOn); });
+  menu.setEnabled(workbench_.whyReadOnly().empty());
 }
 
 }  // namespace banddesk::desktop

@@ -1,4 +1,4 @@
-// The explorer: the study with its results, and the folder of its analyses. It shows the host's tree and
+// The explorer: the study with its results and dyes, and the folder of its analyses. It shows the host's tree and
 // edits names in place; what a command does is its owner's business.
 #pragma once
 
@@ -37,6 +37,8 @@ class ExplorerPanel final : public QTreeWidget {
   void excludeResultChosen(std::int32_t resultId, bool excluded);
   void deleteResultChosen(std::int32_t resultId);
   void showResultChosen(std::int32_t resultId);
+  void dyeColourChosen(std::int32_t dye);
+  void dyeVisibleChosen(std::int32_t dye, bool isVisible);
 
  protected:
   void contextMenuEvent(QContextMenuEvent* event) override;
@@ -48,21 +50,26 @@ class ExplorerPanel final : public QTreeWidget {
   void activate(QTreeWidgetItem* item);
   void refreshAnalyses();
   void fillResults();
+  void fillDyes();
+  void showDye(const Dye& dye);
   void beginEdit(const host::HostExplorerTree::Node& node, QTreeWidgetItem& item);
   void endEdit(const QString& text);
   void cancelEdit();
   void fillMenu(class QMenu& menu, QTreeWidgetItem* item);
   void fillResultMenu(QMenu& menu, const QTreeWidgetItem& item);
+  void fillDyeMenu(QMenu& menu, const QTreeWidgetItem& item);
   QTreeWidgetItem* makeGroup(const QString& name, QStyle::StandardPixmap icon);
 
   Workbench& workbench_;
   QTreeWidgetItem* root_ = nullptr;
   QTreeWidgetItem* results_ = nullptr;
   QTreeWidgetItem* folder_ = nullptr;
+  QTreeWidgetItem* dyes_ = nullptr;
   std::map<QTreeWidgetItem*, Item> analyses_;
   Item edited_;
   bool isRefreshWaiting_ = false;
   Connection treeChanges_;
+  Connection dyeChanges_;
 };
 
 }  // namespace banddesk::desktop

@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QCloseEvent>
+#include <QColorDialog>
 #include <QDockWidget>
 #include <QLabel>
 #include <QMessageBox>
@@ -17,6 +18,7 @@
 #include "desktop/pictures/picture_page.h"
 #include "desktop/views/result_view_page.h"
 #include "plugin/base/numbers.h"
+#include "plugin/page_names.h"
 
 namespace banddesk::desktop {
 namespace {
@@ -94,6 +96,10 @@ void MainWindow::connectExplorer() {
   connect(explorer_, &ExplorerPanel::deleteResultChosen, this, &MainWindow::deleteResult);
   connect(explorer_, &ExplorerPanel::excludeResultChosen, this, [this](std::int32_t id, bool excluded) {
     guard_.run([&] { workbench_.host().study().setResultExcluded(id, excluded); });
+  });
+  connect(explorer_, &ExplorerPanel::dyeColourChosen, this, &MainWindow::chooseDyeColour);
+  connect(explorer_, &ExplorerPanel::dyeVisibleChosen, this, [this](std::int32_t dye, bool isVisible) {
+    guard_.run([&] { workbench_.host().study().setDyeVisible(dye, isVisible); });
   });
 }
 
@@ -190,7 +196,7 @@ void MainWindow::deleteAnalysis(const ExplorerPanel::Item& item) {
     const auto open = host.pages().openPages();
     for (const auto& page : open) {
       const auto analysis = std::dynamic_pointer_cast<AFLP>(page->bound());
-      if (analysis && page->DefinitionName() == kResultsPage &&
+      if (analysis && page->DefinitionName() == names::kResultsPage &&
           !workbench_.study()->AFLPs.holdsKey(analysis->collectionKey()))
         host.pages().end(page, false);
     }
@@ -210,6 +216,12 @@ void MainWindow::showResult(std::int32_t resultId) {
     page->SetViewIndex(static_cast<std::int16_t>(workbench_.host().study().DisplayViewIndex() + 1));
     page->Show();
   });
+}
+
+void MainWindow::chooseDyeColour(std::int32_t dye) {
+  const QColor now = toQColor(workbench_.study()->Dyes.Item(integerText(dye))->Color);
+  const QColor chosen = QColorDialog::getColor(now, this, QStringLiteral("Colour of D%1").arg(dye + 1));
+  if (chosen.isValid()) guard_.run([&] { workbench_.host().study().setDyeColor(dye, toColour(chosen)); });
 }
 
 void MainWindow::deleteResult(std::int32_t resultId) {
@@ -234,7 +246,7 @@ void MainWindow::closePage(const Page& page) {
   if (!page) return;
   host::HostPageManager& pages = workbench_.host().pages();
   guard_.run([&] {
-    if (page->DefinitionName() != kResultsPage) return void(pages.end(page, false));
+    if (page->DefinitionName() != names::kResultsPage) return void(pages.end(page, false));
     const auto analysis = cast<AFLP>(page->bound(), "AFLP");
     if (!analysis->persistentState().IsDirty && !analysis->persistentState().IsNew)
       return void(pages.end(page, false));
@@ -267,7 +279,7 @@ void MainWindow::studyChanged() {
 void MainWindow::updateState() {
   const bool isOpen = workbench_.isOpen();
   const Page page = pages_->currentPage();
-  const bool hasTable = page && page->DefinitionName() == kResultsPage;
+  const bool hasTable = page && page->DefinitionName() == names::kResultsPage;
   quality_->follow(page);
   pictures_.setTable(tableInFront());
   for (QAction* action : needStudy_) action->setEnabled(isOpen);

@@ -26,7 +26,6 @@ class QLabel;
 
 namespace banddesk::desktop {
 
-inline constexpr const char* kResultsPage = "AFLP";
 inline constexpr int kMessageTime = 8000;  // of a line in the status bar, ms
 
 class MainWindow final : public QMainWindow {
@@ -76,6 +75,7 @@ class MainWindow final : public QMainWindow {
   void deleteAnalysis(const ExplorerPanel::Item& item);
   void showResult(std::int32_t resultId);
   void deleteResult(std::int32_t resultId);
+  void chooseDyeColour(std::int32_t dye);
   void acceptPage(const Page& page);
   void closePage(const Page& page);
   void reopenPage(const Page& page);
