@@ -181,8 +181,8 @@ void Exchange(benchmark::State& state) {
 void MoveColumns(benchmark::State& state) {
   onFilledGrid(state, [](GridControl& grid, std::int32_t) {
     grid.SetAllowDragCols(true);
-    grid.selectCols(10, 40);
-    grid.dragColumns(10, 40, kCols);
+    grid.user().selectCols(10, 40);
+    grid.user().dragColumns(10, 40, kCols);
   });
 }
 

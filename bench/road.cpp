@@ -137,7 +137,7 @@ IAFLPResultsPage& Road::page() {
 }
 
 void Road::excludeBin(std::int32_t row) {
-  page().Transpose() ? grid().rightClick(1, row) : grid().rightClick(row, 1);
+  page().Transpose() ? grid().user().rightClick(1, row) : grid().user().rightClick(row, 1);
   control<ui::MenuItem>("mnuExcludeBin").choose();
 }
 

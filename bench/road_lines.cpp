@@ -75,10 +75,11 @@ void measureSorting(Bench& bench, Road& road) {
       [&grid, isBack, first, last] {
         *isBack = !*isBack;
         const std::int32_t col = *isBack ? last : first;
-        grid.selectCols(col, col);
+        grid.user().selectCols(col, col);
       },
       [&grid, isBack, first, last] {
-        if (!(*isBack ? grid.dragColumns(last, last, first) : grid.dragColumns(first, first, last + 1)))
+        if (!(*isBack ? grid.user().dragColumns(last, last, first)
+                      : grid.user().dragColumns(first, first, last + 1)))
           throw std::logic_error("the column did not move");
       });
   bench.measure(road, against("move a column"), move, copies);

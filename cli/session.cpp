@@ -131,8 +131,8 @@ void Session::decide(const AnalysisRequest& request) {
 // A right click on a cell, and one item of the menu that pops up.
 void Session::chooseFromMenu(std::int32_t row, std::int32_t col, const char* item) {
   act([&] {
-    grid().clickCell(row, col);
-    grid().rightClick(row, col);
+    grid().user().clickCell(row, col);
+    grid().user().rightClick(row, col);
     control<ui::MenuItem>(page_->Controls(), item).choose();
   });
 }

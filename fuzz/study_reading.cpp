@@ -27,7 +27,7 @@ void decide(test::Desk& desk) {
   desk.host.pages().end(desk.pageNamed("AFLPParams"), true);
   desk.page().ExcludeColumn(11, true);
   desk.page().SetLockedCol(2);
-  desk.grid().rightClick(2, 1);
+  desk.grid().user().rightClick(2, 1);
   desk.choose("mnuExcludeBin");
   desk.host.pages().end(desk.pageNamed("AFLP"), true);
 }

@@ -194,7 +194,7 @@ class Photographer {
     auto& grid = control<host::GridControl>("grdAFLP");
     std::int32_t first = 1;
     while (grid.GetValue(0, first) != "1") ++first;
-    grid.selectCols(first, first + count - 1);
+    grid.user().selectCols(first, first + count - 1);
   }
 
   void takeDialog(const char* name, const char* menuItem) {

@@ -13,7 +13,7 @@ bool GridEditor::begin(const QString& typed) {
   if (line_ || cell.row > grid.RowCount() || cell.col > grid.ColCount()) return false;
   {
     const GridView::KeepScroll keep(view_);
-    if (!grid.beginEdit(cell.row, cell.col)) return false;
+    if (!grid.user().beginEdit(cell.row, cell.col)) return false;
   }
   cell_ = cell;
   view_.showCell(cell);
@@ -24,7 +24,8 @@ bool GridEditor::begin(const QString& typed) {
   line_->setAlignment(alignment == 1 ? Qt::AlignRight : alignment == 2 ? Qt::AlignHCenter : Qt::AlignLeft);
   line_->setText(toQString(grid.GetValue(cell.row, cell.col)));
   line_->selectAll();
-  connect(line_, &QLineEdit::textChanged, this, [&grid](const QString& text) { grid.type(toText(text)); });
+  connect(line_, &QLineEdit::textChanged, this,
+          [&grid](const QString& text) { grid.user().type(toText(text)); });
   if (!typed.isEmpty()) line_->setText(typed);
   line_->installEventFilter(this);
   QWidget::setTabOrder(&view_, line_);
@@ -36,7 +37,7 @@ bool GridEditor::begin(const QString& typed) {
 
 void GridEditor::place() {
   if (!line_) return;
-  if (!view_.grid().isEditing()) return close();
+  if (!view_.grid().user().isEditing()) return close();
   const QRect rect = view_.cellRect(cell_.row, cell_.col);
   // Out of sight it must not be hidden: it would lose the focus and with it the typing.
   line_->setGeometry(rect.isEmpty() ? QRect(-2, -2, 1, 1) : rect.adjusted(0, 0, -1, -1));
@@ -56,13 +57,13 @@ void GridEditor::close() {
 void GridEditor::end(bool keep) {
   if (!line_) return;
   host::GridControl& grid = view_.grid();
-  const bool isChanged = grid.isEditing() &&
+  const bool isChanged = grid.user().isEditing() &&
                          grid.GetCurrentCellText(cell_.row, cell_.col) != grid.GetValue(cell_.row, cell_.col);
   close();
   if (keep && isChanged) {
-    view_.perform([&grid] { grid.endEdit(true); });
+    view_.perform([&grid] { grid.user().endEdit(true); });
   } else {
-    grid.endEdit(false);
+    grid.user().endEdit(false);
   }
 }
 

@@ -35,7 +35,7 @@ void GridMouse::pressLeft(QPoint pixel, Qt::KeyboardModifiers modifiers) {
   view_.endEdit(true);
   isPressed_ = true;
   pressedAt_ = last_ = pixel;
-  view_.grid().pressLeft();
+  view_.grid().user().pressLeft();
   const Hit hit = view_.hit(pixel);
   switch (hit.on) {
     case Hit::On::Nothing:
@@ -96,23 +96,24 @@ void GridMouse::doubleClick(const QMouseEvent& event) {
   view_.endEdit(true);
   isPressed_ = true;
   pressedAt_ = last_ = pixel;
-  view_.grid().pressLeft();
+  view_.grid().user().pressLeft();
   const Hit hit = view_.hit(pixel);
   if (hit.on == Hit::On::Nothing) return;
   if (hit.on != Hit::On::ColumnBorder) {
     const CellPlace cell = leadingCell(view_.grid(), hit.cell);
-    view_.perform([&grid = view_.grid(), cell] { grid.doubleClick(cell.row, cell.col); });
+    view_.perform([&grid = view_.grid(), cell] { grid.user().doubleClick(cell.row, cell.col); });
     return;
   }
   // On a border it is a drag that ends where it starts; whoever listens may then fit the column.
   if (!startSizing(hit.cell.col, pixel)) return;
   act_ = Act::None;
   setMarks({});
-  view_.perform([&grid = view_.grid(), col = first_, width = width_] { grid.endColumnTrack(col, width); });
+  view_.perform(
+      [&grid = view_.grid(), col = first_, width = width_] { grid.user().endColumnTrack(col, width); });
 }
 
 bool GridMouse::startSizing(Position col, QPoint pixel) {
-  if (!view_.grid().startColumnTrack(col)) return false;
+  if (!view_.grid().user().startColumnTrack(col)) return false;
   act_ = Act::SizeColumn;
   first_ = col;
   width_ = view_.grid().colWidth(col);
@@ -154,7 +155,7 @@ void GridMouse::move(const QMouseEvent& event) {
 
 void GridMouse::startDrag() {
   asked_ = target_ = 0;
-  const bool isAllowed = view_.grid().startDrag(axis_, first_, final_);
+  const bool isAllowed = view_.grid().user().startDrag(axis_, first_, final_);
   act_ = isAllowed ? Act::Drag : Act::Refused;
   view_.viewport()->setCursor(isAllowed ? Qt::ClosedHandCursor : Qt::ForbiddenCursor);
 }
@@ -163,7 +164,7 @@ void GridMouse::moveDrag(QPoint pixel) {
   const Position target = view_.geometry().insertionAt(axis_, along(pixel));
   if (target == asked_) return;
   asked_ = target;
-  const bool isAllowed = view_.grid().moveDrag(axis_, first_, final_, target);
+  const bool isAllowed = view_.grid().user().moveDrag(axis_, first_, final_, target);
   target_ = isAllowed ? target : 0;
   view_.viewport()->setCursor(isAllowed ? Qt::ClosedHandCursor : Qt::ForbiddenCursor);
   GridMarks marks;
@@ -217,19 +218,19 @@ void GridMouse::finish(Act act) {
   if (isSized) {
     // The release is what settles the width.
     view_.perform([&grid, col = first_, width = width_] {
-      grid.endColumnTrack(col, width);
-      grid.releaseLeft();
+      grid.user().endColumnTrack(col, width);
+      grid.user().releaseLeft();
     });
     return;
   }
   if (act == Act::Drag && target_ > 0) {
     view_.perform([&grid, axis = axis_, first = first_, last = final_, target = target_] {
-      grid.dropDrag(axis, first, last, target);
-      grid.releaseLeft();
+      grid.user().dropDrag(axis, first, last, target);
+      grid.user().releaseLeft();
     });
     return;
   }
-  grid.releaseLeft();
+  grid.user().releaseLeft();
 }
 
 void GridMouse::cancel() {
@@ -237,7 +238,7 @@ void GridMouse::cancel() {
   view_.stopScrolling();
   setMarks({});
   view_.viewport()->unsetCursor();
-  if (std::exchange(isPressed_, false)) view_.grid().releaseLeft();
+  if (std::exchange(isPressed_, false)) view_.grid().user().releaseLeft();
 }
 
 void GridMouse::scrollBeyond(QPoint pixel) {

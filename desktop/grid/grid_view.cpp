@@ -224,7 +224,7 @@ void GridView::tellCurrent() { announceCurrentCell(*this); }
 
 void GridView::openMenu(CellPlace cell, QPoint pixel) {
   menuPosition_ = viewport()->mapToGlobal(pixel);
-  grid_.rightClick(cell.row, cell.col);
+  grid_.user().rightClick(cell.row, cell.col);
 }
 
 CellPlace GridView::cellOfMenu() const {

@@ -12,7 +12,7 @@ void SelectionPull::follow() {
 }
 
 void SelectionPull::click(CellPlace cell) {
-  grid_.clickCell(cell.row, cell.col);
+  grid_.user().clickCell(cell.row, cell.col);
   current_ = anchor_ = far_ = cell;
   kind_ = Kind::Cells;
   hasBlock_ = false;
@@ -20,7 +20,7 @@ void SelectionPull::click(CellPlace cell) {
 
 void SelectionPull::addCell(CellPlace cell) {
   grid_.SetCurrentCell(cell.row, cell.col);
-  grid_.selectCells(cell.row, cell.col, cell.row, cell.col, true);
+  grid_.user().selectCells(cell.row, cell.col, cell.row, cell.col, true);
   current_ = anchor_ = far_ = cell;
   kind_ = Kind::Cells;
   hasBlock_ = true;
@@ -28,9 +28,9 @@ void SelectionPull::addCell(CellPlace cell) {
 
 void SelectionPull::selectLines(Axis axis, Position line, bool addToSelection) {
   if (axis == Axis::Rows) {
-    grid_.selectRows(line, line, addToSelection);
+    grid_.user().selectRows(line, line, addToSelection);
   } else {
-    grid_.selectCols(line, line, addToSelection);
+    grid_.user().selectCols(line, line, addToSelection);
   }
   follow();
   anchor_ = far_ = {line, line};
@@ -39,7 +39,7 @@ void SelectionPull::selectLines(Axis axis, Position line, bool addToSelection) {
 }
 
 void SelectionPull::selectAll() {
-  grid_.selectCells(1, 1, grid_.RowCount(), grid_.ColCount());
+  grid_.user().selectCells(1, 1, grid_.RowCount(), grid_.ColCount());
   follow();
   kind_ = Kind::Cells;
   hasBlock_ = true;
@@ -48,9 +48,9 @@ void SelectionPull::selectAll() {
 void SelectionPull::select(CellPlace from, CellPlace to) {
   far_ = to;
   if (hasBlock_) {
-    grid_.reselectCells(from.row, from.col, to.row, to.col);
+    grid_.user().reselectCells(from.row, from.col, to.row, to.col);
   } else {
-    grid_.selectCells(from.row, from.col, to.row, to.col);
+    grid_.user().selectCells(from.row, from.col, to.row, to.col);
   }
   hasBlock_ = true;
 }

@@ -20,7 +20,7 @@ class ResultsPageWidget final : public BoundPage {
   QSize minimumSizeHint() const override;
 
  protected:
-  bool isEditing() const override { return grid_->isEditing(); }
+  bool isEditing() const override { return grid_->user().isEditing(); }
   void resizeEvent(QResizeEvent* event) override;
   void showEvent(QShowEvent* event) override;
   void changeEvent(QEvent* event) override;

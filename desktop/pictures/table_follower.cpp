@@ -46,8 +46,8 @@ std::set<std::int32_t> selectedResults(const OpenTable& table) {
 }
 
 void selectColumns(const OpenTable& table, std::int32_t first, std::int32_t last, bool adds) {
-  table.page.Transpose() ? table.grid.selectRows(first, last, adds)
-                         : table.grid.selectCols(first, last, adds);
+  table.page.Transpose() ? table.grid.user().selectRows(first, last, adds)
+                         : table.grid.user().selectCols(first, last, adds);
 }
 
 void selectResults(const OpenTable& table, const std::set<std::int32_t>& results) {
@@ -65,7 +65,7 @@ void selectResults(const OpenTable& table, const std::set<std::int32_t>& results
     selectColumns(table, first, column, !isFirst);
     isFirst = false;
   }
-  if (isFirst) table.grid.clickCell(table.grid.currentRow(), table.grid.currentCol());
+  if (isFirst) table.grid.user().clickCell(table.grid.currentRow(), table.grid.currentCol());
 }
 
 }  // namespace

@@ -100,10 +100,10 @@ void TableLink::select(std::int32_t row) {
     host::GridControl& grid = this->grid();
     if (table().Transpose()) {
       grid.SetCurrentCell(1, row);
-      grid.selectCols(row, row);
+      grid.user().selectCols(row, row);
     } else {
       grid.SetCurrentCell(row, 1);
-      grid.selectRows(row, row);
+      grid.user().selectRows(row, row);
     }
   });
 }
@@ -122,7 +122,7 @@ void TableLink::chooseExclude(std::int32_t row) {
   const bool isTransposed = table().Transpose();
   const auto controls = page()->control();
   const bool hasMenu = host_.platform().withoutPopups(
-      [&] { grid().rightClick(isTransposed ? 1 : row, isTransposed ? row : 1); });
+      [&] { grid().user().rightClick(isTransposed ? 1 : row, isTransposed ? row : 1); });
   if (hasMenu) required(controls->Controls().find<ui::MenuItem>(names::kExcludeBin), "MenuItem").choose();
 }
 

@@ -29,7 +29,7 @@ ErrorPanel::ErrorPanel(QWidget* parent) : QWidget(parent), list_(new QTreeWidget
   row->addLayout(buttons);
 }
 
-void ErrorPanel::add(const host::Report& report) {
+void ErrorPanel::add(const host::FailureReport& report) {
   const QString place = toQString(report.module) + QLatin1Char('.') + toQString(report.procedure);
   QTreeWidgetItem* failure = nullptr;
   if (isChainOpen_ && report.error == last_ && count() > 0) {

@@ -14,7 +14,7 @@ class ErrorPanel final : public QWidget {
   explicit ErrorPanel(QWidget* parent);
 
   // Each level of the calls reports a failure on its way out: those of one failure make one line.
-  void add(const host::Report& report);
+  void add(const host::FailureReport& report);
   void clear();
   int count() const { return list_->topLevelItemCount(); }
 

@@ -66,7 +66,7 @@ class MainWindow final : public QMainWindow {
   void connectExplorer();
   void connectPages();
   QWidget* makePageContent(host::HostPage& page, QWidget* parent);
-  void noteFailure(const host::Report& report);
+  void noteFailure(const host::FailureReport& report);
   void showHelp(const std::string& topic);
 
   // ---- commands

@@ -71,7 +71,7 @@ void MainWindow::connectHost() {
   front_ = std::make_unique<Front>(*this);
   progress_->follow(host.progress());
   connections_.push_back(
-      host.framework().Reported.connect([this](const host::Report& report) { noteFailure(report); }));
+      host.framework().Reported.connect([this](const host::FailureReport& report) { noteFailure(report); }));
   connections_.push_back(workbench_.keeper().Reopened.connect([this](const auto&, const std::string& line) {
     statusBar()->showMessage(toQString(line), kMessageTime);
   }));
@@ -80,7 +80,7 @@ void MainWindow::connectHost() {
   connections_.push_back(workbench_.Changed.connect([this] { studyChanged(); }));
 }
 
-void MainWindow::noteFailure(const host::Report& report) {
+void MainWindow::noteFailure(const host::FailureReport& report) {
   errors_->add(report);
   // Of what a page does, its keeper tells.
   if (report.module == names::kResultsModule && !workbench_.keeper().isAtWork())

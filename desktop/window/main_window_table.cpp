@@ -123,10 +123,10 @@ void MainWindow::pointAt(Axis axis, std::int32_t line) {
   host::GridControl& grid = gridOn(*page);
   if ((axis == Axis::Rows) != resultsOn(*page).Transpose()) {
     grid.SetCurrentCell(line, grid.currentCol());
-    grid.selectRows(line, line);
+    grid.user().selectRows(line, line);
   } else {
     grid.SetCurrentCell(grid.currentRow(), line);
-    grid.selectCols(line, line);
+    grid.user().selectCols(line, line);
   }
 }
 

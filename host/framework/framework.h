@@ -12,7 +12,7 @@
 
 namespace banddesk::host {
 
-struct Report {
+struct FailureReport {
   std::string title;
   std::string module;
   std::string procedure;
@@ -38,17 +38,17 @@ class HostFramework final : public Framework {
   std::string ApplicationPath() const override;
 
   // The failures reported so far, the latest last.
-  const std::vector<Report>& reports() const { return reports_; }
+  const std::vector<FailureReport>& reports() const { return reports_; }
   void clearReports() { reports_.clear(); }
 
   bool isDebugging = false;
-  Event<const Report&> Reported;  // listeners must not throw
+  Event<const FailureReport&> Reported;  // listeners must not throw
 
  private:
   FaultInjector& faults_;
   FrontSeat& seat_;
   std::string applicationPath_;
-  std::vector<Report> reports_;
+  std::vector<FailureReport> reports_;
 };
 
 class HostProgress final : public Progress {

@@ -56,15 +56,15 @@ class Hand {
       std::size_t end = begin + 1;
       while (end < lines.size() && lines[end] == lines[end - 1] + 1) ++end;
       const bool more = std::exchange(adds, true);
-      areColumns ? grid_.selectCols(lines[begin], lines[end - 1], more)
-                 : grid_.selectRows(lines[begin], lines[end - 1], more);
+      areColumns ? grid_.user().selectCols(lines[begin], lines[end - 1], more)
+                 : grid_.user().selectRows(lines[begin], lines[end - 1], more);
       begin = end;
     }
   }
 
   void choose(std::int32_t row, std::int32_t column, const char* item) {
     if (page_.Transpose()) std::swap(row, column);
-    platform_.withoutPopups([&] { grid_.rightClick(row, column); });
+    platform_.withoutPopups([&] { grid_.user().rightClick(row, column); });
     required(page_.Controls().find<ui::MenuItem>(item), item).choose();
   }
 

@@ -13,7 +13,7 @@ void show(const TablePlace& place, GridControl& grid) {
   grid.SetCurrentCell(place.currentRow, place.currentCol);
   bool adds = false;
   for (const Block& block : place.selection)
-    grid.selectCells(block.top, block.left, block.bottom, block.right, std::exchange(adds, true));
+    grid.user().selectCells(block.top, block.left, block.bottom, block.right, std::exchange(adds, true));
   grid.SetTopRow(place.topRow);
   grid.SetLeftCol(place.leftCol);
   grid.Redraw(2.0);

@@ -1,3 +1,4 @@
+// Columns of the grid control as wide as their texts need.
 #include <bit>
 #include <cmath>
 #include <limits>

@@ -1,3 +1,4 @@
+// The grid control's cells: texts, asides and styles, singly and in whole lines.
 #include <array>
 #include <cstring>
 
@@ -217,14 +218,15 @@ void GridControl::SetCoveredCells(std::int32_t top, std::int32_t left, std::int3
 
 void GridControl::SetCurrentCell(std::int32_t row, std::int32_t col) {
   if (row < 0 || col < 0) return;
-  if (edit_ && (edit_->row != row || edit_->col != col)) endEdit(true);
+  user_.leaveFor(row, col);
   currentRow_ = row;
   currentCol_ = col;
   scrollTo(row, col);
 }
 
 std::string GridControl::GetCurrentCellText(std::int32_t row, std::int32_t col) const {
-  return edit_ && edit_->row == row && edit_->col == col ? edit_->text : GetValue(row, col);
+  const std::string* typed = user_.typedAt(row, col);
+  return typed != nullptr ? *typed : GetValue(row, col);
 }
 
 void GridControl::StoreLine(Axis which, std::int32_t index, std::span<const LineCell> cells, LineStep&) {
@@ -279,17 +281,10 @@ void GridControl::visitLine(Axis which, std::int32_t index, std::int32_t from, s
   }
 }
 
-// The position along a line at which the user types.
-std::int32_t GridControl::typedIn(Axis which, std::int32_t index) const {
-  if (!edit_) return -1;
-  if (which == Axis::Rows) return edit_->row == index ? edit_->col : -1;
-  return edit_->col == index ? edit_->row : -1;
-}
-
 std::int32_t GridControl::AppendTexts(Axis which, std::int32_t index, std::int32_t from, std::int32_t to,
                                       bool visibleOnly, std::string_view before, std::string_view after,
                                       std::string& out) {
-  const std::int32_t typed = typedIn(which, index);
+  const std::int32_t typed = user_.typedIn(which, index);
   DigitTexts digits(before, after, out);
   std::int32_t last = -1;
   NumberText buffer;
@@ -301,7 +296,7 @@ std::int32_t GridControl::AppendTexts(Axis which, std::int32_t index, std::int32
     }
     digits.finish();
     out.append(before);
-    out.append(position == typed ? std::string_view(edit_->text) : store_.text(found, buffer));
+    out.append(position == typed ? user_.typedText() : store_.text(found, buffer));
     out.append(after);
   });
   digits.finish();

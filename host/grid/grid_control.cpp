@@ -1,3 +1,4 @@
+// The grid control: sizes, painting, what scrolls into view, and the exchange of rows and columns.
 #include "host/grid/grid_control.h"
 
 #include <limits>
@@ -30,7 +31,7 @@ void GridControl::keepViewInside() {
 }
 
 void GridControl::discard(Axis which, std::int32_t from, std::int32_t to) {
-  endEdit(false);
+  user_.endEdit(false);
   const std::vector<Slot> slots = axis(which).remove(from, to);
   store_.clear(which, slots);
   axis(which).order.handBack(slots);
@@ -80,7 +81,7 @@ void GridControl::ExchangeAxes(std::int64_t every, const CellsExchanged& done) {
 }
 
 void GridControl::exchangeAxes() {
-  endEdit(false);
+  user_.endEdit(false);
   store_.exchangeAxes();
   rows_.exchangeWith(cols_);
   coverings_.exchangeAxes();

@@ -1,10 +1,9 @@
-// The grid control without a toolkit: the contract's operations, what a view asks to paint, and what the user
-// does, as calls of a view or a test. It draws nothing itself; a view paints anew at each Repaint.
+// The grid control without a toolkit: the contract's operations, and what a view asks to paint. It draws
+// nothing itself; a view paints anew at each Repaint. What the user does there is GridUser's.
 #pragma once
 
 #include <algorithm>
 #include <memory>
-#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -12,6 +11,7 @@
 #include "host/grid/cell_store.h"
 #include "host/grid/coverings.h"
 #include "host/grid/grid_ports.h"
+#include "host/grid/grid_user.h"
 #include "host/grid/line_axis.h"
 #include "host/grid/looks.h"
 #include "host/grid/selection.h"
@@ -122,6 +122,9 @@ class GridControl final : public Grid, private GridData, private GridParameters,
 
   // ---- for a view
   Event<> Repaint;
+  // What the user does.
+  GridUser& user() { return user_; }
+  const GridUser& user() const { return user_; }
   GridPorts& ports() { return ports_; }
   // Null where nothing was ever written.
   const Cell* cell(std::int32_t row, std::int32_t col) const {
@@ -139,7 +142,6 @@ class GridControl final : public Grid, private GridData, private GridParameters,
   // Never beyond the table. A table that shrinks and grows again, as one made anew does, keeps its current cell.
   std::int32_t currentRow() const { return std::min(currentRow_, std::max(rows_.count, 1)); }
   std::int32_t currentCol() const { return std::min(currentCol_, std::max(cols_.count, 1)); }
-  bool isEditing() const { return edit_.has_value(); }
   // How many rows and columns the view shows at once; a new current cell scrolls into them.
   void setViewSize(std::int32_t rows, std::int32_t cols);
   const CellStore& store() const { return store_; }
@@ -147,44 +149,8 @@ class GridControl final : public Grid, private GridData, private GridParameters,
   bool isLocked() const { return isLocked_; }
   const Looks& looks() const { return looks_; }
 
-  // ---- the user's side (grid_user.cpp)
-  // Selections cover cells from 1 to the counts, whatever was asked, in either direction.
-  void selectCells(std::int32_t row, std::int32_t col, std::int32_t toRow, std::int32_t toCol,
-                   bool addToSelection = false);
-  void selectRows(std::int32_t first, std::int32_t last, bool addToSelection = false);
-  void selectCols(std::int32_t first, std::int32_t last, bool addToSelection = false);
-  // The block selected last becomes this one: the user goes on pulling at it.
-  void reselectCells(std::int32_t row, std::int32_t col, std::int32_t toRow, std::int32_t toCol);
-  void clickCell(std::int32_t row, std::int32_t col);
-  void rightClick(std::int32_t row, std::int32_t col);
-  void doubleClick(std::int32_t row, std::int32_t col);
-  void pressLeft() { OnLButtonDown.raise(); }
-  void releaseLeft() { OnLButtonUp.raise(); }
-  // A width drag in its steps; false if the start was refused.
-  bool startColumnTrack(std::int32_t col);
-  void endColumnTrack(std::int32_t col, std::int32_t width);
-  // The whole drag: press, start, end, release.
-  bool trackColumnWidth(std::int32_t col, std::int32_t width);
-  // The drag of selected lines in front of `target`, a line or one past the last. False if it is not allowed
-  // or was refused.
-  bool dragColumns(std::int32_t first, std::int32_t last, std::int32_t target);
-  bool dragRows(std::int32_t first, std::int32_t last, std::int32_t target);
-  // The same drag in its steps. The start and each move tell whether they are allowed; only after an allowed
-  // move to that target may the lines be dropped there.
-  bool startDrag(Axis axis, std::int32_t first, std::int32_t last);
-  bool moveDrag(Axis axis, std::int32_t first, std::int32_t last, std::int32_t target);
-  void dropDrag(Axis axis, std::int32_t first, std::int32_t last, std::int32_t target);
-  // Typing into a cell. A read-only or a header cell refuses.
-  bool beginEdit(std::int32_t row, std::int32_t col);
-  void type(std::string text);
-  bool endEdit(bool keep);
-
  private:
-  struct Edit {
-    std::int32_t row;
-    std::int32_t col;
-    std::string text;
-  };
+  friend class GridUser;
 
   // The objects that the contract hands out, so that their operations do not stand on the control itself.
   bool StoreStyleRowCol(std::int32_t row, std::int32_t col, const GridStyle& style, StyleMode mode,
@@ -204,23 +170,20 @@ class GridControl final : public Grid, private GridData, private GridParameters,
   template <class Visitor>
   void visitLine(Axis which, std::int32_t index, std::int32_t from, std::int32_t to, bool visibleOnly,
                  Visitor visitor) const;
-  std::int32_t typedIn(Axis which, std::int32_t index) const;
   bool refuses(std::int32_t row, std::int32_t col) const { return lockReadOnly_ && isReadOnly(row, col); }
 
   void setCount(Axis which, std::int32_t count);
   void discard(Axis which, std::int32_t from, std::int32_t to);
   bool removeLines(Axis which, std::int32_t from, std::int32_t to);
   bool sortLines(Axis which, Block block, std::int32_t count, std::span<const SortInfo> infos);
-  void moveSelected(Axis which, std::int32_t first, std::int32_t last, std::int32_t target);
+  // The lines stand in front of `target` then, and are selected.
+  void moveLines(Axis which, std::int32_t first, std::int32_t last, std::int32_t target);
   bool changeCells(const Block& block, const GridStyle& style, StyleMode mode);
   void changeBlock(const Block& block, const GridStyle& style, StyleMode mode);
   void changeAsides(std::int32_t row, std::int32_t col, const GridStyle& style, StyleMode mode);
   void keepViewInside();
   void dropNewlyHidden(Axis which, std::int32_t& current);
   void scrollTo(std::int32_t row, std::int32_t col);
-  void select(const Block& block, bool addToSelection);
-  bool mayDrag(Axis which, std::int32_t first, std::int32_t last) const;
-  bool dragLines(Axis which, std::int32_t first, std::int32_t last, std::int32_t target);
   PrintJob printJob() const;
 
   GridPorts ports_;
@@ -231,7 +194,7 @@ class GridControl final : public Grid, private GridData, private GridParameters,
   LineAxis cols_;
   Coverings coverings_;
   Selection selection_;
-  std::optional<Edit> edit_;
+  GridUser user_{*this};
   std::vector<PrintBlockCell> printHeader_;
   std::vector<PrintBlockCell> printFooter_;
   std::int32_t currentRow_ = 1;

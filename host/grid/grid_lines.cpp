@@ -1,3 +1,4 @@
+// The grid control's rows and columns: insert, remove, hide, freeze, move and sort.
 #include <limits>
 #include <numeric>
 
@@ -50,13 +51,25 @@ bool standsBefore(const std::vector<SortKey>& keys, std::size_t a, std::size_t b
 bool GridControl::InsertRows(std::int32_t start, std::int32_t count) {
   if (count > std::numeric_limits<std::int32_t>::max() - 1 - rows_.count) return false;
   if (count <= 0) return true;
-  endEdit(false);
+  user_.endEdit(false);
   start = std::max(start, 1);
   rows_.insert(start, count);
   rows_.count += count;
   coverings_.insertLines(Axis::Rows, start, count);
   selection_.insertLines(Axis::Rows, start, count);
   return true;
+}
+
+void GridControl::moveLines(Axis which, std::int32_t first, std::int32_t last, std::int32_t target) {
+  if (target >= first && target <= last + 1) return;
+  user_.endEdit(false);
+  axis(which).move(first, last, target);
+  const std::int32_t start = target < first ? target : target - (last - first + 1);
+  Block moved{1, 1, rows_.count, cols_.count};
+  moved.first(which) = start;
+  moved.last(which) = start + last - first;
+  selection_.clear();
+  selection_.add(moved);
 }
 
 bool GridControl::removeLines(Axis which, std::int32_t from, std::int32_t to) {
@@ -121,7 +134,7 @@ bool GridControl::sortLines(Axis which, Block block, std::int32_t count, std::sp
     }
   }
   if (keys.empty()) return false;
-  endEdit(false);
+  user_.endEdit(false);
   std::vector<Position> order(static_cast<std::size_t>(last - first) + 1);
   std::iota(order.begin(), order.end(), first);
   std::ranges::stable_sort(order, [&](Position a, Position b) {

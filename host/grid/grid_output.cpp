@@ -1,3 +1,4 @@
+// What the grid control gives away: copies to the clipboard and prints.
 #include <map>
 
 #include "host/grid/excel_writer.h"

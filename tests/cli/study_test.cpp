@@ -131,11 +131,11 @@ TEST(StudyFiles, KeepWhatAUserDidToTheGrid) {
     session.openStudy(std::make_shared<host::SqliteStore>(study));
     session.analyze({});
     auto& grid = session.grid();
-    ASSERT_TRUE(grid.trackColumnWidth(4, 123));
-    grid.selectCols(5, 5);
-    ASSERT_TRUE(grid.dragColumns(5, 5, 2));
-    grid.selectCols(12, 12);
-    ASSERT_TRUE(grid.dragColumns(12, 12, 10));
+    ASSERT_TRUE(grid.user().trackColumnWidth(4, 123));
+    grid.user().selectCols(5, 5);
+    ASSERT_TRUE(grid.user().dragColumns(5, 5, 2));
+    grid.user().selectCols(12, 12);
+    ASSERT_TRUE(grid.user().dragColumns(12, 12, 10));
     session.excludeSample("a");
     session.save();
     saved = host::snapshotOf(session.analysis());

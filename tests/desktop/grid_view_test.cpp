@@ -162,7 +162,7 @@ TEST_F(GridViewTest, ScrollingShowsThePictureThatAFullPaintWouldShow) {
   grid.SetFrozenRows(2, 0);
   grid.SetFrozenCols(1, 0);
   grid.HideRows(9, 20, true);
-  grid.selectCells(3, 2, 30, 4);
+  grid.user().selectCells(3, 2, 30, 4);
   settle();
   const auto screen = [this] {
     settle();
@@ -308,7 +308,7 @@ TEST_F(GridViewTest, AnEmptyTableInATinyViewBearsEveryKeyAndClick) {
     }
     for (const QPoint pixel : {QPoint(1, 1), QPoint(65, 10), QPoint(200, 100)}) drag(pixel, {280, 190});
     EXPECT_EQ(selection(), "");
-    EXPECT_FALSE(grid.isEditing());
+    EXPECT_FALSE(grid.user().isEditing());
     grid.SetColCount(0);
   }
 }

@@ -151,10 +151,10 @@ TEST(ResultsPage, LeavesTheKeysOfACellBeingEditedAlone) {
   writable.SetReadOnly(false);
   grid.SetLockReadOnly(false);
   grid.GridParam().GetData().StoreStyleRowCol(1, 1, writable, StyleMode::Override, 0);
-  ASSERT_TRUE(grid.beginEdit(1, 1));
+  ASSERT_TRUE(grid.user().beginEdit(1, 1));
   QTest::keyClick(shown.grid, Qt::Key_Return);
   EXPECT_EQ(shown.analyses(), 0U);
-  grid.endEdit(false);
+  grid.user().endEdit(false);
   QTest::keyClick(shown.grid, Qt::Key_Return);
   EXPECT_EQ(shown.analyses(), 1U);
 }
@@ -215,7 +215,7 @@ class WarningForm : public ::testing::Test {
   WarningForm() : shown("AFLP") {
     shown.desk.host.study().Options().SetShowInclusionWarning(true);
     shown.desk.front.onRunModal = [this](ui::Form& form) { runForm(form, shown.widget.get()); };
-    shown.desk.grid().rightClick(1, 1);
+    shown.desk.grid().user().rightClick(1, 1);
     shown.desk.choose("mnuExcludeBin");
   }
   // Enter with another width, and the user's answer to the form that comes up.

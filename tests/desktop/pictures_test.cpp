@@ -116,8 +116,8 @@ TEST_F(Pictures, SelectWhatIsSelectedInAnyOfThemAndInTheTableWhicheverWayItLies)
     const Box& well = boxOf(plates, BoxKind::Place, 0);
     click(plates, {well.at.x + 5, well.at.y + 5}, Qt::ControlModifier);
     EXPECT_THAT(selectedColumns(), ElementsAre(column(1), column(2), column(4)));
-    isTransposed ? desk.grid().selectRows(column(5), column(5))
-                 : desk.grid().selectCols(column(5), column(5));
+    isTransposed ? desk.grid().user().selectRows(column(5), column(5))
+                 : desk.grid().user().selectCols(column(5), column(5));
     EXPECT_TRUE(QTest::qWaitFor([&] { return selected() == std::set{5}; }));
     QTest::keyClick(&plates.view(), Qt::Key_Escape);
     EXPECT_THAT(selectedColumns(), testing::IsEmpty());

@@ -319,9 +319,9 @@ class Table : public testing::Test {
     auto& grid = desk.grid();
     const std::int32_t first = table().NumCols() - 3;
     if (table().Transpose())
-      grid.selectRows(first, first + count - 1);
+      grid.user().selectRows(first, first + count - 1);
     else
-      grid.selectCols(first, first + count - 1);
+      grid.user().selectCols(first, first + count - 1);
     desk.choose(item);
     opened.reset(makeViewPage(host, *host.pages().openPages().back(), nullptr));
     opened->resize(900, 600);
@@ -391,7 +391,7 @@ TEST(Review, OfManySamplesDrawsThoseInTheBinFirstAndSomeThatAreNot) {
   desk.newAnalysis();
   desk.control<ui::CheckBox>("chkExcludeFullBins").Value = 0;  // they would leave nothing
   desk.wait();
-  desk.grid().selectCols(desk.page().NumCols() - 69, desk.page().NumCols());
+  desk.grid().user().selectCols(desk.page().NumCols() - 69, desk.page().NumCols());
   desk.choose("mnuOverlayCell");
   const std::unique_ptr<QWidget> opened(
       makeViewPage(desk.host, *desk.host.pages().openPages().back(), nullptr));

@@ -196,8 +196,9 @@ TEST_F(Window, OpensAPageAnewThatItsOwnProcedureLeftHalfMade) {
   const auto former = host().pages().find("AFLP", analysis);
   host().faults().failAt("GridUtilities", "BuildSortInfo", 1,
                          Error(ErrorNumber::Internal, "Test", "The disk is away."));
-  host().pages().userEvent(
-      *former, [&] { former->control()->Controls().find<host::GridControl>("grdAFLP")->doubleClick(0, 1); });
+  host().pages().userEvent(*former, [&] {
+    former->control()->Controls().find<host::GridControl>("grdAFLP")->user().doubleClick(0, 1);
+  });
   EXPECT_NE(host().pages().find("AFLP", analysis), former);
   EXPECT_EQ(pages().count(), 2);
   EXPECT_EQ(pages().currentIndex(), 0);
@@ -212,7 +213,7 @@ TEST_F(Window, ListsAFailureOnceAndOpensTheLockedPageAnew) {
   const auto failed = host().pages().find("AFLP", analysis);
   host().faults().failAt("GridUtilities", "BuildSortInfo", 1,
                          Error(ErrorNumber::Internal, "Test", "The disk is away."));
-  failed->control()->Controls().find<host::GridControl>("grdAFLP")->doubleClick(0, 1);
+  failed->control()->Controls().find<host::GridControl>("grdAFLP")->user().doubleClick(0, 1);
   host().faults().disarm();
   QTest::qWait(0);
   EXPECT_EQ(window.findChild<desktop::ErrorPanel*>()->count(), 1);
@@ -260,7 +261,7 @@ TEST_F(Window, OpensManyPagesAsLinesAndClosesThemByTheirTabs) {
   newAnalysis();
   const auto table = host().pages().openPages().front();
   auto& grid = *table->control()->Controls().find<host::GridControl>("grdAFLP");
-  grid.selectCols(10, 10 + 26);
+  grid.user().selectCols(10, 10 + 26);
   const auto take = [&](const char* button) {
     QString told;
     answer(button, &told);
@@ -350,9 +351,9 @@ TEST_F(Window, ReviewsTheSelectedBinWhateverWasClickedWithTheRightButton) {
   newAnalysis();
   const auto table = host().pages().openPages().front();
   auto& grid = *table->control()->Controls().find<host::GridControl>("grdAFLP");
-  grid.selectRows(2, 2);
-  grid.clickCell(2, 3);
-  host().platform().withoutPopups([&] { grid.rightClick(0, 10); });
+  grid.user().selectRows(2, 2);
+  grid.user().clickCell(2, 3);
+  host().platform().withoutPopups([&] { grid.user().rightClick(0, 10); });
   QTest::keyClick(&window, Qt::Key_B, Qt::ControlModifier);
   const auto* view = pages().findChild<desktop::OverlayView*>();
   ASSERT_NE(view, nullptr);

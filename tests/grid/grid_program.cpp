@@ -212,8 +212,9 @@ void GridProgram::drag() {
   const int axis = upTo_(1), first = upTo_(kSpan - 1) + 1, last = upTo_(kSpan - 1) + 1;
   const int target = upTo_(kSpan) + 1;
   grid_.Redraw(2.0);  // lines that went out of sight since the last one would leave the selection
-  axis == 0 ? grid_.selectRows(first, last) : grid_.selectCols(first, last);
-  const bool moved = axis == 0 ? grid_.dragRows(first, last, target) : grid_.dragColumns(first, last, target);
+  axis == 0 ? grid_.user().selectRows(first, last) : grid_.user().selectCols(first, last);
+  const bool moved =
+      axis == 0 ? grid_.user().dragRows(first, last, target) : grid_.user().dragColumns(first, last, target);
   const bool mayMove = first <= last && last <= model_.count[axis] && target <= model_.count[axis] + 1 &&
                        model_.count[1 - axis] > 0;
   require(moved == mayMove, "a drag is allowed otherwise");

@@ -76,19 +76,19 @@ TEST(GridUser, SelectionsCoverCellsOfTheTableOnly) {
     return Block{range.Top, range.Left, range.Bottom, range.Right};
   };
   EXPECT_EQ(list.GetCount(), 0);
-  grid.selectCols(2, 1);
+  grid.user().selectCols(2, 1);
   EXPECT_EQ(last(), (Block{1, 1, 4, 2}));
-  grid.selectRows(0, 2, true);
+  grid.user().selectRows(0, 2, true);
   EXPECT_EQ(last(), (Block{1, 1, 2, 3}));
-  grid.selectCells(3, 9, 2, 2, true);
+  grid.user().selectCells(3, 9, 2, 2, true);
   EXPECT_EQ(last(), (Block{2, 2, 3, 3}));
   EXPECT_EQ(list.GetCount(), 3);
   EXPECT_THROW(list.Item(3), Error);
   grid.RemoveRows(1, 2);
   EXPECT_EQ(list.GetCount(), 2) << "the rows of one range are gone";
-  grid.rightClick(1, 1);
+  grid.user().rightClick(1, 1);
   EXPECT_EQ(list.GetCount(), 2);
-  grid.clickCell(1, 1);
+  grid.user().clickCell(1, 1);
   EXPECT_EQ(list.GetCount(), 0);
   EXPECT_EQ(std::pair(grid.currentRow(), grid.currentCol()), std::pair(1, 1));
 }
@@ -105,8 +105,8 @@ TEST(GridUser, DraggedColumnsTakeCellsAndWidthsAlongBeforeTheDrop) {
     letters(grid);
     grid.SetColWidth(2, 2, 22);
     EventLog log(grid);
-    grid.selectCols(each.first, each.last);
-    EXPECT_TRUE(grid.dragColumns(each.first, each.last, each.target));
+    grid.user().selectCols(each.first, each.last);
+    EXPECT_TRUE(grid.user().dragColumns(each.first, each.last, each.target));
     EXPECT_EQ(header(grid), each.wanted);
     EXPECT_EQ(log.HeaderAtDrop, header(grid).substr(0, 1));
     EXPECT_EQ(grid.colWidth(each.narrowAfter), 22) << each.wanted;
@@ -137,8 +137,8 @@ TEST(GridUser, ADragThatIsNotAllowedMovesNothing) {
     grid.SetAllowDragCols(each.allowed);
     EventLog log(grid);
     log.Refuses = each.refused;
-    each.selected ? grid.selectCols(2, 3) : grid.selectCells(1, 2, 2, 3);
-    EXPECT_FALSE(grid.dragColumns(2, 3, each.target)) << each.what;
+    each.selected ? grid.user().selectCols(2, 3) : grid.user().selectCells(1, 2, 2, 3);
+    EXPECT_FALSE(grid.user().dragColumns(2, 3, each.target)) << each.what;
     EXPECT_EQ(header(grid), "abcdef") << each.what;
     EXPECT_EQ(log.taken(), each.events) << each.what;
   }
@@ -148,15 +148,15 @@ TEST(GridUser, AWidthDragComesAsPressTrackEndAndRelease) {
   GridControl grid("grid");
   letters(grid);
   EventLog log(grid);
-  EXPECT_TRUE(grid.trackColumnWidth(2, 71));
+  EXPECT_TRUE(grid.user().trackColumnWidth(2, 71));
   EXPECT_EQ(log.taken(), "down;track 2;tracked 2 71 71;up;");
   log.Refuses = "track";
-  EXPECT_FALSE(grid.trackColumnWidth(2, 90));
+  EXPECT_FALSE(grid.user().trackColumnWidth(2, 90));
   EXPECT_EQ(log.taken(), "down;track 2;up;");
   EXPECT_EQ(grid.colWidth(2), 71);
   EXPECT_FALSE(grid.GridPressState());
-  grid.rightClick(0, 4);
-  grid.doubleClick(3, 0);
+  grid.user().rightClick(0, 4);
+  grid.user().doubleClick(3, 0);
   EXPECT_EQ(log.taken(), "right 0 4;double 3 0;");
 }
 
@@ -164,16 +164,16 @@ TEST(GridUser, TheLiveTextIsWhatIsTypedThere) {
   GridControl grid("grid");
   letters(grid);
   grid.SetValueRange(1, 1, "old", 4);
-  EXPECT_FALSE(grid.beginEdit(0, 1)) << "headers are not typed into";
-  ASSERT_TRUE(grid.beginEdit(1, 1));
+  EXPECT_FALSE(grid.user().beginEdit(0, 1)) << "headers are not typed into";
+  ASSERT_TRUE(grid.user().beginEdit(1, 1));
   EXPECT_EQ(grid.GetCurrentCellText(1, 1), "old");
-  grid.type("new");
+  grid.user().type("new");
   EXPECT_EQ(grid.GetCurrentCellText(1, 1) + grid.GetValue(1, 1) + grid.GetCurrentCellText(1, 2), "newold");
-  EXPECT_FALSE(grid.endEdit(false));
+  EXPECT_FALSE(grid.user().endEdit(false));
   EXPECT_EQ(grid.GetCurrentCellText(1, 1), "old");
 
-  grid.beginEdit(1, 1);
-  grid.type("kept");
+  grid.user().beginEdit(1, 1);
+  grid.user().type("kept");
   grid.SetCurrentCell(2, 2);  // leaving the cell keeps what was typed
   EXPECT_EQ(grid.GetValue(1, 1), "kept");
 
@@ -183,12 +183,12 @@ TEST(GridUser, TheLiveTextIsWhatIsTypedThere) {
   range.InitRange(1, 1, 1, 1);
   grid.SetStyleRange(range, readOnly, StyleMode::Override);
   EXPECT_FALSE(grid.LockReadOnly());
-  EXPECT_FALSE(grid.beginEdit(1, 1)) << "a read-only cell refuses the user whatever the lock";
+  EXPECT_FALSE(grid.user().beginEdit(1, 1)) << "a read-only cell refuses the user whatever the lock";
 
-  grid.beginEdit(2, 2);
-  grid.type("lost");
+  grid.user().beginEdit(2, 2);
+  grid.user().type("lost");
   grid.RemoveRows(1, 1);  // its line went away under it
-  EXPECT_FALSE(grid.isEditing());
+  EXPECT_FALSE(grid.user().isEditing());
 }
 
 TEST(GridUser, ARedrawHappensOnlyWhenNothingHoldsItBack) {
@@ -228,7 +228,7 @@ TEST(GridUser, WhatAPieceOfWorkHidesIsSelectedNoMore) {
     grid.SetRowCount(8);
     grid.SetColCount(5);
     grid.SetCurrentCell(3, 2);
-    grid.selectCells(each.selected.top, each.selected.left, each.selected.bottom, each.selected.right);
+    grid.user().selectCells(each.selected.top, each.selected.left, each.selected.bottom, each.selected.right);
     const bool isLocked = grid.LockUpdate(true);
     // As a sort does it: all are shown and some are hidden again, and only what it leaves counts.
     grid.HideRows(1, 8, true);

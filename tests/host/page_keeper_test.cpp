@@ -31,7 +31,7 @@ class Kept : public testing::Test {
     act([&] { desk.page().ExcludeColumn(12, true); });
     for (const int row : {2, 4}) {
       act([&] {
-        desk.grid().clickCell(row, 1);
+        desk.grid().user().clickCell(row, 1);
         desk.chooseAt(row, 1, "mnuExcludeBin");
       });
     }
@@ -39,7 +39,7 @@ class Kept : public testing::Test {
   }
 
   void lookAround() {
-    desk.grid().selectRows(3, 5);
+    desk.grid().user().selectRows(3, 5);
     desk.grid().SetCurrentCell(5, 11);
     desk.grid().SetTopRow(3);
     desk.grid().SetLeftCol(2);

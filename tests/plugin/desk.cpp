@@ -143,7 +143,7 @@ host::GridControl& Desk::grid() {
 
 void Desk::chooseAt(std::int32_t row, std::int32_t col, const std::string& menuItem) {
   // NOLINTNEXTLINE(readability-suspicious-call-argument): rows and columns have changed places
-  page().Transpose() ? grid().rightClick(col, row) : grid().rightClick(row, col);
+  page().Transpose() ? grid().user().rightClick(col, row) : grid().user().rightClick(row, col);
   choose(menuItem);
 }
 

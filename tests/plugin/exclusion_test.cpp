@@ -184,14 +184,14 @@ TEST(ByHand, ABinIsExcludedBroughtBackAndBoth) {
 TEST(ByHand, SeveralRowsTakeTheStateOfTheOneThatWasClicked) {
   Shown t({{0, {{100, {1, 1, 1}}, {200, {1, 0, 1}}, {300, {0, 1, 1}}, {400, {0, 1, 0}}}}});
   t.set("chkExcludeEmptySamples", 0);
-  t.desk.grid().selectRows(1, 3);
+  t.desk.grid().user().selectRows(1, 3);
   t.excludeBin(2);
   EXPECT_EQ(t.greyHeaders(), "123");
-  t.desk.grid().selectRows(1, 4);
+  t.desk.grid().user().selectRows(1, 4);
   t.excludeBin(1);
   EXPECT_EQ(t.greyHeaders(), "") << "brought back, and the others no longer excluded";
   EXPECT_TRUE(t.page.AnyManualExclusions());
-  t.desk.grid().selectCols(10, 11);
+  t.desk.grid().user().selectCols(10, 11);
   t.excludeSample(11);
   EXPECT_EQ(t.greyHeaders(), "23-1-2") << "two bins are full by what is left";
   t.excludeSample(10);

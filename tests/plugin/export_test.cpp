@@ -80,8 +80,8 @@ TEST(Matrix, HoldsPresenceOfVisibleBinsAndSamplesWhateverIsShown) {
       desk.wait();
       desk.page().SetCellText("6", 3, "3 0,0");  // of a bin, a label is the text as it stands
       desk.page().HideRows(2, 2, true);
-      desk.grid().selectCols(12, 12);
-      desk.grid().dragColumns(12, 12, 10);
+      desk.grid().user().selectCols(12, 12);
+      desk.grid().user().dragColumns(12, 12, 10);
       desk.page().HideCols(desk.page().Col("-2"), desk.page().Col("-2"), true);
       desk.host.faults().startRecording();
       std::string head;

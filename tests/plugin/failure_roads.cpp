@@ -35,8 +35,8 @@ void addMenus(std::vector<Road>& all) {
       const auto prepare = [row, col](Desk& desk) {
         openAnalysis(desk);
         answerQuestions(desk);
-        desk.grid().selectCols(10, 11);
-        desk.grid().rightClick(row, col);
+        desk.grid().user().selectCols(10, 11);
+        desk.grid().user().rightClick(row, col);
       };
       all.push_back({name, prepare, [name](Desk& desk) { desk.choose(name); }, true});
     }
@@ -103,18 +103,18 @@ void addMouse(std::vector<Road>& all) {
     desk.page().UserControl_KeyDown(key);
   });
   event(all, "resize", [](Desk& desk) { desk.page().UserControl_Resize(500, 700); });
-  event(all, "right click", [](Desk& desk) { desk.grid().rightClick(0, 10); });
-  event(all, "sort by column", [](Desk& desk) { desk.grid().doubleClick(0, 1); });
-  event(all, "sort by bin", [](Desk& desk) { desk.grid().doubleClick(1, 1); });
-  event(all, "width", [](Desk& desk) { desk.grid().trackColumnWidth(3, 50); });
+  event(all, "right click", [](Desk& desk) { desk.grid().user().rightClick(0, 10); });
+  event(all, "sort by column", [](Desk& desk) { desk.grid().user().doubleClick(0, 1); });
+  event(all, "sort by bin", [](Desk& desk) { desk.grid().user().doubleClick(1, 1); });
+  event(all, "width", [](Desk& desk) { desk.grid().user().trackColumnWidth(3, 50); });
   event(all, "drag", [](Desk& desk) {
-    desk.grid().selectCols(10, 10);
-    desk.grid().dragColumns(10, 10, 13);
+    desk.grid().user().selectCols(10, 10);
+    desk.grid().user().dragColumns(10, 10, 13);
   });
   event(all, "drag rows", [](Desk& desk) {
     desk.control<ui::ComboBox>("cbxSampleAxis").ListIndex = 1;
-    desk.grid().selectRows(10, 10);
-    desk.grid().dragRows(10, 10, 13);
+    desk.grid().user().selectRows(10, 10);
+    desk.grid().user().dragRows(10, 10, 13);
   });
   event(all, "analysis that loses decisions", [](Desk& desk) {
     desk.chooseAt(2, 1, "mnuExcludeBin");

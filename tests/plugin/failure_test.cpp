@@ -51,7 +51,7 @@ bool isSwallowed(const Pair& pair) {
 }
 
 // Each level of the call chain has reported the same error once.
-void expectChain(const Pair& pair, const Error& injected, const std::vector<host::Report>& reports) {
+void expectChain(const Pair& pair, const Error& injected, const std::vector<host::FailureReport>& reports) {
   // Where a page cannot even be made, the failure ends with its report, and what follows is the host's own.
   const bool isFollowed = !reports.empty() && reports.front().procedure == "UserControl_Initialize";
   std::set<std::pair<std::string, std::string>> levels;

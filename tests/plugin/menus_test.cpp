@@ -68,7 +68,7 @@ TEST(Menus, PopUpByPlaceWithTheirItemsPrepared) {
       desk.front.onShowPopup = [&](ui::MenuItem& menu, ui::MenuItem* usual) {
         shown = menu.Name() + (usual == nullptr ? "" : " " + usual->Name());
       };
-      transposed ? desk.grid().rightClick(c.col, c.row) : desk.grid().rightClick(c.row, c.col);
+      transposed ? desk.grid().user().rightClick(c.col, c.row) : desk.grid().user().rightClick(c.row, c.col);
       const std::string at =
           std::to_string(c.row) + "," + std::to_string(c.col) + (transposed ? " transposed" : "");
       EXPECT_EQ(shown, c.menu) << at;
@@ -167,19 +167,19 @@ TEST(Views, OpenForTheSelectedSamples) {
   desk.newAnalysis();
   desk.host.study().setDisplayViewIndex(2);
   for (const std::string place : {"Cell", "Column"}) {
-    desk.grid().selectCols(9, 11);
+    desk.grid().user().selectCols(9, 11);
     const auto single = opened(desk, "mnuSingle" + place);
     ASSERT_EQ(single.size(), 2U);
     EXPECT_THAT(single[0], ::testing::MatchesRegex("SingleSample Result SampleData.* - a"));
     EXPECT_THAT(single[1], ::testing::MatchesRegex("SingleSample Result SampleData.* - b"));
     EXPECT_THAT(opened(desk, "mnuEgram" + place), ElementsAre("StackedView 1 2"));
     EXPECT_THAT(opened(desk, "mnuOverlay" + place), ElementsAre("OverlayGraphView 1 2"));
-    desk.grid().selectCols(1, 3);
+    desk.grid().user().selectCols(1, 3);
     EXPECT_THAT(opened(desk, "mnuSingle" + place), IsEmpty());
     EXPECT_THAT(opened(desk, "mnuEgram" + place), ElementsAre("StackedView"));
     desk.page().HideCols(12, 12, true);
     desk.grid().Redraw(2.0);  // or its going would take it out of the selection
-    desk.grid().selectCols(12, 12);
+    desk.grid().user().selectCols(12, 12);
     for (const std::string view : {"mnuSingle", "mnuEgram", "mnuOverlay"})
       EXPECT_THAT(opened(desk, view + place), IsEmpty());
     desk.page().HideCols(12, 12, false);

@@ -111,7 +111,7 @@ std::vector<Chain> eventChains() {
   return {
       {"Grid", "ResizeToFit", [](Desk& d) { d.control<ui::CheckBox>("chkShowExcluded").click(), d.wait(); },
        "ResizeColumnSet|ResizeCols|ShowExcluded|ctlTimer_Timer|"},
-      {"Grid", "GetRangeList", [](Desk& d) { d.grid().rightClick(1, 1); },
+      {"Grid", "GetRangeList", [](Desk& d) { d.grid().user().rightClick(1, 1); },
        "GetSelected|grdAFLP_OnRButtonClickedRowCol|"},
       {"Grid", "SetStyleRange", [](Desk& d) { d.chooseAt(2, 1, "mnuExcludeBin"); },
        "SetStyleRange|mnuExcludeBin_Click|"},

@@ -199,9 +199,9 @@ std::int32_t RandomUser::pick(Axis axis) {
 
 void RandomUser::mouse() {
   const std::int32_t r = row(), c = col();
-  if (upTo_(1) == 0) return desk_.grid().clickCell(r, c);
+  if (upTo_(1) == 0) return desk_.grid().user().clickCell(r, c);
   said_ += " twice at " + integerText(r) + "," + integerText(c);
-  desk_.grid().doubleClick(r, c);
+  desk_.grid().user().doubleClick(r, c);
 }
 
 // Headers and the bins' own column have menus of their own, so they are hit as often as cells.
@@ -212,19 +212,19 @@ void RandomUser::menu() {
   if (where == 0) (transposed ? c : r) = 0;
   if (where == 1) (transposed ? r : c) = 1;
   said_ += " at " + integerText(r) + "," + integerText(c);
-  desk_.grid().rightClick(r, c);
+  desk_.grid().user().rightClick(r, c);
 }
 
 void RandomUser::drag() {
   auto& grid = desk_.grid();
   if (upTo_(2) == 0) {
-    grid.trackColumnWidth(col(), upTo_(255) - 1);
+    grid.user().trackColumnWidth(col(), upTo_(255) - 1);
     return;
   }
   const bool rows = upTo_(1) == 0;
   const std::int32_t first = rows ? row() : col(), last = first + upTo_(2), target = rows ? row() : col();
-  rows ? grid.selectRows(first, last) : grid.selectCols(first, last);
-  rows ? grid.dragRows(first, last, target) : grid.dragColumns(first, last, target);
+  rows ? grid.user().selectRows(first, last) : grid.user().selectCols(first, last);
+  rows ? grid.user().dragRows(first, last, target) : grid.user().dragColumns(first, last, target);
 }
 
 void RandomUser::select() {
@@ -232,11 +232,11 @@ void RandomUser::select() {
   const bool add = upTo_(1) == 0;
   switch (upTo_(2)) {
     case 0:
-      return grid.selectRows(row(), row(), add);
+      return grid.user().selectRows(row(), row(), add);
     case 1:
-      return grid.selectCols(col(), col(), add);
+      return grid.user().selectCols(col(), col(), add);
     default:
-      return grid.selectCells(row(), col(), row(), col(), add);
+      return grid.user().selectCells(row(), col(), row(), col(), add);
   }
 }
 

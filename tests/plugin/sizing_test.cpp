@@ -50,25 +50,25 @@ TEST(Widths, OfADragAreThoseOfTheColumnsKindAndTheNextStartIsRefused) {
   Widths w;
   for (const std::int32_t col : {1, 10}) {
     const std::int32_t before = w.grid.colWidth(col);
-    w.grid.pressLeft();
-    EXPECT_TRUE(w.grid.startColumnTrack(col)) << col;
-    w.grid.endColumnTrack(col, 300);
+    w.grid.user().pressLeft();
+    EXPECT_TRUE(w.grid.user().startColumnTrack(col)) << col;
+    w.grid.user().endColumnTrack(col, 300);
     EXPECT_EQ(w.page.ColumnSet(w.page.Key(col))->Columns.Item(w.page.Key(col))->Width, 300)
         << "not stored at once";
-    w.grid.doubleClick(0, col);
+    w.grid.user().doubleClick(0, col);
     EXPECT_EQ(w.page.Bin(1), 1) << "the double click that ended the drag sorted";
-    w.grid.releaseLeft();
+    w.grid.user().releaseLeft();
     EXPECT_EQ(w.grid.colWidth(col), col == 1 ? kDefault : before);
     EXPECT_EQ(w.column("6").Width, kDefault);
     EXPECT_EQ(w.column("-1").Width, -1);
-    w.grid.releaseLeft();
+    w.grid.user().releaseLeft();
     EXPECT_EQ(w.grid.colWidth(col), col == 1 ? kDefault : before);
-    w.grid.pressLeft();
-    EXPECT_FALSE(w.grid.startColumnTrack(5)) << "whatever column it concerns";
-    EXPECT_TRUE(w.grid.startColumnTrack(5)) << "only one start";
+    w.grid.user().pressLeft();
+    EXPECT_FALSE(w.grid.user().startColumnTrack(5)) << "whatever column it concerns";
+    EXPECT_TRUE(w.grid.user().startColumnTrack(5)) << "only one start";
   }
-  w.grid.pressLeft();
-  w.grid.doubleClick(0, 12);
+  w.grid.user().pressLeft();
+  w.grid.user().doubleClick(0, 12);
   EXPECT_EQ(w.page.Bin(1), 2) << "the press ended what the drag had blocked";
 }
 
@@ -76,18 +76,18 @@ TEST(Widths, CannotBeDraggedOfAHiddenColumnOrWhileTheGridSelects) {
   Widths w(true);
   bool& selectsOrDrags = w.desk.control<GuardedGrid>("grdAFLP").selectsOrDrags;
   w.page.HideCols(4, 4, true);
-  w.grid.pressLeft();
-  EXPECT_FALSE(w.grid.startColumnTrack(4));
-  EXPECT_TRUE(w.grid.startColumnTrack(5));
+  w.grid.user().pressLeft();
+  EXPECT_FALSE(w.grid.user().startColumnTrack(4));
+  EXPECT_TRUE(w.grid.user().startColumnTrack(5));
   selectsOrDrags = true;
-  w.grid.pressLeft();
+  w.grid.user().pressLeft();
   selectsOrDrags = false;
-  EXPECT_FALSE(w.grid.startColumnTrack(5));
-  EXPECT_TRUE(w.grid.startColumnTrack(5));
+  EXPECT_FALSE(w.grid.user().startColumnTrack(5));
+  EXPECT_TRUE(w.grid.user().startColumnTrack(5));
   // A press forgets a drag that never ended.
-  w.grid.endColumnTrack(5, 300);
-  w.grid.pressLeft();
-  w.grid.releaseLeft();
+  w.grid.user().endColumnTrack(5, 300);
+  w.grid.user().pressLeft();
+  w.grid.user().releaseLeft();
   EXPECT_EQ(w.column("9").Width, 300);
 }
 
@@ -95,10 +95,10 @@ TEST(Widths, OfATransposedGridAreFittedAndNotStored) {
   Widths w;
   w.page.SetTranspose(true);
   const std::int32_t before = w.grid.colWidth(1);
-  w.grid.pressLeft();
-  w.grid.startColumnTrack(1);
-  w.grid.endColumnTrack(1, 300);
-  w.grid.releaseLeft();
+  w.grid.user().pressLeft();
+  w.grid.user().startColumnTrack(1);
+  w.grid.user().endColumnTrack(1, 300);
+  w.grid.user().releaseLeft();
   EXPECT_EQ(w.grid.colWidth(1), before);
   EXPECT_EQ(w.column("6").Width, -1);
 }

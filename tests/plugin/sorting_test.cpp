@@ -54,15 +54,15 @@ TEST(Sorting, ByAColumnFlipsItsOrderAndTakesThePriorityOfAllOthers) {
        {Step{12, "231", "-3!-3=0 "}, Step{12, "132", "-3!-3=1 "}, Step{1, "123", "6!6=0 -3=1 "},
         Step{1, "321", "6!6=1 -3=1 "}, Step{10, "213", "6=1 -1!-1=0 -3=1 "},
         Step{11, "123", "6=1 -1=0 -2!-2=0 -3=1 "}, Step{10, "312", "6=1 -1!-1=1 -2=0 -3=1 "}}) {
-    t.desk.grid().doubleClick(0, s.col);
+    t.desk.grid().user().doubleClick(0, s.col);
     EXPECT_EQ(t.bins(), s.bins) << s.col;
     EXPECT_EQ(t.state(), s.state);
   }
-  t.desk.grid().doubleClick(2, 5);
-  t.desk.grid().doubleClick(2, 10);
+  t.desk.grid().user().doubleClick(2, 5);
+  t.desk.grid().user().doubleClick(2, 10);
   EXPECT_EQ(t.bins(), "312") << "a double click on a cell sorts";
   t.desk.choose("mnuTransposeCell");
-  t.desk.grid().doubleClick(12, 0);
+  t.desk.grid().user().doubleClick(12, 0);
   EXPECT_EQ(t.bins(), "231") << "a transposed column";
   t.page.Analyze(true);
   EXPECT_EQ(t.bins(), "231") << "an analysis applies the stored order";
@@ -73,7 +73,7 @@ TEST(Sorting, ByABinMovesWholeSamplesTheLargestFirstAndThenTheOtherWay) {
     Sorted t;
     if (transposed) t.desk.choose("mnuTransposeCell");
     const auto sort = [&](std::int32_t row) {
-      transposed ? t.desk.grid().doubleClick(1, row) : t.desk.grid().doubleClick(row, 1);
+      transposed ? t.desk.grid().user().doubleClick(1, row) : t.desk.grid().user().doubleClick(row, 1);
       return t.samples();
     };
     EXPECT_EQ(sort(1), "312");
@@ -170,10 +170,10 @@ TEST(Moving, PutsABlockInFrontOfItsTargetOnItsOwnSideOnly) {
       Sorted t;
       if (transposed) t.desk.choose("mnuTransposeCell");
       host::GridControl& grid = t.desk.grid();
-      transposed ? grid.selectRows(m.first, m.last) : grid.selectCols(m.first, m.last);
-      EXPECT_EQ(
-          transposed ? grid.dragRows(m.first, m.last, m.target) : grid.dragColumns(m.first, m.last, m.target),
-          m.allowed)
+      transposed ? grid.user().selectRows(m.first, m.last) : grid.user().selectCols(m.first, m.last);
+      EXPECT_EQ(transposed ? grid.user().dragRows(m.first, m.last, m.target)
+                           : grid.user().dragColumns(m.first, m.last, m.target),
+                m.allowed)
           << m.first << "-" << m.last << " to " << m.target;
       std::string keys, places;
       for (std::int32_t col = 1; col <= 12; ++col) {
@@ -188,8 +188,8 @@ TEST(Moving, PutsABlockInFrontOfItsTargetOnItsOwnSideOnly) {
     if (axis == Axis::Columns) t.desk.choose("mnuTransposeCell");
     t.desk.grid().SetAllowDragRows(true);
     t.desk.grid().SetAllowDragCols(true);
-    axis == Axis::Rows ? t.desk.grid().selectRows(1, 1) : t.desk.grid().selectCols(1, 1);
-    EXPECT_FALSE(t.desk.grid().startDrag(axis, 1, 1));
+    axis == Axis::Rows ? t.desk.grid().user().selectRows(1, 1) : t.desk.grid().user().selectCols(1, 1);
+    EXPECT_FALSE(t.desk.grid().user().startDrag(axis, 1, 1));
   }
 }
 

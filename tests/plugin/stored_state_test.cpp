@@ -160,7 +160,7 @@ TEST(Stored, ChoosingSamplesEditsExclusionAndCancellingChangesNothing) {
     desk.control<ui::CheckBox>(filter).Value = 0;
   desk.wait();
   desk.chooseAt(0, 11, "mnuExcludeColumn");
-  desk.grid().rightClick(0, 11);
+  desk.grid().user().rightClick(0, 11);
   const std::string before = columnsOf(desk);
   EXPECT_EQ(before, "-1@10 -2@11-x -3@12 ");
   std::string offered;
@@ -185,7 +185,7 @@ TEST(Stored, ChoosingSamplesEditsExclusionAndCancellingChangesNothing) {
   EXPECT_TRUE(desk.page().IsColHidden(12) && !desk.page().IsColHidden(10));
 
   // For columns of bin information it is about visibility alone.
-  desk.grid().rightClick(0, 3);
+  desk.grid().user().rightClick(0, 3);
   desk.front.onSelectColumns = [](host::ColumnSelection& selection) {
     selection.entries.front().isVisible = false;
     return true;
@@ -203,8 +203,8 @@ TEST(Stored, ARedoneAnalysisFollowsTheStudyAndClosesTheGapsOfWhatIsGone) {
   EXPECT_EQ(columnsOf(desk), "-1@10 -2@11 -3@12 ");
   const auto analysis = desk.host.study().Study()->AFLPs.Item(1);
   EXPECT_EQ(analysis->SampleGrid->Columns.Item("-3")->TypeCode, 219);
-  desk.grid().selectCols(12, 12);
-  desk.grid().dragColumns(12, 12, 10);
+  desk.grid().user().selectCols(12, 12);
+  desk.grid().user().dragColumns(12, 12, 10);
   EXPECT_EQ(columnsOf(desk), "-1@11 -2@12 -3@10 ");
   desk.host.study().setResultExcluded(1, true);
   desk.host.study().deleteResult(3);

@@ -100,10 +100,10 @@ TEST(Table, GivesWhatIsSelectedAsIndexesKeysOrBins) {
     page.SetTranspose(transposed);
     const auto select = [&](std::int32_t row, std::int32_t col, std::int32_t toRow, std::int32_t toCol,
                             bool add) {
-      transposed ? desk.grid().selectCells(col, row, toCol, toRow, add)
-                 : desk.grid().selectCells(row, col, toRow, toCol, add);
+      transposed ? desk.grid().user().selectCells(col, row, toCol, toRow, add)
+                 : desk.grid().user().selectCells(row, col, toRow, toCol, add);
     };
-    transposed ? desk.grid().rightClick(11, 2) : desk.grid().rightClick(2, 11);
+    transposed ? desk.grid().user().rightClick(11, 2) : desk.grid().user().rightClick(2, 11);
     EXPECT_THAT(values(page.GetSelected(1, 1)), ElementsAre(11));
     EXPECT_THAT(values(page.GetSelected(0, 1)), ElementsAre(2));
     EXPECT_THAT(values(page.GetSelected(1, 0)), ElementsAre(-2));
@@ -192,10 +192,10 @@ TEST(LockedColumn, FreezesAndIsKeptByOneLayoutWhicheverWayTheTableLies) {
   for (const Step& step :
        {Step{"none", [] {}, "none none 0 frozen 0,0"}, Step{"a sample", lockAt(11), "none -2 11 frozen 0,11"},
         Step{"bin information", lockAt(4), "119 none 4 frozen 0,4"},
-        Step{"seen from a sample", [&] { grid.rightClick(0, 12); }, "119 none 4 frozen 0,4"},
+        Step{"seen from a sample", [&] { grid.user().rightClick(0, 12); }, "119 none 4 frozen 0,4"},
         Step{"exchanged", [&] { desk.choose("mnuTransposeCell"); }, "119 none 4 frozen 4,0"},
         Step{"another", lockAt(10), "none -1 10 frozen 10,0"},
-        Step{"seen from bin information", [&] { grid.rightClick(2, 0); }, "none -1 10 frozen 10,0"},
+        Step{"seen from bin information", [&] { grid.user().rightClick(2, 0); }, "none -1 10 frozen 10,0"},
         Step{"a new analysis", [&] { page.Analyze(true); }, "none -1 10 frozen 10,0"},
         Step{"Init", [&] { page.Init(desk.analysis().BinGrid); }, "none -1 10 frozen 10,0"},
         Step{"back", [&] { desk.choose("mnuTransposeRow"); }, "none -1 10 frozen 0,10"},
