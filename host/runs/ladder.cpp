@@ -26,7 +26,7 @@ constexpr double kMostMissing = 0.3;  // of the sizes
 constexpr double kMostDoubtful = 0.15;
 constexpr std::size_t kManyStrangers = 3;
 constexpr double kStrangersHeight = 0.4;  // of the ladder's median
-constexpr double kCareAmongStrangers = 1.5;
+constexpr double kCareAmongStrangers = 1.8;
 constexpr double kMedianToSigma = 1.48;
 constexpr double kDenseResidual = 0.5;  // nt: of sparser ladders residuals tell little
 constexpr std::size_t kFewestForStrays = 8;
@@ -134,6 +134,14 @@ void addMissing(LadderAssignment& ladder) {
     if (ladder.peakOf(size) == nullptr) ladder.missing.push_back(size);
 }
 
+/// Sizes without a peak between others that have one; unreliable ones do not count.
+std::size_t gapsOf(const LadderAssignment& ladder) {
+  return static_cast<std::size_t>(std::ranges::count_if(ladder.missing, [&](double size) {
+    return size > ladder.peaks.front().size && size < ladder.peaks.back().size &&
+           !ladder.standard.isUnreliable(size);
+  }));
+}
+
 /// Peaks within the ladder, as high as it, that are no fragments of it.
 std::size_t strangersOf(std::span<const LadderCandidate> candidates, const LadderAssignment& ladder) {
   return static_cast<std::size_t>(std::ranges::count_if(candidates, [&](const LadderCandidate& one) {
@@ -187,7 +195,7 @@ void refuse(LadderAssignment& ladder, std::string reason) {
   ladder.quality = LadderQuality::NotSized;
 }
 
-void judge(LadderAssignment& ladder, const LadderFit& fit, std::size_t candidates) {
+void judge(LadderAssignment& ladder, const LadderFit& fit, std::span<const LadderCandidate> candidates) {
   const auto found = static_cast<double>(ladder.peaks.size());
   const auto wanted = static_cast<double>(ladder.standard.sizes.size());
   ladder.quality = LadderQuality::Sized;
@@ -209,7 +217,8 @@ void judge(LadderAssignment& ladder, const LadderFit& fit, std::size_t candidate
   if (fit.spread > kMostSpread) doubt(ladder, fmt::format("its peaks stray by {:.1f} nt", fit.spread));
   if (ladder.medianHeight < kWeakHeight)
     doubt(ladder, fmt::format("its peaks are low: {:.0f} RFU", ladder.medianHeight));
-  if (candidates >= kMostCandidates) doubt(ladder, "its dye has very many peaks");
+  doubtAmongStrangers(candidates, ladder);
+  if (candidates.size() >= kMostCandidates) doubt(ladder, "its dye has very many peaks");
 }
 
 struct Fitted {
@@ -288,6 +297,15 @@ const LadderPeak* LadderAssignment::peakOf(double size) const {
   return found != peaks.end() && found->size == size ? &*found : nullptr;
 }
 
+// One of the strangers may stand in the place of a fragment that is missing too.
+void doubtAmongStrangers(std::span<const LadderCandidate> candidates, LadderAssignment& ladder) {
+  const std::size_t gaps = gapsOf(ladder), strangers = strangersOf(candidates, ladder);
+  if (gaps == 0 || strangers < kManyStrangers) return;
+  doubt(ladder,
+        fmt::format("{} sizes within it are missing, and {} peaks as high as its own are no part of it", gaps,
+                    strangers));
+}
+
 bool agree(const LadderAssignment& a, const LadderAssignment& b) {
   return std::ranges::all_of(a.peaks, [&](const LadderPeak& peak) {
     const LadderPeak* other = b.peakOf(peak.size);
@@ -322,7 +340,7 @@ LadderAssignment assignLadder(std::span<const LadderCandidate> candidates, const
     return none;
   }
   Fitted& best = all.front();
-  judge(best.ladder, best.fit, candidates.size());
+  judge(best.ladder, best.fit, candidates);
   const bool hasRival = std::any_of(all.begin() + 1, all.end(), [&](const Fitted& other) {
     return other.rank() > best.rank() - kLeastMargin;
   });

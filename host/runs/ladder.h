@@ -69,6 +69,9 @@ LadderAssignment ladderByHand(const SizeStandard& standard, int channel, std::ve
 std::optional<LadderAssignment> assignLikeNeighbour(std::span<const LadderCandidate> candidates,
                                                     const LadderAssignment& neighbour, bool usesUnreliable);
 
+/// Where sizes are missing within a ladder and other peaks as high as it abound, it is to be looked at.
+void doubtAmongStrangers(std::span<const LadderCandidate> candidates, LadderAssignment& ladder);
+
 /// Whether both place the sizes that they share on the same peaks.
 bool agree(const LadderAssignment& a, const LadderAssignment& b);
 

@@ -181,6 +181,7 @@ std::optional<LadderAssignment> assignLikeNeighbour(std::span<const LadderCandid
         fmt::format("{} of {} sizes were found", taken.size(), neighbour.standard.sizes.size()));
   if (ladder.quality == LadderQuality::Sized && !ladder.reasons.empty())
     ladder.quality = LadderQuality::LookAtIt;
+  doubtAmongStrangers(candidates, ladder);
   return ladder;
 }
 

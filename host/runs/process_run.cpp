@@ -39,11 +39,15 @@ void inParallel(std::size_t count, std::size_t jobs, const std::function<void(st
 
 class Batch {
  public:
-  Batch(std::span<const std::string> paths, const RunSettings& settings, std::size_t jobs,
+  Batch(std::size_t count, const RunLoader& load, const RunSettings& settings, const BatchOptions& options,
         const RunProgress& progress)
-      : settings_(settings), jobs_(jobs), progress_(progress), outcomes_(paths.size()), works_(paths.size()) {
-    for (std::size_t i = 0; i < paths.size(); ++i) outcomes_[i].path = paths[i];
-  }
+      : load_(load),
+        settings_(settings),
+        options_(options),
+        jobs_(options.jobs > 0 ? options.jobs : std::max(1U, std::thread::hardware_concurrency())),
+        progress_(progress),
+        outcomes_(count),
+        works_(count) {}
 
   std::vector<RunOutcome> run() {
     inParallel(outcomes_.size(), jobs_, [&](std::size_t i) { read(i); });
@@ -65,7 +69,7 @@ class Batch {
 
   void read(std::size_t i) {
     try {
-      works_[i].emplace(readRunFile(outcomes_[i].path), settings_);
+      works_[i].emplace(load_(i), settings_, i < options_.edits.size() ? options_.edits[i] : RunEdits{});
     } catch (const RunError& error) {
       outcomes_[i].error = error.message;
     }
@@ -112,13 +116,24 @@ class Batch {
       if (works_[i]->ladder().quality != LadderQuality::Sized) works_[i]->askNeighbours(group.good);
       outcomes_[i].processed = works_[i]->finish();
       works_[i].reset();
+      handOutTraces(outcomes_[i]);
     }
     if (!progress_) return;
     const std::scoped_lock lock(mutex_);
     progress_(++done_, outcomes_.size());
   }
 
+  void handOutTraces(RunOutcome& outcome) const {
+    if (options_.traces == TracesOut::Whole) return;
+    for (RunDye& dye : outcome.processed->run.dyes) {
+      if (options_.traces == TracesOut::Packed) outcome.traces.push_back(packTrace(dye.trace));
+      dye.trace = {};
+    }
+  }
+
+  const RunLoader& load_;
   const RunSettings& settings_;
+  const BatchOptions& options_;
   std::size_t jobs_;
   const RunProgress& progress_;
   std::vector<RunOutcome> outcomes_;
@@ -131,8 +146,8 @@ class Batch {
 
 }  // namespace
 
-ProcessedRun processRun(RunFile run, const RunSettings& settings) {
-  RunWork work(std::move(run), settings);
+ProcessedRun processRun(RunFile run, const RunSettings& settings, const RunEdits& edits) {
+  RunWork work(std::move(run), settings, edits);
   work.findLadder();
   return work.finish();
 }
@@ -143,10 +158,17 @@ ProcessedRun processRunWithLadder(RunFile run, const RunSettings& settings, Ladd
   return work.finish();
 }
 
+std::vector<RunOutcome> processRuns(std::size_t count, const RunLoader& load, const RunSettings& settings,
+                                    const BatchOptions& options, const RunProgress& progress) {
+  return Batch(count, load, settings, options, progress).run();
+}
+
 std::vector<RunOutcome> processRuns(std::span<const std::string> paths, const RunSettings& settings,
                                     std::size_t jobs, const RunProgress& progress) {
-  const std::size_t threads = jobs > 0 ? jobs : std::max(1U, std::thread::hardware_concurrency());
-  return Batch(paths, settings, threads, progress).run();
+  auto outcomes = processRuns(
+      paths.size(), [&](std::size_t i) { return readRunFile(paths[i]); }, settings, {.jobs = jobs}, progress);
+  for (std::size_t i = 0; i < paths.size(); ++i) outcomes[i].path = paths[i];
+  return outcomes;
 }
 
 }  // namespace banddesk::host::runs

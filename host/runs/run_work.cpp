@@ -5,6 +5,7 @@
 #include <cmath>
 #include <fmt/format.h>
 #include <numeric>
+#include <utility>
 
 #include "host/runs/dye_names.h"
 #include "host/runs/signal.h"
@@ -36,7 +37,8 @@ std::optional<double> ladderFactor(const LadderAssignment& ladder) {
 
 }  // namespace
 
-RunWork::RunWork(RunFile run, const RunSettings& settings) : settings_(settings) {
+RunWork::RunWork(RunFile run, const RunSettings& settings, RunEdits edits)
+    : settings_(settings), edits_(std::move(edits)) {
   out_.run = std::move(run);
   out_.window = settings.peaks.polynomialWindow;
 }
@@ -70,11 +72,14 @@ std::vector<int> RunWork::ladderChannels() const {
   return channels;
 }
 
+std::vector<double> RunWork::signalOf(const RunDye& dye) const {
+  std::vector<double> signal = aboveBaseline(dye.trace, settings_.peaks.baselineWindow);
+  smooth(signal, settings_.peaks.smoothing);
+  return signal;
+}
+
 std::vector<Peak> RunWork::peaksOf(const RunDye& dye, double leastHeight, int window) const {
-  const PeakSettings& settings = settings_.peaks;
-  std::vector<double> signal = aboveBaseline(dye.trace, settings.baselineWindow);
-  smooth(signal, settings.smoothing);
-  std::vector<Peak> peaks = findPeaks(signal, settings, window, leastHeight);
+  std::vector<Peak> peaks = findPeaks(signalOf(dye), settings_.peaks, window, leastHeight);
   for (Peak& peak : peaks) {
     peak.channel = dye.channel;
     const auto& saturated = out_.run.saturatedScans;
@@ -176,11 +181,24 @@ void RunWork::measureWidth() {
   out_.window = windowFor(out_.typicalWidth, settings_.peaks);
 }
 
+void RunWork::applyLabels() {
+  if (edits_.labels.empty() || out_.ladder.channel == 0) return;
+  const auto signal = aboveBaseline(dyeOf(out_.ladder.channel).trace, settings_.peaks.baselineWindow);
+  out_.ladder = withLabels(std::move(out_.ladder), edits_.labels, signal, settings_.ladder.usesUnreliable);
+}
+
+std::vector<Peak> RunWork::editedPeaksOf(const RunDye& dye) const {
+  const double least = settings_.peaks.leastHeight[static_cast<std::size_t>(dye.channel - 1)];
+  std::vector<Peak> peaks = peaksOf(dye, least / out_.heightFactor, out_.window);
+  if (std::ranges::count(edits_.peaks, dye.channel, &PeakEdit::channel) > 0)
+    applyEdits(edits_.peaks, dye.channel, peaksOf(dye, 0, out_.window), signalOf(dye), peaks);
+  return peaks;
+}
+
 void RunWork::findAllPeaks() {
   out_.peaks.clear();
   for (const RunDye& dye : out_.run.dyes) {
-    const double least = settings_.peaks.leastHeight[static_cast<std::size_t>(dye.channel - 1)];
-    for (Peak peak : peaksOf(dye, least / out_.heightFactor, out_.window)) {
+    for (Peak peak : editedPeaksOf(dye)) {
       peak.height *= out_.heightFactor;
       peak.area *= out_.heightFactor;
       out_.peaks.push_back(peak);
@@ -231,6 +249,7 @@ void RunWork::findHeightFactor() {
 }
 
 ProcessedRun RunWork::finish() {
+  applyLabels();
   measureWidth();
   findHeightFactor();
   findAllPeaks();

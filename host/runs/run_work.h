@@ -11,7 +11,7 @@ namespace banddesk::host::runs {
 
 class RunWork {
  public:
-  RunWork(RunFile run, const RunSettings& settings);
+  RunWork(RunFile run, const RunSettings& settings, RunEdits edits = {});
 
   /// The ladder's dye and list by the run itself. With `known`, a list that the run's first files agreed on,
   /// the others are tried only when it does not fit.
@@ -34,6 +34,9 @@ class RunWork {
   LadderAssignment assignIn(int channel, const SizeStandard* known) const;
   LadderAssignment bestOfLists(const std::vector<LadderCandidate>& candidates, const RunDye& dye) const;
   std::vector<Peak> peaksOf(const RunDye& dye, double leastHeight, int window) const;
+  std::vector<double> signalOf(const RunDye& dye) const;
+  void applyLabels();
+  std::vector<Peak> editedPeaksOf(const RunDye& dye) const;
   void measureWidth();
   void findHeightFactor();
   void findAllPeaks();
@@ -42,6 +45,7 @@ class RunWork {
 
   ProcessedRun out_;
   const RunSettings& settings_;
+  RunEdits edits_;
 };
 
 }  // namespace banddesk::host::runs
