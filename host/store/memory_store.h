@@ -3,6 +3,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -19,9 +20,20 @@ class MemoryStore final : public Store {
   std::shared_ptr<const SampleFragments> readFragments(std::int32_t resultId) override;
   StudyRecord readStudy() override { return record_; }
   void writeStudy(const StudyRecord& record) override;
+  using Store::addResults;
   std::vector<ResultRecord> addResults(const StudyRecord& record, const std::vector<NewResult>& results,
-                                       const std::optional<ImportRecord>& import) override;
+                                       const std::optional<ImportRecord>& import,
+                                       const NewRuns& runs) override;
   std::vector<ImportRecord> readImports() override;
+  std::vector<StoredRun> readRuns() override;
+  std::vector<runs::Peak> readPeaks(std::int32_t runId) override;
+  runs::Bytes readTrace(std::int32_t runId, int channel) override;
+  runs::RunEdits readEdits(std::int32_t runId) override;
+  void writeEdits(std::int32_t runId, const runs::RunEdits& edits) override;
+  std::optional<runs::RunSettings> readRunSettings() override { return runSettings_; }
+  std::vector<runs::SizeStandard> readStandards() override { return standards_; }
+  std::vector<ResultRecord> writeSizings(const StudyRecord& record, const runs::RunSettings& settings,
+                                         const std::vector<NewSizing>& sizings) override;
   std::int32_t newAnalysisId() override { return ++lastAnalysisId_; }
   std::vector<std::int32_t> analysisIds() override;
   AnalysisSnapshot readAnalysis(std::int32_t id) override;
@@ -29,7 +41,18 @@ class MemoryStore final : public Store {
   void removeAnalysis(std::int32_t id) override;
 
  private:
+  struct KeptRun {
+    StoredRun stored;
+    std::vector<runs::Peak> peaks;
+    std::vector<runs::Bytes> traces;
+    runs::RunEdits edits;
+  };
+
   ResultRecord addResult(std::string sampleName, SampleFragments fragments);
+  KeptRun& runOf(std::int32_t runId);
+  void setSizing(KeptRun& run, runs::ProcessedRun processed);
+  void note(const runs::RunSettings& settings);
+  void note(const runs::SizeStandard& standard);
 
   StudyRecord record_;
   struct Import {
@@ -39,6 +62,9 @@ class MemoryStore final : public Store {
   std::vector<Import> imports_;
   std::unordered_map<std::int32_t, std::shared_ptr<const SampleFragments>> fragments_;  // by result id
   std::vector<AnalysisSnapshot> analyses_;
+  std::vector<KeptRun> runs_;
+  std::optional<runs::RunSettings> runSettings_;
+  std::vector<runs::SizeStandard> standards_;
   std::int32_t lastResultId_ = 0;
   std::int32_t lastAnalysisId_ = 0;
 };

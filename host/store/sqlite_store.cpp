@@ -219,12 +219,14 @@ void SqliteStore::writeRecord(const StudyRecord& record) {
 
 std::vector<ResultRecord> SqliteStore::addResults(const StudyRecord& record,
                                                   const std::vector<NewResult>& results,
-                                                  const std::optional<ImportRecord>& import) {
+                                                  const std::optional<ImportRecord>& import,
+                                                  const NewRuns& runs) {
   std::vector<ResultRecord> added;
   added.reserve(results.size());
   write([&] {
     const std::int64_t importId = import ? addImport(*import) : 0;
     for (const NewResult& result : results) added.push_back(addResult(result, importId));
+    if (!runs.runs.empty()) addRuns(runs, added, importId);
     writeRecord(record);
   });
   return added;
@@ -247,13 +249,17 @@ ResultRecord SqliteStore::addResult(const NewResult& result, std::int64_t import
   Statement row = database_.prepare("INSERT INTO result(import_id, sample_name) VALUES(nullif(?, 0), ?)");
   row.run(importId, std::string_view(result.sampleName));
   const auto id = static_cast<std::int32_t>(database_.lastRowId());
-  Statement fragments = database_.prepare("INSERT INTO fragments(result_id, dye, peaks) VALUES(?, ?, ?)");
-  for (std::size_t dye = 0; dye < kDyeCount; ++dye) {
-    if (result.fragments.dyes[dye].sizes.empty()) continue;
-    const std::vector<std::byte> bytes = encodeFragments(result.fragments.dyes[dye]);
-    fragments.run(id, static_cast<std::int32_t>(dye), sqlite::Blob(bytes));
-  }
+  writeFragments(id, result.fragments);
   return {id, result.sampleName, false, false, {}};
+}
+
+void SqliteStore::writeFragments(std::int32_t resultId, const SampleFragments& fragments) {
+  Statement row = database_.prepare("INSERT INTO fragments(result_id, dye, peaks) VALUES(?, ?, ?)");
+  for (std::size_t dye = 0; dye < kDyeCount; ++dye) {
+    if (fragments.dyes[dye].sizes.empty()) continue;
+    const std::vector<std::byte> bytes = encodeFragments(fragments.dyes[dye]);
+    row.run(resultId, static_cast<std::int32_t>(dye), sqlite::Blob(bytes));
+  }
 }
 
 std::vector<ImportRecord> SqliteStore::readImports() {

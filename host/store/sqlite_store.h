@@ -45,9 +45,20 @@ class SqliteStore final : public Store {
   std::shared_ptr<const SampleFragments> readFragments(std::int32_t resultId) override;
   StudyRecord readStudy() override;
   void writeStudy(const StudyRecord& record) override;
+  using Store::addResults;
   std::vector<ResultRecord> addResults(const StudyRecord& record, const std::vector<NewResult>& results,
-                                       const std::optional<ImportRecord>& import) override;
+                                       const std::optional<ImportRecord>& import,
+                                       const NewRuns& runs) override;
   std::vector<ImportRecord> readImports() override;
+  std::vector<StoredRun> readRuns() override;
+  std::vector<runs::Peak> readPeaks(std::int32_t runId) override;
+  runs::Bytes readTrace(std::int32_t runId, int channel) override;
+  runs::RunEdits readEdits(std::int32_t runId) override;
+  void writeEdits(std::int32_t runId, const runs::RunEdits& edits) override;
+  std::optional<runs::RunSettings> readRunSettings() override;
+  std::vector<runs::SizeStandard> readStandards() override;
+  std::vector<ResultRecord> writeSizings(const StudyRecord& record, const runs::RunSettings& settings,
+                                         const std::vector<NewSizing>& sizings) override;
   std::int32_t newAnalysisId() override;
   std::vector<std::int32_t> analysisIds() override;
   AnalysisSnapshot readAnalysis(std::int32_t id) override;
@@ -81,6 +92,8 @@ class SqliteStore final : public Store {
   void withdrawAllBut(const StudyRecord& record);
   std::int64_t addImport(const ImportRecord& import);
   ResultRecord addResult(const NewResult& result, std::int64_t importId);
+  void addRuns(const NewRuns& runs, const std::vector<ResultRecord>& results, std::int64_t importId);
+  void writeFragments(std::int32_t resultId, const SampleFragments& fragments);
 
   Opened opened_;
   sqlite::Database& database_ = opened_.database;

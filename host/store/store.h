@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "host/store/snapshot.h"
+#include "host/store/stored_run.h"
 #include "host/study/fragments.h"
 #include "host/study/study.h"
 
@@ -48,12 +49,34 @@ class Store : public FragmentSource {
   // that the record lacks is withdrawn: it is none of the study's any more, and an import of which all are
   // withdrawn was none; a record that names it again brings it back.
   virtual void writeStudy(const StudyRecord& record) = 0;
-  // Adds results with their fragments, and the import that brought them, and writes the rest of the record;
-  // gives the new results their ids.
+  // Adds results with their fragments, the runs that they are of, and the import that brought them, and
+  // writes the rest of the record; gives the new results their ids.
   virtual std::vector<ResultRecord> addResults(const StudyRecord& record,
                                                const std::vector<NewResult>& results,
-                                               const std::optional<ImportRecord>& import) = 0;
+                                               const std::optional<ImportRecord>& import,
+                                               const NewRuns& runs) = 0;
+  std::vector<ResultRecord> addResults(const StudyRecord& record, const std::vector<NewResult>& results,
+                                       const std::optional<ImportRecord>& import) {
+    return addResults(record, results, import, {});
+  }
   virtual std::vector<ImportRecord> readImports() = 0;  // the earliest first
+
+  // The runs of instruments, without traces and peaks, in the order of their import. What lies in more room is
+  // read when it is asked for; each is error 5 for a run or a dye that there is not.
+  virtual std::vector<StoredRun> readRuns() = 0;
+  virtual std::vector<runs::Peak> readPeaks(std::int32_t runId) = 0;
+  virtual runs::Bytes readTrace(std::int32_t runId, int channel) = 0;  // packed
+  // What the user changed by hand in a run; a sizing leaves it as it is.
+  virtual runs::RunEdits readEdits(std::int32_t runId) = 0;
+  virtual void writeEdits(std::int32_t runId, const runs::RunEdits& edits) = 0;
+  // Those of the latest sizing; nothing in a study without runs.
+  virtual std::optional<runs::RunSettings> readRunSettings() = 0;
+  // All that were ever used in this study, the user's own among them.
+  virtual std::vector<runs::SizeStandard> readStandards() = 0;
+  // Replaces the sizing, the peaks and the results' fragments of these runs, and writes the record; gives
+  // back the results that were added for runs that had none.
+  virtual std::vector<ResultRecord> writeSizings(const StudyRecord& record, const runs::RunSettings& settings,
+                                                 const std::vector<NewSizing>& sizings) = 0;
 
   // An identifier that no analysis of the study has had.
   virtual std::int32_t newAnalysisId() = 0;

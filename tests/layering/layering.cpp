@@ -50,7 +50,7 @@ const std::vector<Module> modules = {
     {"formats", {"host/formats/"}, {"statistics"}},
     {"pictures", {"host/pictures/"}, {"statistics"}},
     {"study", {"host/study/"}, {"scoring"}},
-    {"store", {"host/store/"}, {"study"}},
+    {"store", {"host/store/"}, {"study", "runs"}},
     {"history", {"host/history/"}, {"store"}},
     {"framework",
      {"host/framework/"},

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 #include <fstream>
 #include <grp.h>
 #include <iterator>
@@ -59,6 +60,88 @@ LayoutSnapshot someLayout(int number, int columns) {
   return layout;
 }
 
+runs::ProcessedRun someRun(int number, bool isSized) {
+  runs::ProcessedRun run;
+  run.run.fileName = fmt::format("r{}.fsa", number);
+  run.run.well = "A\n01";
+  run.run.normalisation = number % 2 == 0 ? std::optional(1.5) : std::nullopt;
+  run.run.saturatedScans = {3, 70'000 + number};
+  run.run.dyes = {{1, 'B', "6-FAM", 522, false, {}}, {2, 'G', "", {}, true, {}}};
+  run.ladder.channel = 2;
+  run.ladder.standard = {fmt::format("Own {}", number % 3), {"ROX", "LIZ"}, {50, 75.5, 100, 200}, {75.5}};
+  if (isSized)
+    run.ladder.peaks = {{50, 500 + number, 310.2, 0, true, false},
+                        {75.5, 700, 1e4, 0.25, false, true},
+                        {100, 900, 5, -0.1, true, false}};
+  run.ladder.missing = isSized ? std::vector{200.0} : run.ladder.standard.sizes;
+  run.ladder.quality = isSized ? runs::LadderQuality::LookAtIt : runs::LadderQuality::NotSized;
+  run.ladder.reasons = {"a; b", fmt::format("c {}", number)};
+  run.ladder.score = 0.1 + number;
+  run.window = 15;
+  for (int i = 0; i < 40; ++i) {
+    runs::Peak peak{1, 600 + i * (7 + number), 590 + i, 610 + i, 0.2 * i, 1.0 / (i + 1), 3.3};
+    if (i % 3 != 0) peak.size = 50 + i / 7.0;
+    peak.isBroad = i % 5 == 0;
+    peak.isDouble = i % 7 == 0;
+    run.peaks.push_back(peak);
+  }
+  return run;
+}
+
+NewRuns someRuns(int step) {
+  NewRuns runs;
+  for (int i = 0; i < 3; ++i) {
+    std::vector<std::int32_t> trace;
+    for (int scan = 0; scan < 500; ++scan) trace.push_back((scan * scan * (step + i)) % 40'000 - 50);
+    runs.runs.push_back({someRun(step + i, i < 2), {runs::packTrace(trace), runs::packTrace({})}, {}});
+    if (i < 2) runs.runs.back().result = static_cast<std::size_t>(i);
+  }
+  runs.settings.peaks.leastHeight[2] = 50.5 + step;
+  runs.settings.method = runs::SizeMethod::ThirdOrder;
+  if (step % 2 == 0) runs.settings.ladder.standard = runs.runs[0].processed.ladder.standard;
+  return runs;
+}
+
+std::string inWords(Store& store, const StoredRun& run) {
+  const auto& [file, ladder, curve, none, width, window, factor] = run.processed;
+  std::string text = fmt::format(
+      "{} {} {} {} {} {} {} {} {} {} {} {} {} | {}", run.id, run.resultId.value_or(0), file.fileName,
+      file.well, file.normalisation.value_or(0), fmt::join(file.saturatedScans, " "), ladder.standard.name,
+      ladder.score, width, window, factor, static_cast<int>(ladder.quality), fmt::join(ladder.missing, " "),
+      fmt::join(ladder.reasons, "|"));
+  for (const auto& peak : ladder.peaks)
+    text += fmt::format("\n{} {} {} {} {} {}", peak.size, peak.scan, peak.height, peak.residual,
+                        peak.takesPart, peak.isDoubtful);
+  for (const auto& dye : file.dyes)
+    text += fmt::format(
+        "\n{} {} {} {}: {}", dye.letter, dye.name, dye.wavelength.value_or(0), dye.isMarkedAsLadder,
+        fmt::join(runs::unpackTrace(store.readTrace(run.id, dye.channel)).value_or(std::vector{-1}), " "));
+  for (const auto& peak : store.readPeaks(run.id))
+    text += fmt::format("\n{} {} {} {} {} {} {} {} {}{}{}", peak.channel, peak.scan, peak.begin, peak.end,
+                        peak.height, peak.area, peak.width, peak.size, peak.isBroad, peak.isDouble,
+                        peak.isPullUp);
+  for (const auto& edit : store.readEdits(run.id).peaks)
+    text += fmt::format("\nedit {} {} {}", edit.channel, edit.scan, edit.isAdded);
+  for (const auto& label : store.readEdits(run.id).labels)
+    text += fmt::format("\nlabel {} {}", label.size, label.scan.value_or(-1));
+  return text;
+}
+
+// The runs are sized otherwise, one that could not be sized before among them, and edited.
+void sizeAgain(Store& store, int step, const StudyRecord& study) {
+  const auto stored = store.readRuns();
+  if (stored.size() < 3) return;
+  std::vector<NewSizing> sizings;
+  for (std::size_t i = 0; i < 3; ++i)
+    sizings.push_back(
+        {stored[i].id, someRun(step, true), someFragments(step), fmt::format("again {}", step)});
+  runs::RunSettings settings;
+  settings.outside = runs::OutsideLadder::StraightLine;
+  settings.peaks.leastWidth = step;
+  store.writeSizings(study, settings, sizings);
+  store.writeEdits(stored[1].id, {{{1, step, true}, {2, 7, false}}, {{50, step}, {100, {}}}});
+}
+
 std::vector<NewResult> someResults(int step) {
   std::vector<NewResult> results;
   for (int i = 0; i < 3; ++i) results.push_back({fmt::format("S{}-{}", step, i), someFragments(step + i)});
@@ -84,10 +167,15 @@ void writeBytes(const std::string& file, std::string_view bytes) {
 }
 
 StoredStudy stateOf(Store& store) {
-  StoredStudy state{store.readStudy(), {}, store.readImports(), {}};
+  StoredStudy state{store.readStudy(), {}, store.readImports(), {}, {}};
   for (const ResultRecord& result : state.study.results)
     state.fragments.push_back(*store.readFragments(result.id));
   for (const std::int32_t id : store.analysisIds()) state.analyses.push_back(store.readAnalysis(id));
+  for (const StoredRun& run : store.readRuns()) state.runs.push_back(inWords(store, run));
+  if (const auto settings = store.readRunSettings())
+    state.runs.push_back(fmt::format("{} {} {} {}", fmt::join(settings->peaks.leastHeight, " "),
+                                     static_cast<int>(settings->method), settings->peaks.leastWidth,
+                                     settings->ladder.standard ? settings->ladder.standard->name : "found"));
   return state;
 }
 
@@ -148,14 +236,15 @@ void takeStep(Store& store, int step) {
     }
     study.joined = {{fmt::format("Joined {}", step), "most", "", {}}};
     for (const std::int32_t id : store.analysisIds()) study.joined[0].parts.push_back({id, "E32/M47"});
-    store.writeStudy(study);
+    step % 2 == 0 ? store.writeStudy(study) : sizeAgain(store, step, study);
     return;
   }
   const auto number = static_cast<std::uint64_t>(step);
   store.addResults(study, someResults(step),
                    ImportRecord{"2024-05-31 14:20:05",
                                 fmt::format("read {}\n", step),
-                                {{"a/b.txt", number, ~number}, {"c.txt", 1, 2}}});
+                                {{"a/b.txt", number, ~number}, {"c.txt", 1, 2}}},
+                   someRuns(step));
 }
 
 int stepsTaken(Store& store) {

@@ -29,6 +29,7 @@ struct StoredStudy {
   std::vector<SampleFragments> fragments;
   std::vector<ImportRecord> imports;
   std::vector<AnalysisSnapshot> analyses;
+  std::vector<std::string> runs;  // all of each, traces included, in words
   friend bool operator==(const StoredStudy&, const StoredStudy&) = default;
 };
 StoredStudy stateOf(Store& store);
