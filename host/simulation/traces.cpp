@@ -88,7 +88,8 @@ class TraceMaker {
       std::ranges::sort(sizes);
       out.fragments.emplace_back();
       for (const double size : sizes) {
-        const TrueFragment one = fragment(size, settings_.sampleHeight);
+        TrueFragment one = fragment(size, settings_.sampleHeight);
+        if (!settings_.heights.empty()) one.height = settings_.heights[dye][out.fragments.back().size()];
         out.fragments.back().push_back(one);
         addPeak(dye, one.scan, one.height);
         if (settings_.pullUp > 0) addPeak(settings_.dyes.size(), one.scan, settings_.pullUp * one.height);

@@ -14,6 +14,7 @@ struct TraceSettings {
   std::vector<double> strayingSizes;  // of them, those that run some nt before their length, as 250 does
   std::vector<std::vector<double>>
       dyes;  // sizes of the sample's fragments by dye, the ladder's dye not among them
+  std::vector<std::vector<double>> heights;  // RFU of those, parallel and by ascending size; none: drawn
 
   double scansPerNt = 9;
   double firstScan = 900;      // where 0 nt would lie
