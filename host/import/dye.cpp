@@ -8,28 +8,12 @@
 namespace banddesk::host::import {
 namespace {
 
-constexpr std::array<std::string_view, dyeCount> words{"blue", "green", "yellow", "red", "orange"};
+constexpr std::array<std::string_view, dyeCount> words{"blue", "green", "yellow", "red", "orange", "purple"};
 
 std::optional<Dye> dyeOfLetter(char letter) {
-  switch (letter) {
-    case 'B':
-    case 'b':
-      return Dye::B;
-    case 'G':
-    case 'g':
-      return Dye::G;
-    case 'Y':
-    case 'y':
-      return Dye::Y;
-    case 'R':
-    case 'r':
-      return Dye::R;
-    case 'O':
-    case 'o':
-      return Dye::O;
-    default:
-      return std::nullopt;
-  }
+  for (const Dye dye : allDyes)
+    if (lowerAscii(letter) == lowerAscii(letterOf(dye))) return dye;
+  return std::nullopt;
 }
 
 bool isWord(std::string_view text, std::string_view word) {

@@ -1,4 +1,4 @@
-// The five dyes of a run and how they are spelled in peak tables. Not the dyes of a study, which have records
+// The dyes of a run and how they are spelled in peak tables. Not the dyes of a study, which have records
 // of their own.
 #pragma once
 
@@ -10,13 +10,13 @@
 
 namespace banddesk::host::import {
 
-enum class Dye : std::uint8_t { B, G, Y, R, O };
+enum class Dye : std::uint8_t { B, G, Y, R, O, P };
 
-inline constexpr std::size_t dyeCount = 5;
-inline constexpr std::array<Dye, dyeCount> allDyes{Dye::B, Dye::G, Dye::Y, Dye::R, Dye::O};
+inline constexpr std::size_t dyeCount = 6;
+inline constexpr std::array<Dye, dyeCount> allDyes{Dye::B, Dye::G, Dye::Y, Dye::R, Dye::O, Dye::P};
 
 constexpr std::size_t indexOf(Dye dye) { return static_cast<std::size_t>(dye); }
-constexpr char letterOf(Dye dye) { return "BGYRO"[indexOf(dye)]; }
+constexpr char letterOf(Dye dye) { return "BGYROP"[indexOf(dye)]; }
 
 /// Reads "B", "b" or "Blue"; nothing for any other text.
 std::optional<Dye> dyeOf(std::string_view letterOrWord);

@@ -5,6 +5,7 @@
 #include <fmt/format.h>
 #include <limits>
 #include <set>
+#include <span>
 #include <stdexcept>
 
 #include "host/import/text_scan.h"
@@ -51,6 +52,9 @@ std::string shown(const KitDye& dye) {
   return dye.mark ? fmt::format("{} ({})", dye.name, letterOf(*dye.mark)) : dye.name;
 }
 
+// The kits' names are of five colours; the sixth is known by its letter alone.
+constexpr auto namedColours = std::span(allDyes).first<5>();
+
 // The assignment of least displacement. There are a dozen dyes at most and five colours, so all are tried,
 // with what is worse already cut off.
 class Assignment {
@@ -78,7 +82,7 @@ class Assignment {
     }
     const KitDye& dye = dyes_[at];
     const auto usual = static_cast<int>(dye.mark ? *dye.mark : knownOf(dye).usual);
-    for (const Dye colour : allDyes) {
+    for (const Dye colour : namedColours) {
       const int by = std::abs(static_cast<int>(colour) - usual);
       if ((dye.mark && by != 0) || !isFree(at, colour)) continue;
       tried_[at] = colour;

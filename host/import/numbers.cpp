@@ -65,6 +65,7 @@ NumberKind NumberReader::read(std::string_view cell, double& value) {
   if (readPlain(cell, value, hasPoint) && (!hasPoint || mark_ == '.')) return NumberKind::Number;
   cell = trimmed(cell);
   if (cell.empty() || cell == "NA") return NumberKind::Blank;
+  if (cell.front() == '*') cell.remove_prefix(1);
   const char* const begin = cell.data();
   const char* const end = begin + cell.size();
   const auto [stop, error] = std::from_chars(begin, end, value);

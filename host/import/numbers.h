@@ -13,7 +13,8 @@ enum class NumberKind { Number, Blank, NotANumber, Thousands, OtherMark, NotFini
 /// thousand.
 class NumberReader {
  public:
-  /// Blank is an empty cell or "NA". `value` is set for Number only.
+  /// Blank is an empty cell or "NA". `value` is set for Number only. A star before it, by which Peak Scanner
+  /// marks the sizes of the standard's own peaks, is passed over.
   NumberKind read(std::string_view cell, double& value);
 
  private:

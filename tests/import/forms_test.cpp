@@ -72,8 +72,8 @@ std::string number(const Spelling& spelling, std::string text) {
 }
 
 std::string cellOf(const Spelling& spelling, const std::string& column, const ModelPeak& peak) {
-  static const Cells words{"Blue", "Green", "Yellow", "Red", "Orange"};
-  const char letter = "BGYRO"[peak.dye];
+  static const Cells words{"Blue", "Green", "Yellow", "Red", "Orange", "Purple"};
+  const char letter = "BGYROP"[peak.dye];
   if (column.starts_with("Dye/") || column.starts_with("Dye."))
     return fmt::format("{},{}{}", letter, spelling.form == Spelling::PeakScanner ? " " : "", peak.number);
   if (column == "Dye")

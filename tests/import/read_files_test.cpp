@@ -98,7 +98,7 @@ TEST(ReadFiles, AnErrorCarriesItsPlaceHoweverLargeTheTable) {
 }
 
 TEST(ReadFiles, RowsWithoutAPeakAreCountedByReasonWithTheirFirstLines) {
-  std::string text = header + row("R,1", "a.fsa", "50") + row("P,1", "a.fsa", "50") + row("", "a.fsa", "50") +
+  std::string text = header + row("R,1", "a.fsa", "50") + row("Q,1", "a.fsa", "50") + row("", "a.fsa", "50") +
                      row("B,1", "", "50") + row("B,1", "a.fsa", "50", "") + "\r\n\"B,2\"\ta.fsa\r\n";
   for (int i = 0; i < 7; ++i) text += row("G,9", "b.fsa", i % 2 ? "" : "NA");
   const PeakTable table = TableFolder().readOne(text + row("G,4", "a.fsa", "60", "0"), {Dye::R});
@@ -111,7 +111,7 @@ TEST(ReadFiles, RowsWithoutAPeakAreCountedByReasonWithTheirFirstLines) {
             "blank size 7; ");
   EXPECT_THAT(report.leftOut.back().firstLines, ElementsAre(9, 10, 11, 12, 13));
   EXPECT_EQ(report.rows, 14U);
-  EXPECT_THAT(report.peaks, ElementsAre(0, 1, 0, 0, 0));
+  EXPECT_THAT(report.peaks, ElementsAre(0, 1, 0, 0, 0, 0));
   EXPECT_THAT(reportText(table.report),
               HasSubstr("; 14 rows, 2 samples, peaks: G 1\n  left out: 1 (size standard), line 2\n"));
   EXPECT_THAT(reportText(table.report),
@@ -148,12 +148,13 @@ TEST(ReadFiles, EqualNamesAreToldApartAndEqualFilesReadOnce) {
 
 TEST(ReadFiles, TwoRunsOfOneNameInOneTableAreToldApartByTheirPeakNumbers) {
   const std::string text = header + row("B,1", "a.fsa", "50") + row("B,2", "a.fsa", "60") +
-                           row("B,2", "a.fsa", "60") + row("B,1", "a.fsa", "51") + row("G,1", "a.fsa", "70") +
+                           row("B,2", "a.fsa", "60") + row("B,1", "a.fsa", "51") + row("G,1", "a.fsa", "*70") +
                            row("B,2", "a.fsa", "61");
   const PeakTable table = TableFolder().readOne(text);
   EXPECT_THAT(namesOf(table), ElementsAre("a", "a (2)"));
   EXPECT_THAT(table.samples[0].peaks(Dye::B).sizes, ElementsAre(50, 60));
   EXPECT_THAT(table.samples[1].peaks(Dye::B).sizes, ElementsAre(51, 61));
+  EXPECT_THAT(table.samples[1].peaks(Dye::G).sizes, ElementsAre(70)) << "a star marks the size standard's own";
   EXPECT_THAT(table.report.files[0].leftOut.at(0).reason, "row repeated");
 }
 
