@@ -15,18 +15,13 @@
 #include "host/framework/table_import.h"
 #include "host/import/read_files.h"
 #include "host/import/report_text.h"
+#include "host/runs/own_standards.h"
 
 namespace banddesk::cli {
 namespace {
 
 constexpr int kHeadRows = 12;
 constexpr int kHeadColumns = 16;
-
-std::string dyeLetters(const host::TableImport& imported) {
-  std::string letters;
-  for (const auto& slot : imported.slots) letters.push_back(slot ? host::import::letterOf(*slot) : '-');
-  return letters;
-}
 
 // A dye that nobody has was not meant: most likely the size standard's is another.
 void requireLadder(const AnalyzeArguments& arguments, const host::import::Report& report) {
@@ -42,13 +37,15 @@ void requireLadder(const AnalyzeArguments& arguments, const host::import::Report
 
 host::TableImport readTables(const AnalyzeArguments& arguments, ProgressLine& bar) {
   bar.begin("Reading");
-  auto table = host::import::readFiles(arguments.files, arguments.reading, [&](auto done, auto total) {
+  host::import::Options reading = arguments.reading;
+  reading.runs.settings.ladder.lists = host::runs::allStandards();
+  auto table = host::import::readFiles(arguments.files, reading, [&](auto done, auto total) {
     bar.show(total == 0 ? 0 : static_cast<double>(done) / static_cast<double>(total));
   });
   bar.clear();
   say(host::import::reportText(table.report));
   requireLadder(arguments, table.report);
-  return host::importTable(std::move(table));
+  return host::importTable(std::move(table), {.chosen = arguments.reading.dyes});
 }
 
 }  // namespace
@@ -94,11 +91,9 @@ void runAnalyze(const AnalyzeArguments& arguments) {
   const auto started = std::chrono::steady_clock::now();
   ProgressLine bar;
   host::TableImport imported = readTables(arguments, bar);
-  const std::string dyes = dyeLetters(imported);
-  if (imported.leftOver) {
-    say("the dye {} has no place beside four others and was left out\n",
-        host::import::letterOf(*imported.leftOver));
-  }
+  const std::string dyes = imported.letters;
+  for (const host::import::Dye dye : imported.leftOver)
+    say("the dye {} has no place beside four others and was left out\n", host::import::letterOf(dye));
   const std::string studyName = arguments.files.front().stem().string();
 
   bar.begin("Analysing");

@@ -29,9 +29,16 @@ void addParameterOptions(CLI::App& command, AnalyzeArguments& arguments) {
       ->capture_default_str();
   command
       .add_option_function<std::string>(
-          "--dyes", [&request](const std::string& digits) { request.dyes = readDyes(digits); },
-          "The dyes to look at, such as 123 [those with fragments]")
-      ->type_name("DIGITS");
+          "--dyes",
+          [&arguments](const std::string& text) {
+            if (text.find(',') == std::string::npos)
+              arguments.request.dyes = readDyes(text);
+            else
+              arguments.reading.dyes = readDyeLetters(text);
+          },
+          "The dyes to look at, such as 123 [those with fragments], or which four dyes of the files these "
+          "are, such as B,G,Y,R")
+      ->type_name("DIGITS|DYES");
   addReadingOptions(command, arguments.reading);
 }
 

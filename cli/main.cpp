@@ -12,6 +12,7 @@
 #include "cli/example_command.h"
 #include "cli/history_commands.h"
 #include "cli/quality_command.h"
+#include "cli/run_commands.h"
 #include "cli/say.h"
 #include "cli/statistics_commands.h"
 #include "cli/study_analysis.h"
@@ -42,7 +43,8 @@ int run(int argc, char** argv) {
   for (const auto add :
        {addNewCommand, addImportCommand, addListCommand, addResultsCommand, addExportCommand,
         addReportCommand, addQualityCommand, addDistancesCommand, addPcoaCommand, addTreeCommand,
-        addDiversityCommand, addUndoCommand, addRedoCommand, addHistoryCommand, addCompactCommand})
+         addDiversityCommand, addSizeCommand, addRunsCommand, addPeaksCommand, addStandardsCommand,
+         addUndoCommand, addRedoCommand, addHistoryCommand, addCompactCommand})
     add(app, chosen);
   try {
     app.parse(argc, argv);

@@ -68,9 +68,9 @@ void checkStudy(const AnalyzeArguments& arguments) {
   if (arguments.files.size() != 1)
     raise(ErrorNumber::InvalidArgument, "Study",
           "A study is analysed alone: import the other files into it.");
-  if (arguments.reading.ladder || arguments.reading.dye || arguments.reading.sheet)
+  if (arguments.reading.ladder || arguments.reading.dye || arguments.reading.sheet || arguments.reading.dyes)
     raise(ErrorNumber::InvalidArgument, "Study",
-          "--ladder, --dye and --sheet are said when files are imported.");
+          "--ladder, --dye, --sheet and the letters of --dyes are said when files are imported.");
 }
 
 }  // namespace

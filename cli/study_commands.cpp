@@ -9,7 +9,9 @@
 #include "cli/progress_line.h"
 #include "cli/say.h"
 #include "host/framework/host.h"
+#include "host/framework/run_sizing.h"
 #include "host/framework/study_import.h"
+#include "host/runs/own_standards.h"
 #include "host/store/sqlite_store.h"
 #include "plugin/base/numbers.h"
 
@@ -116,13 +118,17 @@ void runImport(const ImportArguments& arguments) {
   host.openStudy(store);
   ProgressLine bar;
   bar.begin("Reading");
+  host::import::Options reading = arguments.reading;
+  reading.runs.settings.ladder.lists = host::standardsFor(host.study(), host::runs::allStandards());
   const host::ImportOutcome outcome = host::importIntoStudy(
-      host.study(), {arguments.files, arguments.reading, arguments.again}, [&](auto done, auto total) {
+      host.study(), {arguments.files, reading, arguments.again}, [&](auto done, auto total) {
         bar.show(total == 0 ? 0 : static_cast<double>(done) / static_cast<double>(total));
       });
   bar.clear();
   change.keep();
   say("{}", outcome.report);
+  if (outcome.runs > outcome.added)
+    say("{} runs without a size are kept for `size`\n", outcome.runs - outcome.added);
   say("added {} results; the study has {}\n", outcome.added, host.study().Study()->Results.Count());
 }
 

@@ -38,6 +38,12 @@ void addImportCommand(CLI::App& app, Chosen& chosen) {
   const auto arguments = argumentsOf<ImportArguments>(command, chosen, runImport);
   command.add_option("FILE", arguments->files, "Peak tables or runs of an instrument, or folders of them")
       ->required();
+  command
+      .add_option_function<std::string>(
+          "--dyes",
+          [to = arguments.get()](const std::string& text) { to->reading.dyes = readDyeLetters(text); },
+          "The four dyes that the study holds, where there are more [B,G,Y and R, else O]")
+      ->type_name("DYES");
   addReadingOptions(command, arguments->reading);
   command.add_flag("--again", arguments->again, "Read files once more that the study has already");
   command.footer("Example:\n  banddesk import primula.study run1.txt run2.txt --ladder R");

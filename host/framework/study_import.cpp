@@ -4,6 +4,7 @@
 #include <ctime>
 #include <fmt/chrono.h>
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 #include <set>
 #include <unordered_map>
 #include <unordered_set>
@@ -40,6 +41,7 @@ import::PeakTable readTable(HostStudyService& study, const ImportRequest& reques
     // With no known files the hashes are still made: this import's files are to be known later.
     const Contents known = request.again ? Contents{} : contentsOf(study.imports());
 auto options = request.options;
+options.runs.keepsRuns = true;
 options.isKnown = [&](std::uint64_t size, std::uint64_t hash) { return known.contains({size, hash}); };
 return import::readFiles(request.files, options, progress);
 }  // namespace
@@ -88,8 +90,10 @@ ImportRecord recordOf(const import::Report& report) {
   return record;
 }
 
-std::optional<import::Dye> fourthDyeOf(const HostStudyService& study) {
-  return import::dyeOf(study.dyeLetters().substr(3));
+// As the fourth is usually the only one in question, the others are named only where they are unusual.
+std::string placesOf(const std::string& letters) {
+  if (letters.starts_with("BGY")) return fmt::format("fourth dye is {}", letters[3]);
+  return fmt::format("dyes are {}", fmt::join(letters, ", "));
 }
 
 bool hasFragments(const std::vector<NewResult>& results, std::size_t slot) {
@@ -124,17 +128,20 @@ ImportOutcome importIntoStudy(HostStudyService& study, const ImportRequest& requ
   outcome.report = import::reportText(table.report);
   ImportRecord record = recordOf(table.report);
 
-  const TableImport imported = importTable(std::move(table), fourthDyeOf(study));
-  const char fourth = import::letterOf(*imported.slots[3]);
-  if (imported.leftOver)
-    outcome.report += fmt::format("the dye {} was left out: the study's fourth dye is {}\n",
-                                  import::letterOf(*imported.leftOver), fourth);
-  outcome.added = imported.results.size();
-  if (outcome.added == 0) return outcome;
-  record.report = outcome.report;
+  TableImport imported = importTable(
+      std::move(table), {study.dyeLetters(), study.Study()->Results.Count() > 0, request.options.dyes});
+  imported.runs.settings = request.options.runs.settings;
   std::string letters = study.dyeLetters();
-  if (hasFragments(imported.results, 3)) letters[3] = fourth;
-  study.addResults(imported.results, record, letters);
+  for (std::size_t slot = 0; slot < kDyeCount; ++slot)
+    if (request.options.dyes || hasFragments(imported.results, slot)) letters[slot] = imported.letters[slot];
+  for (const import::Dye dye : imported.leftOver)
+    outcome.report += fmt::format("the dye {} was left out: the study's {}\n", import::letterOf(dye),
+                                  placesOf(imported.letters));
+  outcome.added = imported.results.size();
+  outcome.runs = imported.runs.runs.size();
+  if (outcome.added == 0 && outcome.runs == 0) return outcome;
+  record.report = outcome.report;
+  study.addResults(imported.results, record, letters, imported.runs);
   return outcome;
 }
 

@@ -20,7 +20,8 @@ struct ImportRequest {
 
 struct ImportOutcome {
   std::string report;     // in words; the study keeps it too
-  std::size_t added = 0;  // results; with none the study is unchanged
+  std::size_t added = 0;  // results
+  std::size_t runs = 0;   // kept, those that could not be sized too; without either the study is unchanged
 };
 
 // Error 70 where the open study is among the files or lies in one of the folders: it is no peak table, and to

@@ -211,7 +211,8 @@ void HostStudyService::putDyesBack(const StudyRecord& record) {
 }
 
 void HostStudyService::addResults(const std::vector<NewResult>& results,
-                                  const std::optional<ImportRecord>& import, const std::string& letters) {
+                                  const std::optional<ImportRecord>& import, const std::string& letters,
+                                  const NewRuns& runs) {
   std::vector<ResultRecord> added;
   std::array<DyeRecord, kDyeCount> before{};
   std::array<DyeRecord, kDyeCount> after{};
@@ -221,12 +222,17 @@ void HostStudyService::addResults(const std::vector<NewResult>& results,
         showDyesOf(results, record.dyes);
         for (std::size_t slot = 0; slot < letters.size(); ++slot) record.dyes.at(slot).letter = letters[slot];
         after = record.dyes;
-        added = store_->addResults(record, results, import);
+        added = store_->addResults(record, results, import, runs);
         if (!letters.empty()) dyeLetters_ = letters;
       },
       [&](banddesk::Study& study) {
         for (const ResultRecord& record : added) study.Results.Add(makeResult(record, store_, faults_));
       });
+  tellDyes(before, after);
+}
+
+void HostStudyService::tellDyes(const std::array<DyeRecord, kDyeCount>& before,
+                                const std::array<DyeRecord, kDyeCount>& after) {
   for (std::size_t i = 0; i < kDyeCount; ++i) {
     if (before[i].isVisible == after[i].isVisible) continue;
     Dye& dye = *study_->Dyes.Item(integerText(static_cast<std::int64_t>(i)));
@@ -235,6 +241,40 @@ void HostStudyService::addResults(const std::vector<NewResult>& results,
   }
   Changed.raise();
 }
+
+std::size_t HostStudyService::sizeAgain(const runs::RunSettings& settings,
+                                        const std::vector<NewSizing>& sizings, const Resized& resized) {
+  const bool addsResults =
+      std::ranges::any_of(sizings, [](const auto& each) { return !each.sampleName.empty(); });
+  if (resized.changed.empty() && !addsResults) {
+    store_->writeSizings(record(), settings, sizings);
+    return 0;
+  }
+  std::vector<ResultRecord> added;
+  std::array<DyeRecord, kDyeCount> before{}, after{};
+  changeResults(
+      [&](StudyRecord& record) {
+        before = record.dyes;
+        for (std::size_t slot = 0; slot < kDyeCount; ++slot)
+          record.dyes[slot].letter = resized.letters.at(slot);
+        for (const NewSizing& sizing : sizings) showDyesOf({{{}, sizing.fragments}}, record.dyes);
+        after = record.dyes;
+        for (const std::int32_t id : resized.excluded) resultIn(record, id).isExcluded = true;
+        for (const std::int32_t id : resized.included) resultIn(record, id).isExcluded = false;
+        added = store_->writeSizings(record, settings, sizings);
+        dyeLetters_ = resized.letters;
+      },
+      [&](banddesk::Study& study) {
+        for (const std::int32_t id : resized.changed) resultOf(study, id)->Sample->Unload();
+        for (const std::int32_t id : resized.excluded) resultOf(study, id)->IsExcluded = true;
+        for (const std::int32_t id : resized.included) resultOf(study, id)->IsExcluded = false;
+        for (const ResultRecord& record : added) study.Results.Add(makeResult(record, store_, faults_));
+      });
+  tellDyes(before, after);
+  return added.size();
+}
+
+Store& HostStudyService::runs() { return required(store_, "Study"); }
 
 void HostStudyService::setResultExcluded(std::int32_t resultId, bool isExcluded) {
   changeResults(

@@ -39,8 +39,22 @@ class HostStudyService final : public StudyService {
   // The following need an open study (error 91).
   // `letters` are those of the slots from now on; empty: as before.
   void addResults(const std::vector<NewResult>& results,
-                  const std::optional<ImportRecord>& import = std::nullopt, const std::string& letters = {});
+                  const std::optional<ImportRecord>& import = std::nullopt, const std::string& letters = {},
+                  const NewRuns& runs = {});
   std::vector<ImportRecord> imports();  // the earliest first
+  // Where the runs of instruments lie.
+  Store& runs();
+  // What a sizing changes beside the runs.
+  struct Resized {
+    std::vector<std::int32_t> changed;   // results whose fragments are others
+    std::vector<std::int32_t> excluded;  // that cannot be sized any more
+    std::vector<std::int32_t> included;  // that can be sized again
+    std::string letters;                 // of the dyes' slots
+  };
+  // How many results were added, of runs that could not be sized before. The study's results count as changed
+  // only where some are.
+  std::size_t sizeAgain(const runs::RunSettings& settings, const std::vector<NewSizing>& sizings,
+                        const Resized& resized);
   void setResultExcluded(std::int32_t resultId, bool isExcluded);
   void deleteResult(std::int32_t resultId);
   // What is said of a sample; nothing for one that is not in the study.
@@ -94,6 +108,8 @@ class HostStudyService final : public StudyService {
   void putDyesBack(const StudyRecord& record);
   void changeResults(const std::function<void(StudyRecord&)>& changeRecord,
                      const std::function<void(banddesk::Study&)>& changeObjects);
+  void tellDyes(const std::array<DyeRecord, kDyeCount>& before,
+                const std::array<DyeRecord, kDyeCount>& after);
   void changeDye(std::int32_t dye, const std::function<void(DyeRecord&)>& change);
 
   FaultInjector& faults_;

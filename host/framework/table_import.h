@@ -1,25 +1,37 @@
-// From a peak table to the results of a study. A study has four dye slots for good: B, G and Y hold the first
-// three, and the fourth is R's, or O's where R is the size standard or absent.
+// From a peak table to the results of a study. A study has four dye slots for good: B, G and Y, and R, or
+// O where R is the size standard or absent, unless the user chooses four others.
 #pragma once
 
-#include <array>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "host/import/peak_table.h"
+#include "host/store/stored_run.h"
 #include "host/study/study.h"
 
 namespace banddesk::host {
 
 struct TableImport {
-  std::vector<NewResult> results;                           // one per sample, in the table's order
-  std::array<std::optional<import::Dye>, kDyeCount> slots;  // which dye of the table each slot holds
-  std::optional<import::Dye> leftOver;                      // a dye with peaks that found no slot
+  std::vector<NewResult> results;     // one per sample, in the table's order
+  NewRuns runs;                       // that the table holds; their settings are for the caller to tell
+  std::string letters;                // of the dye in each slot
+  std::vector<import::Dye> leftOver;  // dyes with peaks that found no slot
 };
 
-// Takes the peaks out of the table. Its ladder must have been left out when it was read. `fourth` is what the
-// study's fourth slot holds already: dyes never move.
-TableImport importTable(import::PeakTable table, std::optional<import::Dye> fourth = std::nullopt);
+// What decides on the slots.
+struct DyeChoice {
+  std::string taken = "BGY-";         // the dyes of the study, '-' for a slot that waits for one
+  bool isSettled = false;             // the study has results: dyes never move
+  std::optional<std::string> chosen;  // by the user
+};
+
+// Takes the peaks and the runs out of the table. Its ladder must have been left out when it was read. Error 5
+// where the choice is another than what is settled, and where runs have more than four dyes and none were
+// chosen.
+TableImport importTable(import::PeakTable table, const DyeChoice& dyes = {});
+
+// The same for one run: its sized peaks but for the size standard's, by slot.
+SampleFragments fragmentsOf(const runs::ProcessedRun& run, const std::string& letters);
 
 }  // namespace banddesk::host

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "host/import/dye.h"
+#include "host/runs/process_run.h"
 
 namespace banddesk::host::import {
 
@@ -63,9 +64,23 @@ struct Report {
   std::optional<LadderProposal> ladder;
 };
 
+/// A run of an instrument as a study keeps it.
+struct ReadRun {
+  runs::ProcessedRun processed;       // without its traces
+  std::vector<runs::Bytes> traces;    // packed, parallel to its dyes
+  std::optional<std::size_t> sample;  // its place in the table; none: it was not sized
+};
+
+struct RunDyeName {
+  char letter = 0;
+  std::string name;
+};
+
 struct PeakTable {
   std::vector<Sample> samples;
   Report report;
+  std::vector<ReadRun> runs;        // where they are asked for
+  std::vector<RunDyeName> runDyes;  // of the run with most of them, without its size standard's
 };
 
 }  // namespace banddesk::host::import

@@ -168,14 +168,16 @@ class Reading {
       reports.push_back(&*std::ranges::find(table_.report.files, run.file, &FileReport::file));
     }
     const std::uint64_t before = done_;
-    readRuns(files, options_.runs, reports, table_.samples, [&](std::size_t done, std::size_t total) {
+    readRuns(files, options_.runs, reports, table_, [&](std::size_t done, std::size_t total) {
       done_ = before + (total_ - before) * done / total;
       tell(0);
     });
     filesRead_ += files.size();
   }
 
+  // Runs that are kept can be sized later.
   void requirePeaks() const {
+    if (!table_.runs.empty()) return;
     const auto peaksOf = [](const FileReport& file) {
       return std::accumulate(file.peaks.begin(), file.peaks.end(), std::size_t{0});
     };

@@ -23,6 +23,8 @@ struct Options {
   std::optional<Dye> dye = {};
   /// Of spreadsheets the sheet of this name, else the first.
   std::optional<std::string> sheet = {};
+  /// The letters of the four dyes that a study is to hold, such as "BGYR", for whoever fills one.
+  std::optional<std::string> dyes = {};
   /// How runs of instruments are analysed; a run's size standard is found and left out by itself.
   RunOptions runs = {};
   /// Asked of each file by its size and content hash before it is read: a known file is passed over and

@@ -28,8 +28,8 @@ std::string ladderText(const runs::LadderAssignment& ladder) {
 
 class RunSamples {
  public:
-  RunSamples(std::vector<Sample>& samples, std::span<const runs::RunOutcome> outcomes) : samples_(samples) {
-    for (const Sample& sample : samples) taken_.insert(sample.name);
+  RunSamples(PeakTable& table, std::span<const runs::RunOutcome> outcomes) : table_(table) {
+    for (const Sample& sample : table.samples) taken_.insert(sample.name);
     for (const auto& outcome : outcomes)
       if (outcome.processed) ++namesakes_[outcome.processed->run.sampleName];
   }
@@ -44,12 +44,13 @@ class RunSamples {
                                          : "NOT SIZED and left out: " +
                                                fmt::format("{}", fmt::join(run.ladder.reasons, "; ")));
     report.rows = std::max<std::size_t>(1, run.peaks.size());
+    noteDyes(run);
     if (!run.isSized()) return;
     Sample sample;
     sample.name = nameOf(run.run);
     sample.sourceFile = outcome.path;
     takePeaks(run, sample, report);
-    samples_.push_back(std::move(sample));
+    table_.samples.push_back(std::move(sample));
     report.samples = 1;
   }
 
@@ -65,13 +66,9 @@ class RunSamples {
 
   static void takePeaks(const ProcessedRun& run, Sample& sample, FileReport& report) {
     std::array<std::optional<Dye>, runs::kMostDyes + 1> dyes;
-    for (const runs::RunDye& dye : run.run.dyes) {
-      if (dye.channel == run.ladder.channel) continue;
-      dyes[static_cast<std::size_t>(dye.channel)] = dyeOf(std::string_view(&dye.letter, 1));
-      if (!dyes[static_cast<std::size_t>(dye.channel)])
-        report.notes.push_back(
-            fmt::format("its dye {} ({}) is not analysed: a table has five", dye.letter, dye.name));
-    }
+    for (const runs::RunDye& dye : run.run.dyes)
+      if (dye.channel != run.ladder.channel)
+        dyes[static_cast<std::size_t>(dye.channel)] = dyeOf(std::string_view(&dye.letter, 1));
     std::size_t unsized = 0;
     for (const runs::Peak& peak : run.peaks) {
       const auto dye = dyes[static_cast<std::size_t>(peak.channel)];
@@ -88,7 +85,14 @@ class RunSamples {
       report.notes.push_back(fmt::format("{} peaks outside the size standard have no size", unsized));
   }
 
-  std::vector<Sample>& samples_;
+  void noteDyes(const ProcessedRun& run) {
+    std::vector<RunDyeName> dyes;
+    for (const runs::RunDye& dye : run.run.dyes)
+      if (dye.channel != run.ladder.channel) dyes.push_back({dye.letter, dye.name});
+    if (dyes.size() > table_.runDyes.size()) table_.runDyes = std::move(dyes);
+  }
+
+  PeakTable& table_;
   std::set<std::string> taken_;
   std::map<std::string, std::size_t> namesakes_;
 };
@@ -102,6 +106,13 @@ void requireReadable(std::span<const runs::RunOutcome> outcomes) {
   throw ImportError({first.path, 0, {}},
                     fmt::format("{} ({} of {} runs cannot be read; they can be left out)", first.error, bad,
                                 outcomes.size()));
+}
+
+// After its sample, which is the last then.
+void keepRun(runs::RunOutcome& outcome, PeakTable& table) {
+  const bool isSized = outcome.processed->isSized();
+  table.runs.push_back({std::move(*outcome.processed), std::move(outcome.traces), {}});
+  if (isSized) table.runs.back().sample = table.samples.size() - 1;
 }
 
 }  // namespace
@@ -118,17 +129,18 @@ bool isRunFile(const fs::path& file) {
 }
 
 void readRuns(std::span<const fs::path> files, const RunOptions& options,
-              std::span<FileReport* const> reports, std::vector<Sample>& samples,
-              const runs::RunProgress& progress) {
-  std::vector<std::string> paths;
-  for (const fs::path& file : files) paths.push_back(file.string());
-  const std::vector<runs::RunOutcome> outcomes =
-      runs::processRuns(paths, options.settings, options.jobs, progress);
+              std::span<FileReport* const> reports, PeakTable& table, const runs::RunProgress& progress) {
+  std::vector<runs::RunOutcome> outcomes = runs::processRuns(
+      files.size(), [&](std::size_t i) { return runs::readRunFile(files[i].string()); }, options.settings,
+      {.jobs = options.jobs, .traces = options.keepsRuns ? runs::TracesOut::Packed : runs::TracesOut::None},
+      progress);
+  for (std::size_t i = 0; i < files.size(); ++i) outcomes[i].path = files[i].string();
   if (!options.leavesOutUnreadable) requireReadable(outcomes);
-  RunSamples all(samples, outcomes);
+  RunSamples all(table, outcomes);
   for (std::size_t i = 0; i < outcomes.size(); ++i) {
     if (outcomes[i].processed) {
       all.add(outcomes[i], *reports[i]);
+      if (options.keepsRuns) keepRun(outcomes[i], table);
     } else {
       reports[i]->form = "cannot be read, left out";
       reports[i]->notes.push_back(outcomes[i].error);

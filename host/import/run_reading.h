@@ -22,13 +22,14 @@ struct RunOptions {
   runs::RunSettings settings = {};
   std::size_t jobs = 0;              // threads; 0: as many as the machine has
   bool leavesOutUnreadable = false;  // files that cannot be read are noted instead of ending the import
+  bool keepsRuns = false;            // runs are handed out beside their samples, with their traces
 };
 
-/// Reads and analyses the files and appends their samples to the table; a run that could not be sized gives
-/// none and is noted. `reports` are those of the files, in their order, and stand in the table already.
+/// Reads and analyses the files and appends their samples, and the runs if they are to be kept, to the table;
+/// a run that could not be sized gives no sample and is noted. `reports` are those of the files, in their
+/// order, and stand in the table already.
 /// Throws ImportError when a file cannot be read, unless such files are to be left out.
 void readRuns(std::span<const std::filesystem::path> files, const RunOptions& options,
-              std::span<FileReport* const> reports, std::vector<Sample>& samples,
-              const runs::RunProgress& progress);
+              std::span<FileReport* const> reports, PeakTable& table, const runs::RunProgress& progress);
 
 }  // namespace banddesk::host::import
