@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "cli/scoring_options.h"
+
 namespace banddesk::cli {
 
 enum class Cells { Count = 0, Presence = 1, Height = 2 };
@@ -22,7 +24,8 @@ struct AnalysisRequest {
   bool transposed = false;                   // samples in rows
   std::vector<std::string> excludedSamples;  // by name
   std::vector<std::string> excludedBins;     // "D1-100.25", or "D1-100" where one bin has that number
-  std::optional<std::string> sortBy;         // a column's header, key or sample name; ":desc" behind it
+  ScoringChanges scoring;
+  std::optional<std::string> sortBy;  // a column's header, key or sample name; ":desc" behind it
 };
 
 // A file that is made already and only waits to be written.

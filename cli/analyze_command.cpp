@@ -99,7 +99,12 @@ void runAnalyze(const AnalyzeArguments& arguments) {
   bar.begin("Analysing");
   Session session([&](double share) { bar.show(share); });
   session.openStudy(studyName, std::move(imported.results));
-  session.analyze(arguments.request);
+  session.analyze(arguments.isPreview ? withoutRules(arguments.request) : arguments.request);
+  if (arguments.isPreview) {
+    bar.clear();
+    say(session.preview(arguments.request));
+    return;
+  }
   bar.begin("Writing");
   const std::string head = arguments.printHead ? printedHead(session) : std::string();
   const std::string summary = summaryText(session, dyes);

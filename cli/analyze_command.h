@@ -24,6 +24,7 @@ struct AnalyzeArguments {
   std::set<std::string> given;  // the options that stand on the command line
   Outputs outputs;
   bool printHead = false;
+  bool isPreview = false;  // of the rules; nothing is saved or written
 };
 
 class Session;

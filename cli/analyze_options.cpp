@@ -40,6 +40,9 @@ void addParameterOptions(CLI::App& command, AnalyzeArguments& arguments) {
           "are, such as B,G,Y,R")
       ->type_name("DIGITS|DYES");
   addReadingOptions(command, arguments.reading);
+  addScoringOptions(command, request.scoring);
+  command.add_flag("--preview", arguments.isPreview,
+                   "Only tell what each rule would take; nothing is saved or written");
 }
 
 void addViewOptions(CLI::App& command, AnalyzeArguments& arguments) {

@@ -11,9 +11,12 @@
 #include "cli/analyze_command.h"
 #include "cli/example_command.h"
 #include "cli/history_commands.h"
+#include "cli/join_command.h"
 #include "cli/quality_command.h"
 #include "cli/run_commands.h"
+#include "cli/samples_command.h"
 #include "cli/say.h"
+#include "cli/search_command.h"
 #include "cli/statistics_commands.h"
 #include "cli/study_analysis.h"
 #include "cli/study_commands.h"
@@ -41,10 +44,11 @@ int run(int argc, char** argv) {
   CLI::App& exampleCommand = addExampleCommand(app, example);
   Chosen chosen;  // of the commands on study files
   for (const auto add :
-       {addNewCommand, addImportCommand, addListCommand, addResultsCommand, addExportCommand,
-        addReportCommand, addQualityCommand, addDistancesCommand, addPcoaCommand, addTreeCommand,
-         addDiversityCommand, addSizeCommand, addRunsCommand, addPeaksCommand, addStandardsCommand,
-         addUndoCommand, addRedoCommand, addHistoryCommand, addCompactCommand})
+       {addNewCommand,       addImportCommand,  addListCommand,      addResultsCommand, addExportCommand,
+        addReportCommand,    addQualityCommand, addDistancesCommand, addPcoaCommand,    addTreeCommand,
+        addDiversityCommand, addSizeCommand,    addRunsCommand,      addPeaksCommand,   addStandardsCommand,
+        addSamplesCommand,   addSearchCommand,  addJoinCommand,      addUndoCommand,    addRedoCommand,
+        addHistoryCommand,   addCompactCommand})
     add(app, chosen);
   try {
     app.parse(argc, argv);

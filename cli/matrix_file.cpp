@@ -12,17 +12,6 @@
 namespace banddesk::cli {
 namespace {
 
-// Fields that hold separators, quotes or line ends are quoted, quotes inside doubled.
-std::string escaped(std::string_view text) {
-  if (text.find_first_of("\t\"\r\n") == std::string_view::npos) return std::string(text);
-  std::string field = "\"";
-  for (const char c : text) {
-    if (c == '"') field.push_back('"');
-    field.push_back(c);
-  }
-  return field + "\"";
-}
-
 // The cells of the bins that are to be seen, bin after bin: the file has a line for each sample, and the
 // calculators answer bin by bin. Counts are whole in a double.
 std::vector<double> shownCells(const Session& session, const std::vector<BinReading>& bins, Cells cells) {
@@ -49,6 +38,17 @@ std::string columnName(const BinReading& bin, std::unordered_map<std::string, in
 
 }  // namespace
 
+// Fields that hold separators, quotes or line ends are quoted, quotes inside doubled.
+std::string tableField(std::string_view text) {
+  if (text.find_first_of("\t\"\r\n") == std::string_view::npos) return std::string(text);
+  std::string field = "\"";
+  for (const char c : text) {
+    if (c == '"') field.push_back('"');
+    field.push_back(c);
+  }
+  return field + "\"";
+}
+
 void writeMatrix(std::ostream& out, const Session& session, Cells cells) {
   auto bins = readBins(session);
   std::erase_if(bins, [](const BinReading& bin) { return bin.hidden; });
@@ -64,7 +64,7 @@ void writeMatrix(std::ostream& out, const Session& session, Cells cells) {
   for (const SampleReading& sample : readSamples(session)) {
     const std::size_t at = result++;
     if (sample.hidden) continue;
-    out << escaped(sample.name);
+    out << tableField(sample.name);
     for (std::size_t bin = 0; bin < bins.size(); ++bin) {
       const double value = values[bin * results + at];
       out << '\t' << (cells == Cells::Height ? generalText(value) : integerText(static_cast<int>(value)));

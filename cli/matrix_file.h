@@ -4,11 +4,16 @@
 #pragma once
 
 #include <ostream>
+#include <string>
+#include <string_view>
 
 #include "cli/analysis_request.h"
 #include "cli/session.h"
 
 namespace banddesk::cli {
+
+// A text as a field of such a table, quoted where it must be.
+std::string tableField(std::string_view text);
 
 void writeMatrix(std::ostream& out, const Session& session, Cells cells);
 

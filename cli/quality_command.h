@@ -12,7 +12,7 @@ namespace banddesk::cli {
 struct QualityArguments {
   std::filesystem::path study;
   std::optional<std::string> name;
-  std::string replicates;  // an ending of names, or a file of pairs; empty: none
+  std::optional<std::string> replicates;  // a pattern or a file; absent: as the analysis or the study says
   std::optional<std::filesystem::path> json;
 };
 

@@ -23,6 +23,12 @@ host::HostSettings settings() {
   return made;
 }
 
+host::scoring::AnalysisScoring changed(host::scoring::AnalysisScoring scoring,
+                                       const ScoringChanges& changes) {
+  for (const auto& change : changes) change(scoring);
+  return scoring;
+}
+
 }  // namespace
 
 ui::BoxAnswer SessionFront::showMessage(const host::MessageShown& message) {
@@ -81,6 +87,8 @@ void Session::analyze(const AnalysisRequest& request) {
   host_.runNewAnalysis();
   const auto parameters = openPage(names::kParametersPage);
   analysis_ = cast<AFLP>(parameters->bound(), "AFLP");
+  host::HostAFLP& own = host::hostSide(*analysis_);
+  own.setScoring(changed(own.scoring(), request.scoring));
   host_.pages().userEvent(*parameters, [&] { fillParameters(parameters->control()->Controls(), request); });
   bool accepted = false;
   try {
@@ -92,6 +100,24 @@ void Session::analyze(const AnalysisRequest& request) {
   if (!accepted) raiseRefused(request);
   takePage();
   chooseView(request);
+}
+
+// Of an analysis that has a page already.
+void Session::score(const AnalysisRequest& request) {
+  const auto& before = host::hostSide(*analysis_).scoring();
+  const auto wanted = changed(before, request.scoring);
+  if (wanted == before) return;
+  hostPage_ = host_.setScoring(hostPage_, wanted);
+  takePage();
+}
+
+std::string Session::preview(const AnalysisRequest& request) {
+  const auto rules = changed(host::hostSide(*analysis_).scoring(), request.scoring).rules;
+  std::string text;
+  for (const host::RuleCount& count : host_.rules().preview(*hostPage_, rules))
+    text += fmt::format("{}: {} of {} {}\n", ruleText(count.rule), count.taken, count.of,
+                        judgesSamples(count.rule) ? "samples" : "bins");
+  return text.empty() ? "there are no rules\n" : text;
 }
 
 void Session::takePage() {

@@ -58,6 +58,9 @@ class Session {
   void excludeBin(const std::string& key);
   void sortBy(const std::string& column);
 
+  // What each rule of the request would take of the table as it stands; the rules do not act.
+  std::string preview(const AnalysisRequest& request);
+
   // The study's save, with all that is unsaved.
   void save();
 
@@ -73,6 +76,7 @@ class Session {
   AFLP& analysis() const { return *analysis_; }
   host::GridControl& grid() const;
   host::Host& host() { return host_; }
+  const host::Host& host() const { return host_; }
   Study& study() const { return *study_; }
 
  private:
@@ -81,6 +85,7 @@ class Session {
   void chooseView(const AnalysisRequest& request);
   void decide(const AnalysisRequest& request);
   void takePage();
+  void score(const AnalysisRequest& request);
   void fillBox(const char* box, const std::string& text, const AnalysisRequest& request);
   [[noreturn]] static void raiseRefused(const AnalysisRequest& request);
   std::int32_t columnNamed(const std::string& name) const;

@@ -20,6 +20,7 @@ void Session::reopen(const std::shared_ptr<AFLP>& analysis, host::StaleAnalysis 
 
 // What a user of the page does: fills a box and leaves it, clicks, chooses.
 void Session::change(const AnalysisRequest& request, const std::set<std::string>& given) {
+  score(request);
   const ui::ControlSet& controls = page_->Controls();
   const auto has = [&](const char* option) { return given.contains(option); };
   const auto check = [&](const char* box, bool on) {

@@ -5,18 +5,21 @@
 #include <fmt/format.h>
 #include <fstream>
 #include <ostream>
+#include <set>
 #include <string_view>
 #include <vector>
 
 #include "cli/band_table.h"
 #include "cli/format_outputs.h"
 #include "cli/history_commands.h"
+#include "cli/join_command.h"
 #include "cli/open_study.h"
 #include "cli/output_file.h"
 #include "cli/progress_line.h"
 #include "cli/say.h"
 #include "cli/session.h"
 #include "cli/summary.h"
+#include "host/framework/sample_list.h"
 #include "host/store/sqlite_store.h"
 #include "plugin/base/text.h"
 
@@ -73,7 +76,31 @@ void checkStudy(const AnalyzeArguments& arguments) {
           "--ladder, --dye, --sheet and the letters of --dyes are said when files are imported.");
 }
 
+// Primer pairs are never mixed silently.
+void tellPairs(const Session& session) {
+  std::set<std::string> pairs;
+  for (const host::SampleFacts& facts : host::allSamples(session.analysis(), session.host().study()).facts)
+    if (!facts.primerPair.empty()) pairs.insert(facts.primerPair);
+  if (pairs.size() > 1)
+    say("the samples are of several primer pairs, which --primer-pair tells apart: {}\n",
+        fmt::join(pairs, ", "));
+}
+
+// Whether what is exported are bands of individuals, not the table of an analysis.
+bool hasBands(const ExportArguments& arguments) {
+  return arguments.bands.consensus || (arguments.name && findJoined(arguments.study, *arguments.name));
+}
+
+bool isOfSamples(const Outputs& outputs) {
+  return outputs.csv || outputs.nts || outputs.json || outputs.xlsx;
+}
+
 }  // namespace
+
+AnalysisRequest withoutRules(AnalysisRequest request) {
+  request.scoring.emplace_back([](host::scoring::AnalysisScoring& scoring) { scoring.rules.clear(); });
+  return request;
+}
 
 void openAsStored(Session& session, const std::filesystem::path& study,
                   const std::optional<std::string>& name) {
@@ -117,6 +144,18 @@ void runStudyAnalysis(const AnalyzeArguments& arguments) {
     raise(ErrorNumber::InvalidArgument, "Study",
           fmt::format("--name: a name has at most {} characters", kLongestAnalysisName));
   const auto existing = arguments.name ? find(session, *arguments.name) : nullptr;
+  if (arguments.isPreview) {
+    const AnalysisRequest request = withoutRules(arguments.request);
+    if (existing) {
+      session.reopen(existing, host::StaleAnalysis::OpenAsStored);
+      session.change(request, arguments.given);
+    } else {
+      session.analyze(request);
+    }
+    bar.clear();
+    say(session.preview(arguments.request));
+    return;
+  }
   if (existing) {
     session.reopen(existing, host::StaleAnalysis::Redo);
     session.change(arguments.request, arguments.given);
@@ -124,6 +163,7 @@ void runStudyAnalysis(const AnalyzeArguments& arguments) {
     session.analyze(arguments.request);
     if (arguments.name) session.analysis().Name = *arguments.name;
   }
+  tellPairs(session);
   session.save();
   change.keep();
   const std::string dyes = session.host().study().dyeLetters();
@@ -150,14 +190,32 @@ void runExport(const ExportArguments& arguments) {
           "say what to write: --format, --csv, --nts, --matrix, --json or --xlsx");
   const auto formats = formatRequests(arguments.formats);
   requireDistinct(pathsOf(arguments.outputs), {arguments.study});
+  Outputs outputs = arguments.outputs;
+  if (hasBands(arguments)) {
+    if (isOfSamples(arguments.outputs))
+      raise(ErrorNumber::InvalidArgument, "Export",
+            "--csv, --nts, --json and --xlsx write the samples of an analysis: say --matrix or --format");
+    const auto excluded =
+        arguments.showExcluded.value_or(false) ? ExcludedBands::TakenIn : ExcludedBands::LeftOut;
+    const auto bands = openBands(arguments.study, arguments.name, excluded, arguments.bands);
+    OutputFiles files;
+    auto ready = formatOutputs(formats, bands);
+    if (outputs.matrix) ready.push_back({*outputs.matrix, matrixText(bands)});
+    outputs = {};
+    outputs.ready = std::move(ready);
+    requireDistinct(pathsOf(outputs), {arguments.study});
+    for (const ReadyOutput& output : outputs.ready)
+      files.writeText(output.path, [&](std::ostream& out) { out << output.content; });
+    files.commit();
+    return;
+  }
   Session session;
   openAsStored(session, arguments.study, arguments.name);
   if (arguments.showExcluded) session.showExcluded(*arguments.showExcluded);
-  Outputs outputs = arguments.outputs;
   if (!formats.empty()) {
     const auto excluded =
         arguments.showExcluded.value_or(false) ? ExcludedBands::TakenIn : ExcludedBands::LeftOut;
-    outputs.ready = formatOutputs(formats, readBands(session, excluded, arguments.groups));
+    outputs.ready = formatOutputs(formats, readBands(session, excluded, arguments.bands));
     requireDistinct(pathsOf(outputs), {arguments.study});
   }
   writeOutputs(outputs, session, session.host().study().dyeLetters());

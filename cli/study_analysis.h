@@ -8,6 +8,7 @@
 #include <string>
 
 #include "cli/analyze_command.h"
+#include "cli/band_table.h"
 #include "cli/study_commands.h"
 
 namespace banddesk::cli {
@@ -18,7 +19,7 @@ struct ExportArguments {
   Outputs outputs;
   std::optional<bool> showExcluded;
   std::vector<std::string> formats;  // the name of a format and the file to write, or "list" alone
-  std::optional<std::filesystem::path> groups;
+  BandOptions bands;
 };
 
 struct ReportArguments {
@@ -36,6 +37,9 @@ class Session;
 // Without a name it is the only one.
 void openAsStored(Session& session, const std::filesystem::path& study,
                   const std::optional<std::string>& name);
+
+// The same request with rules that do not act.
+AnalysisRequest withoutRules(AnalysisRequest request);
 
 // Whether the file to analyse is a study and no peak table, by its content.
 bool isStudyFile(const std::filesystem::path& file);

@@ -101,6 +101,11 @@ void printAnalyses(SqliteStore& store, const host::StudyRecord& study) {
         analysis.resultIds.size(), generalText(analysis.maxBinWidth), analysis.yThreshold,
         analysis.resultStamp == study.resultStamp ? "" : "; the results have changed since");
   }
+  for (const host::JoinedTable& table : study.joined) {
+    std::string pairs;
+    for (const host::JoinedPart& part : table.parts) pairs += (pairs.empty() ? "" : ", ") + part.primerPair;
+    say("joined \"{}\": the primer pairs {}, consensus {}\n", table.name, pairs, table.consensus);
+  }
 }
 
 }  // namespace

@@ -88,7 +88,8 @@ void addExportCommand(CLI::App& app, Chosen& chosen) {
       ->type_name("FORMAT OUT")
       ->type_size(1, 2)
       ->allow_extra_args(false);
-  addGroupsOption(command, arguments->groups);
+  addGroupsOption(command, arguments->bands.groups);
+  addIndividualOptions(command, arguments->bands);
   CLI::Option* const show = command.add_flag_callback(
       "--show-excluded", [arguments = arguments.get()] { arguments->showExcluded = true; },
       "With excluded bins and samples [as stored]");

@@ -75,6 +75,8 @@ void MainWindow::connectHost() {
   connections_.push_back(workbench_.keeper().Reopened.connect([this](const auto&, const std::string& line) {
     statusBar()->showMessage(toQString(line), kMessageTime);
   }));
+  connections_.push_back(host.rules().Told.connect(
+      [this](const std::string& line) { statusBar()->showMessage(toQString(line), kMessageTime); }));
   connections_.push_back(workbench_.keeper().LeftHalfMade.connect(
       [this](const auto& page, const std::string& line) { pages_->showFailure(page, toQString(line)); }));
   connections_.push_back(workbench_.Changed.connect([this] { studyChanged(); }));

@@ -6,6 +6,7 @@
 #include <fmt/format.h>
 
 #include "host/framework/finished_table.h"
+#include "host/framework/methods_text.h"
 #include "host/framework/shown_table.h"
 #include "plugin/base/numbers.h"
 #include "plugin/page_names.h"
@@ -34,8 +35,13 @@ const char* yesOrNo(bool yes) { return yes ? "yes" : "no"; }
 
 class Reading {
  public:
-  Reading(const AFLP& analysis, IAFLPResultsPage& page, const std::string& dyeLetters)
-      : analysis_(analysis), page_(page), dyeLetters_(dyeLetters), table_(analysis, page) {}
+  Reading(const AFLP& analysis, IAFLPResultsPage& page, const HostStudyService& study)
+      : analysis_(analysis),
+        page_(page),
+        study_(study),
+        dyeLetters_(study.dyeLetters()),
+        marks_(hostSide(analysis).scoring().marks),
+        table_(analysis, page) {}
 
   ReportSection parameters() const {
     ReportSection section{"Parameters", {}, {}, {}};
@@ -52,7 +58,13 @@ class Reading {
         {"Sample cells hold", option < kCells.size() ? kCells[option] : "-"},
         {"Samples run along", page_.Transpose() ? "rows" : "columns"},
     };
+    for (const auto& [name, value] : settingsOf(hostSide(analysis_).scoring()))
+      section.facts.emplace_back(name, value);
     return section;
+  }
+
+  ReportSection methods() const {
+    return {"For a methods section", {}, {}, methodsText(analysis_, page_, study_)};
   }
 
   ReportSection counts() {
@@ -82,7 +94,7 @@ class Reading {
 
   // Of the table as it is shown.
   ReportSection quality() const {
-    const TableQuality quality = qualityOf(shownTable(analysis_, page_).view());
+    const TableQuality quality = qualityOf(shownTable(analysis_, page_, study_).view());
     const auto figure = [](const std::optional<double>& value, const char* unit) {
       return value ? fmt::format("{:.4g}{}", *value, unit) : std::string("-");
     };
@@ -103,12 +115,12 @@ class Reading {
       const BinMark mark = table_.markOf(row, page_.Bin(row));
       if (isExcluded(mark))
         bins.rows.push_back({page_.CellText(kDyeKey, row), page_.CellText(kBinNumberKey, row),
-                             page_.CellText(kXMeanKey, row), who(mark)});
+                             page_.CellText(kXMeanKey, row), who(mark, row)});
     }
     ReportTable samples{{"Sample", "Excluded"}, {}, 2};
     for (const auto& column : analysis_.SampleGrid->Columns) {
       if (column->IsExcluded || column->IsAutoExcluded)
-        samples.rows.push_back({column->ToolTip, column->IsExcluded ? "by hand" : "by a filter"});
+        samples.rows.push_back({column->ToolTip, whoTook(*column)});
     }
     ReportSection section{"Excluded elements", {}, {}, {}};
     section.facts = {{"Bins", integerText(static_cast<std::int64_t>(bins.rows.size()))},
@@ -126,7 +138,7 @@ class Reading {
       auto& cells = table.rows.emplace_back();
       for (const BinColumn& column : kBinColumns) cells.push_back(page_.CellText(column.key, row));
       const BinMark mark = table_.markOf(row, page_.Bin(row));
-      cells.push_back(isExcluded(mark)               ? std::string("excluded ") + who(mark)
+      cells.push_back(isExcluded(mark)               ? "excluded " + who(mark, row)
                       : mark == BinMark::BroughtBack ? "kept by hand"
                                                      : "");
     }
@@ -182,24 +194,35 @@ class Reading {
     return names.empty() ? "none" : names;
   }
 
-  static const char* who(BinMark mark) { return mark == BinMark::ExcludedByHand ? "by hand" : "by a filter"; }
+  std::string who(BinMark mark, std::int32_t row) const {
+    const auto why = marks_.find(page_.CellText("7", row) + "-" + page_.CellText("83", row));
+    if (why != marks_.end()) return "by rule: " + why->second;
+    return mark == BinMark::ExcludedByHand ? "by hand" : "by a filter";
+  }
+
+  std::string whoTook(const GridColumn& column) const {
+    if (const auto why = marks_.find(column.Key); why != marks_.end()) return "by rule: " + why->second;
+    return column.IsExcluded ? "by hand" : "by a filter";
+  }
 
   const AFLP& analysis_;
   IAFLPResultsPage& page_;
+  const HostStudyService& study_;
   const std::string& dyeLetters_;
+  const std::map<scoring::ElementKey, std::string>& marks_;
   FinishedTable table_;
 };
 
 }  // namespace
 
-ReportDocument reportOf(const AFLP& analysis, IAFLPResultsPage& page, const std::string& dyeLetters) {
-  Reading reading(analysis, page, dyeLetters);
+ReportDocument reportOf(const AFLP& analysis, IAFLPResultsPage& page, const HostStudyService& study) {
+  Reading reading(analysis, page, study);
   ReportDocument document;
   document.title = "AFLP analysis: " + analysis.Name.get();
   document.subtitle =
       fmt::format("Study {}, report of {:%Y-%m-%d %H:%M}", required(analysis.Study.get(), "Study").Name.get(),
                   fmt::localtime(std::time(nullptr)));
-  document.sections = {reading.parameters(), reading.counts(),    reading.quality(),
+  document.sections = {reading.parameters(), reading.counts(),    reading.quality(), reading.methods(),
                        reading.excluded(),   reading.tableHead(), reading.bins()};
   return document;
 }

@@ -5,11 +5,11 @@
 #include <string>
 
 #include "host/framework/html_page.h"
+#include "host/framework/study_service.h"
 #include "plugin/banddesk.h"
 
 namespace banddesk::host {
 
-// `dyeLetters` are the letters of the tables' dyes in the four slots.
-ReportDocument reportOf(const AFLP& analysis, IAFLPResultsPage& page, const std::string& dyeLetters);
+ReportDocument reportOf(const AFLP& analysis, IAFLPResultsPage& page, const HostStudyService& study);
 
 }  // namespace banddesk::host

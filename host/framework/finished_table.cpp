@@ -62,8 +62,13 @@ FinishedTable::ResultCells FinishedTable::cellsOf(std::int32_t bin) {
 
 FinishedTable::OwnBin FinishedTable::ownBin(std::int32_t bin) const {
   const std::int32_t dye = dyeOf(bin);
-  const auto* const own = dynamic_cast<const PartitionBinCalculator*>(&calculatorOfDye(dye)->own());
-  return {required(own, "PartitionBinCalculator"), bin - firstBins_[static_cast<std::size_t>(dye)]};
+  return {required(ownCalculator(dye), "PartitionBinCalculator"),
+          bin - firstBins_[static_cast<std::size_t>(dye)]};
+}
+
+const PartitionBinCalculator* FinishedTable::ownCalculator(std::int32_t dye) const {
+  const GuardedCalculator* const calculator = calculatorOfDye(dye);
+  return calculator == nullptr ? nullptr : dynamic_cast<const PartitionBinCalculator*>(&calculator->own());
 }
 
 BinMark FinishedTable::markOf(std::int32_t row, std::int32_t bin) {

@@ -55,6 +55,8 @@ class FinishedTable {
     std::int32_t number;
   };
   OwnBin ownBin(std::int32_t bin) const;
+  // Null without one.
+  const PartitionBinCalculator* ownCalculator(std::int32_t dye) const;
   // Whether the table looks at a dye.
   bool looksAt(std::int32_t dye) const { return isDyeChecked_[static_cast<std::size_t>(dye)]; }
 

@@ -9,6 +9,7 @@
 #include "host/framework/analysis_report.h"
 #include "host/framework/first_failure.h"
 #include "host/framework/guarded_calculator.h"
+#include "host/framework/rescoring.h"
 #include "host/history/kept_steps.h"
 #include "host/store/sqlite_store.h"
 #include "plugin/page_names.h"
@@ -36,6 +37,7 @@ Host::Host(HostSettings settings)
   hooks_.open = [this](const std::shared_ptr<AFLP>& analysis, bool show) {
     return openAnalysis(analysis, show);
   };
+  pages_.whileStarting = [this](const HostPage& page) { return withoutOtherPairs(page); };
 }
 
 Host::~Host() {
@@ -129,6 +131,30 @@ void Host::saveCopy(const std::string& file) {
   }
 }
 
+// A page takes over all results of the study that nobody has excluded. An analysis of one primer pair sees
+// those of the others as excluded while its page starts.
+std::shared_ptr<void> Host::withoutOtherPairs(const HostPage& page) {
+  const auto analysis = std::dynamic_pointer_cast<HostAFLP>(page.bound());
+  if (!analysis || page.DefinitionName() != "AFLP" || analysis->scoring().primerPair.empty()) return nullptr;
+  const FaultInjector::Pause pause(faults_);
+  std::vector<std::shared_ptr<Result>> hidden;
+  for (const auto& result : studyService_.Study()->Results) {
+    if (result->IsExcluded.get().value_or(false)) continue;
+    if (studyService_.factsOf(result->ResultID).primerPair != analysis->scoring().primerPair)
+      hidden.push_back(result);
+  }
+  const auto mark = [this, hidden](bool isExcluded) {
+    const FaultInjector::Pause unheard(faults_);
+    for (const auto& result : hidden) {
+      const PersistentState state = result->persistentState();
+      result->IsExcluded = isExcluded;
+      result->Persistent() = state;
+    }
+  };
+  mark(true);
+  return {nullptr, [mark](std::nullptr_t) { mark(false); }};
+}
+
 void Host::requireNamesApart() {
   if (!studyService_.isOpen()) return;
   const FaultInjector::Pause pause(faults_);
@@ -144,6 +170,11 @@ void Host::requireNamesApart() {
     for (int number = 2; !taken.insert(analysis->Name).second; ++number)
       analysis->Name = fmt::format("{} ({})", name, number);
   }
+}
+
+std::shared_ptr<HostPage> Host::setScoring(const std::shared_ptr<HostPage>& page,
+                                           scoring::AnalysisScoring scoring) {
+  return rescore(pages_, platform_, rules_, page, std::move(scoring));
 }
 
 void Host::runNewAnalysis() const {
@@ -273,7 +304,7 @@ std::string Host::makeReport(const std::shared_ptr<AFLP>& analysis) {
   std::string html;
   failure.run([&] {
     const auto results = cast<IAFLPResultsPage>(page->control(), "AFLPResultsPage");
-    html = htmlPage(reportOf(*analysis, *results, studyService_.dyeLetters()));
+    html = htmlPage(reportOf(*analysis, *results, studyService_));
   });
   if (!open) failure.run([&] { pages_.end(page, false); });
   failure.raise();

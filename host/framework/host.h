@@ -66,6 +66,10 @@ class Host final : public HostServices, private Application {
 
   // ---- what the user does
   void runNewAnalysis() const;  // nothing while the command is not enabled
+  // Gives the analysis of a results page other settings; gives the page that stands there now. Errors as
+  // rescore has them.
+  std::shared_ptr<HostPage> setScoring(const std::shared_ptr<HostPage>& page,
+                                       scoring::AnalysisScoring scoring);
   // The state of kNewAnalysisCommand or of a command of the items, as the plug-in and the host's
   // configuration switch it.
   const Command& command(const char* name) const;
@@ -82,6 +86,7 @@ class Host final : public HostServices, private Application {
   HostPlatform& platform() { return platform_; }
   HostProgress& progress() { return progress_; }
   HostStudyService& study() { return studyService_; }
+  const HostStudyService& study() const { return studyService_; }
   HostObjectManager& objects() { return objects_; }
   HostPageManager& pages() { return pages_; }
   HostExplorerTree& tree() { return explorer_.tree(); }
@@ -113,6 +118,7 @@ class Host final : public HostServices, private Application {
   banddesk::Progress& Progress() override;
 
   void requireNamesApart();
+  std::shared_ptr<void> withoutOtherPairs(const HostPage& page);
   std::string makeReport(const std::shared_ptr<AFLP>& analysis);
   ObjectRef openAnalysis(const std::shared_ptr<AFLP>& analysis, bool show);
   ObjectRef openPage(const std::shared_ptr<AFLP>& analysis, bool show);

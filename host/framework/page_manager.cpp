@@ -145,7 +145,10 @@ void HostPageManager::start(HostPage& page, const char* className) {
   base->setInitializing(true);
   const auto outer = std::exchange(initializing_, base);
   FirstFailure failure;
-  failure.run([&] { base->Initialize.raise(); });
+  failure.run([&] {
+    const auto held = whileStarting ? whileStarting(page) : nullptr;
+    base->Initialize.raise();
+  });
   initializing_ = outer;
   base->setInitializing(false);
   if (!failure) return page.setResultIds(resultsOf(page));

@@ -74,6 +74,8 @@ class HostPageManager final : public PageManager {
   PageWatch watch;
   // Absent: a procedure just runs.
   std::function<void(const std::shared_ptr<HostPage>&, const std::function<void()>&)> aroundProcedure;
+  // Called before a page initialises; what it gives lives as long as that takes.
+  std::function<std::shared_ptr<void>(const HostPage&)> whileStarting;
   // The table of a results page stands as it is for now: it was opened or made anew, or a procedure is over.
   std::function<void(HostPage&)> onTable;
   // The user has accepted a selection of columns, of which a table is to be made.

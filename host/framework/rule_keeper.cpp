@@ -5,6 +5,8 @@
 #include <utility>
 
 #include "host/framework/finished_table.h"
+#include "host/framework/page_hand.h"
+#include "host/framework/sample_list.h"
 #include "host/framework/table_place.h"
 #include "plugin/base/numbers.h"
 
@@ -15,8 +17,6 @@ using scoring::AnalysisScoring;
 using scoring::Rule;
 using scoring::SampleState;
 
-constexpr std::int32_t kAnyBinColumn = 1;
-
 AFLP& analysisOf(const HostPage& page) { return *cast<AFLP>(page.bound(), "AFLP"); }
 
 // The texts of the rules that took something, "height<100, samples<2".
@@ -26,53 +26,6 @@ std::string reasons(const std::vector<Rule>& rules, const std::vector<std::size_
   return text;
 }
 
-// The right click on a cell of the logical table, and an item of the menu that pops up.
-class Hand {
- public:
-  Hand(IAFLPResultsPage& page, HostPlatform& platform)
-      : page_(page),
-        platform_(platform),
-        grid_(required(page.Controls().find<GridControl>("grdAFLP"), "Grid")) {}
-
-  // What is to change sides shows for the moment: the menu passes over what is hidden.
-  void toggleBins(const std::vector<std::int32_t>& rows) {
-    if (rows.empty()) return;
-    for (const std::int32_t row : rows) page_.HideRows(row, row, false);
-    select(rows, page_.Transpose());
-    choose(rows.front(), kAnyBinColumn, "mnuExcludeBin");
-  }
-
-  void toggleSamples(const std::vector<std::int32_t>& columns) {
-    if (columns.empty()) return;
-    for (const std::int32_t column : columns) page_.HideCols(column, column, false);
-    select(columns, !page_.Transpose());
-    choose(0, columns.front(), "mnuExcludeColumn");
-  }
-
- private:
-  void select(const std::vector<std::int32_t>& lines, bool areColumns) {
-    bool adds = false;
-    for (std::size_t begin = 0; begin < lines.size();) {
-      std::size_t end = begin + 1;
-      while (end < lines.size() && lines[end] == lines[end - 1] + 1) ++end;
-      const bool more = std::exchange(adds, true);
-      areColumns ? grid_.user().selectCols(lines[begin], lines[end - 1], more)
-                 : grid_.user().selectRows(lines[begin], lines[end - 1], more);
-      begin = end;
-    }
-  }
-
-  void choose(std::int32_t row, std::int32_t column, const char* item) {
-    if (page_.Transpose()) std::swap(row, column);
-    platform_.withoutPopups([&] { grid_.user().rightClick(row, column); });
-    required(page_.Controls().find<ui::MenuItem>(item), item).choose();
-  }
-
-  IAFLPResultsPage& page_;
-  HostPlatform& platform_;
-  GridControl& grid_;
-};
-
 }  // namespace
 
 // A page's table as the rules read it: the bins of the dyes that it looks at, and all samples.
@@ -80,6 +33,7 @@ struct RuleKeeper::Table {
   struct BinPlace {
     std::int32_t row = 0, bin = 0;
     std::string key;
+    scoring::RuleBin extent;
     BinMark mark = BinMark::None;
   };
 
@@ -109,7 +63,7 @@ struct RuleKeeper::Table {
 
 RuleKeeper::RuleKeeper(HostPageManager& pages, HostPlatform& platform, HostStudyService& study)
     : pages_(pages), platform_(platform), study_(study) {
-  pages_.onTable = [this](HostPage& page) { act(page); };
+  pages_.onTable = [this](HostPage& page) { update(page); };
   platform_.answerForm = [this](ui::Form& form) { return answer(form); };
 }
 
@@ -118,22 +72,12 @@ RuleKeeper::~RuleKeeper() {
   platform_.answerForm = nullptr;
 }
 
-scoring::Individuals RuleKeeper::individualsOf(const AFLP& analysis) const {
-  std::vector<std::string> names, words;
-  for (const auto& column : analysis.SampleGrid->Columns) {
-    names.push_back(column->ToolTip);
-    words.push_back(study_.factsOf(-toLong(column->Key.get())).individual);
-  }
-  const std::string& pattern = hostSide(analysis).scoring().replicates;
-  return pattern.empty() ? scoring::individualsByWord(names, words)
-                         : scoring::individualsByPattern(names, pattern);
-}
-
 std::vector<ReplicatePair> RuleKeeper::replicatesOf(const AFLP& analysis) const {
   try {
-    return scoring::pairsOf(individualsOf(analysis).all);
+    const std::string& pattern = hostSide(analysis).scoring().replicates;
+    return scoring::pairsOf(individualsOf(allSamples(analysis, study_), pattern).all);
   } catch (const std::invalid_argument& error) {
-    if (onTold) onTold(fmt::format("{}: no replicates are compared: {}", analysis.Name.get(), error.what()));
+    Told.raise(fmt::format("{}: no replicates are compared: {}", analysis.Name.get(), error.what()));
     return {};
   }
 }
@@ -141,12 +85,19 @@ std::vector<ReplicatePair> RuleKeeper::replicatesOf(const AFLP& analysis) const 
 RuleKeeper::Table RuleKeeper::read(HostPage& page) const {
   Table table(page);
   FinishedTable finished(table.analysis, table.page);
+  const auto number = [&](const char* key, std::int32_t row) {
+    return leadingNumber(table.page.CellText(key, row));
+  };
   for (const auto& column : table.analysis.SampleGrid->Columns) table.columns.push_back(column);
   for (std::int32_t row = 1; row <= table.page.NumRows(); ++row) {
     const std::int32_t bin = table.page.Bin(row);
     if (!finished.holds(bin) || !finished.looksAt(finished.dyeOf(bin))) continue;
-    const std::string key = table.page.CellText("7", row) + "-" + table.page.CellText("83", row);
-    table.places.push_back({row, bin, key, finished.markOf(row, bin)});
+    const std::string mean = table.page.CellText("83", row);
+    table.places.push_back({row,
+                            bin,
+                            table.page.CellText("7", row) + "-" + mean,
+                            {number("9", row), number("10", row), leadingNumber(mean)},
+                            finished.markOf(row, bin)});
   }
   return table;
 }
@@ -154,11 +105,8 @@ RuleKeeper::Table RuleKeeper::read(HostPage& page) const {
 // Its cells, of which there are many.
 void RuleKeeper::fill(Table& table) const {
   const FinishedTable finished(table.analysis, table.page);
-  const auto number = [&](const char* key, std::int32_t row) {
-    return leadingNumber(table.page.CellText(key, row));
-  };
   for (const Table::BinPlace& place : table.places) {
-    table.bins.push_back({number("9", place.row), number("10", place.row), number("83", place.row)});
+    table.bins.push_back(place.extent);
     const FinishedTable::OwnBin own = finished.ownBin(place.bin);
     const auto cells = own.calculator.cellsOf(own.number);
     for (std::size_t sample = 0; sample < table.columns.size(); ++sample) {
@@ -206,24 +154,37 @@ std::vector<RuleCount> RuleKeeper::preview(HostPage& page, const std::vector<Rul
   return counts;
 }
 
-void RuleKeeper::setRules(HostPage& page, std::vector<Rule> rules) {
-  HostAFLP& analysis = hostSide(analysisOf(page));
-  AnalysisScoring scoring = analysis.scoring();
-  scoring.rules = std::move(rules);
-  analysis.setScoring(std::move(scoring));
-  act(page);
+namespace {
+
+// Whether a key means a bin: its own, or one of the same dye whose mean size lies in it, as another width
+// makes them.
+bool isBin(const std::string& key, const std::string& own, const scoring::RuleBin& extent) {
+  if (key == own) return true;
+  const std::size_t line = own.find('-');
+  if (key.size() <= line + 1 || key.compare(0, line + 1, own, 0, line + 1) != 0) return false;
+  const double mean = leadingNumber(key.substr(line + 1));
+  return mean >= extent.xMin && mean <= extent.xMax;
 }
+
+}  // namespace
 
 // What the hand did since the rules acted last. After another run the page has no marks at all, and a bin
 // that is not grey says nothing.
 void RuleKeeper::learn(const Table& table, AnalysisScoring& scoring, bool isSameTable) const {
-  const auto note = [&](const std::string& key, bool isExcluded) {
-    if (!isExcluded && scoring.marks.erase(key) > 0) scoring.kept.insert(key);
-    if (isExcluded) scoring.kept.erase(key);
-  };
-  for (const auto& column : table.columns) note(column->Key, column->IsExcluded);
+  for (const auto& column : table.columns) {
+    if (column->IsExcluded)
+      scoring.kept.erase(column->Key);
+    else if (scoring.marks.erase(column->Key) > 0)
+      scoring.kept.insert(column->Key);
+  }
   if (!isSameTable) return;
-  for (const Table::BinPlace& place : table.places) note(place.key, isExcluded(place.mark));
+  for (const Table::BinPlace& place : table.places) {
+    if (isExcluded(place.mark))
+      std::erase_if(scoring.kept,
+                    [&](const std::string& key) { return isBin(key, place.key, place.extent); });
+    else if (scoring.marks.erase(place.key) > 0)
+      scoring.kept.insert(place.key);
+  }
 }
 
 void RuleKeeper::excludeSamples(Table& table, AnalysisScoring& scoring) const {
@@ -240,7 +201,7 @@ void RuleKeeper::excludeSamples(Table& table, AnalysisScoring& scoring) const {
   }
   std::ranges::sort(taken);
   std::ranges::sort(freed);
-  Hand hand(table.page, platform_);
+  PageHand hand(table.page, platform_);
   hand.toggleSamples(taken);
   hand.toggleSamples(freed);
   if (!taken.empty() || !freed.empty()) table.readMarks();
@@ -256,14 +217,16 @@ void RuleKeeper::excludeBins(Table& table, AnalysisScoring& scoring) const {
   for (std::size_t i = 0; i < table.places.size(); ++i) {
     const Table::BinPlace& place = table.places[i];
     const bool isMarked = scoring.marks.contains(place.key) && place.mark == BinMark::ExcludedByHand;
-    const bool isWanted = !outcome.bins[i].empty() && !scoring.kept.contains(place.key);
+    const bool isKept = std::ranges::any_of(
+        scoring.kept, [&](const std::string& key) { return isBin(key, place.key, place.extent); });
+    const bool isWanted = !outcome.bins[i].empty() && !isKept;
     const std::string why = reasons(scoring.rules, outcome.bins[i]);
     if (isWanted && place.mark == BinMark::None) taken.push_back(place.row);
     if (isWanted && (isMarked || place.mark == BinMark::None)) marks.emplace(place.key, why);
     if (!isWanted && isMarked) freed.push_back(place.row);
   }
   scoring.marks = std::move(marks);
-  Hand hand(table.page, platform_);
+  PageHand hand(table.page, platform_);
   hand.toggleBins(taken);
   hand.toggleBins(freed);
   for (const Table::BinPlace& place : table.places) {
@@ -273,7 +236,7 @@ void RuleKeeper::excludeBins(Table& table, AnalysisScoring& scoring) const {
   }
 }
 
-void RuleKeeper::act(HostPage& page) {
+void RuleKeeper::update(HostPage& page) {
   std::erase_if(seen_, [&](const auto& each) {
     return std::ranges::find(pages_.openPages(), each.first, &std::shared_ptr<HostPage>::get) ==
            pages_.openPages().end();
@@ -321,7 +284,7 @@ bool RuleKeeper::answer(ui::Form& form) const {
     return false;
   if (hostSide(analysisOf(*page)).scoring().rules.empty()) return false;
   required(form.Controls().find<ui::CommandButton>("btnOK"), "btnOK").Click.raise();
-  if (onTold) onTold("Only rules have excluded bins; they exclude them again in the new table.");
+  Told.raise("Only rules have excluded bins; they exclude them again in the new table.");
   return true;
 }
 

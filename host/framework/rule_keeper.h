@@ -8,14 +8,13 @@
 
 #include <functional>
 #include <map>
-#include <optional>
 #include <string>
 #include <vector>
 
 #include "host/framework/page_manager.h"
 #include "host/framework/study_service.h"
 #include "host/grid/grid_control.h"
-#include "host/scoring/individuals.h"
+#include "host/quality/replicates.h"
 #include "host/study/analysis.h"
 
 namespace banddesk::host {
@@ -37,18 +36,14 @@ class RuleKeeper final {
 
   // Nothing is changed by it. Error 91 with another calculator than the host's.
   std::vector<RuleCount> preview(HostPage& page, const std::vector<scoring::Rule>& rules) const;
-  // Gives the page's analysis these rules instead of those that it has, and has them act.
-  void setRules(HostPage& page, std::vector<scoring::Rule> rules);
-
-  // The individuals of an analysis' samples, in the order of its results. Throws std::invalid_argument where
-  // the analysis' own pattern, or what the study says, does not fit the samples.
-  scoring::Individuals individualsOf(const AFLP& analysis) const;
+  // Has the rules of the page's analysis act where anything that they look at has changed.
+  void update(HostPage& page);
 
   // By the order of the analysis' results.
   std::vector<bool> blanksOf(const AFLP& analysis) const;
 
   // One line for the user.
-  std::function<void(const std::string& line)> onTold;
+  mutable Event<const std::string&> Told;
 
  private:
   struct Table;
@@ -61,7 +56,6 @@ class RuleKeeper final {
     bool hasHand = false;
   };
 
-  void act(HostPage& page);
   void learn(const Table& table, scoring::AnalysisScoring& scoring, bool isSameTable) const;
   void excludeSamples(Table& table, scoring::AnalysisScoring& scoring) const;
   void excludeBins(Table& table, scoring::AnalysisScoring& scoring) const;

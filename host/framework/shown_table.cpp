@@ -6,13 +6,16 @@
 
 namespace banddesk::host {
 
-ShownTable shownTable(const AFLP& analysis, IAFLPResultsPage& page) {
+namespace {
+
+template <class Wanted>
+ShownTable tableOf(const AFLP& analysis, IAFLPResultsPage& page, Wanted isWanted) {
   ShownTable table;
   std::vector<std::size_t> results;
   std::size_t result = 0;
   for (const auto& column : analysis.SampleGrid->Columns) {
     const std::size_t at = result++;
-    if (page.IsColHidden(column->ColumnOrder)) continue;
+    if (page.IsColHidden(column->ColumnOrder) || !isWanted(*column)) continue;
     results.push_back(at);
     table.samples.push_back(column->ToolTip);
     table.columns.push_back(column->ColumnOrder);
@@ -28,6 +31,18 @@ ShownTable shownTable(const AFLP& analysis, IAFLPResultsPage& page) {
     for (const std::size_t at : results) table.counts.push_back(counts[at]);
   }
   return table;
+}
+
+}  // namespace
+
+ShownTable shownTable(const AFLP& analysis, IAFLPResultsPage& page) {
+  return tableOf(analysis, page, [](const GridColumn&) { return true; });
+}
+
+ShownTable shownTable(const AFLP& analysis, IAFLPResultsPage& page, const HostStudyService& study) {
+  return tableOf(analysis, page, [&](const GridColumn& column) {
+    return study.factsOf(-toLong(column.Key.get())).role != SampleRole::Blank;
+  });
 }
 
 }  // namespace banddesk::host

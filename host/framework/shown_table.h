@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "host/framework/study_service.h"
 #include "host/quality/table_quality.h"
 #include "plugin/banddesk.h"
 
@@ -24,5 +25,7 @@ struct ShownTable {
 };
 
 ShownTable shownTable(const AFLP& analysis, IAFLPResultsPage& page);
+// The same without blanks, which count in no figure.
+ShownTable shownTable(const AFLP& analysis, IAFLPResultsPage& page, const HostStudyService& study);
 
 }  // namespace banddesk::host

@@ -113,7 +113,7 @@ bool GridControl::SortColumns(const GridRange& range, std::int32_t count, std::s
 }
 
 void GridControl::arrange(Axis which, std::int32_t first, std::span<const std::int32_t> order) {
-  endEdit(false);
+  user_.endEdit(false);
   axis(which).order.permute(first, order);
 }
 

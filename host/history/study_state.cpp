@@ -137,6 +137,7 @@ std::string scoringOf(const scoring::AnalysisScoring& scoring) {
   out.number(scoring.rules.size());
   for (const scoring::Rule& rule : scoring.rules) out.text(scoring::ruleText(rule));
   out.text(scoring.replicates);
+  out.text(scoring.primerPair);
   out.number(scoring.marks.size());
   for (const auto& [element, why] : scoring.marks) {
     out.text(element);
@@ -163,6 +164,7 @@ scoring::AnalysisScoring readScoring(const Part& part) {
   for (std::size_t left = in.count(); left > 0; --left)
     scoring.rules.push_back(scoring::parseRule(in.text()));
   scoring.replicates = in.text();
+  scoring.primerPair = in.text();
   for (std::size_t left = in.count(); left > 0; --left) {
     const std::string element(in.text());
     scoring.marks.emplace(element, in.text());

@@ -20,6 +20,8 @@ struct AnalysisScoring {
   std::vector<Rule> rules;
   /// By which samples are replicates, as individualsByPattern reads it; empty: as the study says.
   std::string replicates;
+  /// The analysis is of the samples of this primer pair alone; empty: of all.
+  std::string primerPair;
   /// Excluded by rules, and by which: "height<100, samples<2".
   std::map<ElementKey, std::string> marks;
   /// Which the hand has brought back: no rule takes them again.

@@ -39,8 +39,8 @@ std::string_view view(const std::string& text) { return text; }
 
 void readSettings(const Database& database, std::int32_t analysisId, AnalysisScoring& scoring) {
   Statement row = database.prepare(
-      "SELECT size_from, size_to, normalisation, call_percent, finds_bins_between, aligns_lanes, replicates "
-      "FROM analysis_scoring WHERE analysis_id = ?");
+      "SELECT size_from, size_to, normalisation, call_percent, finds_bins_between, aligns_lanes, replicates, "
+      "primer_pair FROM analysis_scoring WHERE analysis_id = ?");
   row.begin(analysisId);
   if (!row.next()) return;  // made before there was anything to keep
   CalculatorSettings& calculator = scoring.calculator;
@@ -50,13 +50,14 @@ void readSettings(const Database& database, std::int32_t analysisId, AnalysisSco
   calculator.findsBinsBetween = row.number(4) != 0;
   calculator.alignsLanes = row.number(5) != 0;
   scoring.replicates = row.text(6);
+  scoring.primerPair = row.text(7);
 }
 
 void writeSettings(const Database& database, std::int32_t analysisId, const AnalysisScoring& scoring) {
   const CalculatorSettings& calculator = scoring.calculator;
   Statement row = database.prepare(
       "INSERT INTO analysis_scoring(analysis_id, size_from, size_to, normalisation, call_percent, "
-      "finds_bins_between, aligns_lanes, replicates) VALUES(?, ?, ?, ?, ?, ?, ?, ?)");
+      "finds_bins_between, aligns_lanes, replicates, primer_pair) VALUES(?, ?, ?, ?, ?, ?, ?, ?, ?)");
   row.begin(analysisId);
   if (calculator.sizeRange) {
     row.bind(2, calculator.sizeRange->from);
@@ -70,6 +71,7 @@ void writeSettings(const Database& database, std::int32_t analysisId, const Anal
   row.bind(6, calculator.findsBinsBetween);
   row.bind(7, calculator.alignsLanes);
   row.bind(8, view(scoring.replicates));
+  row.bind(9, view(scoring.primerPair));
   row.finish();
 }
 

@@ -286,7 +286,8 @@ CREATE TABLE analysis_scoring (
   call_percent REAL NOT NULL,
   finds_bins_between INTEGER NOT NULL,
   aligns_lanes INTEGER NOT NULL,
-  replicates TEXT NOT NULL
+  replicates TEXT NOT NULL,
+  primer_pair TEXT NOT NULL
 ) STRICT;
 
 CREATE TABLE analysis_rule (

@@ -54,7 +54,7 @@ const std::vector<Module> modules = {
     {"history", {"host/history/"}, {"store"}},
     {"framework",
      {"host/framework/"},
-     {"history", "grid", "binning", "quality", "simulation", "import", "statistics"}},
+     {"history", "grid", "binning", "scoring", "quality", "simulation", "import", "statistics"}},
 
     {"cli", {"cli/"}, {"framework", "formats", "pictures"}},
 

@@ -124,7 +124,7 @@ TEST(Memory, ThatRunsOutWhileAStepIsWrittenDownLeavesTheStepsBefore) {
   const std::string file = folder.file("steps");
   MemoryStore study("Study");
   for (int step = 0; step < 6; ++step) takeStep(study, step);
-  const StoredStudy state = storedState(study, {});
+  const StudyState state = storedState(study, {});
   StepLog log(file, {{"", 0, state}});
   std::size_t written = 1;
   int failures = 0;

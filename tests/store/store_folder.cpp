@@ -207,6 +207,7 @@ AnalysisSnapshot someAnalysis(std::int32_t id, int number, const StudyRecord& st
   calculator.alignsLanes = number % 2 == 1;
   for (int i = 0; i < number % 4; ++i) calculator.bins.push_back({i, 100.0 + i, 100.5 + i, "Locus"});
   analysis.scoring.rules = {scoring::parseRule("height<100"), scoring::parseRule("fragments<50%")};
+  analysis.scoring.primerPair = "E32/M47";
   analysis.scoring.replicates = number % 2 == 0 ? "" : "_R1/_R2";
   analysis.scoring.marks = {{"D1-2.5", "height<100"}, {fmt::format("-{}", number), "fragments<50%"}};
   analysis.scoring.kept = {"D2-300"};
