@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "plugin/base/numbers.h"
+#include "plugin/page_names.h"
 
 namespace banddesk::desktop {
 namespace {
@@ -17,7 +18,7 @@ struct OpenTable {
 
   static OpenTable of(const host::HostPage& page) {
     auto& results = required(dynamic_cast<IAFLPResultsPage*>(page.control().get()), "AFLPResultsPage");
-    return {results, required(results.Controls().find<host::GridControl>("grdAFLP"), "Grid")};
+    return {results, required(results.Controls().find<host::GridControl>(names::kGrid), "Grid")};
   }
 
   Axis sampleAxis() const { return page.Transpose() ? Axis::Rows : Axis::Columns; }
@@ -89,7 +90,8 @@ void TableFollower::look() {
   if (isFound) {
     connections_.clear();
     for (const auto& page : host_.pages().openPages()) {
-      if (page->DefinitionName() == "AFLP" && page->control() && page->bound() == analysis_) follow(page);
+      if (page->DefinitionName() == names::kResultsPage && page->control() && page->bound() == analysis_)
+        follow(page);
     }
   }
   if (!isOpen() || !read() || isFound) Q_EMIT changed();

@@ -13,25 +13,18 @@
 namespace banddesk::desktop {
 namespace {
 
-// Keys of the bin information columns.
-constexpr const char* kDyeColumn = "7";
-constexpr const char* kSamplesColumn = "8";
-constexpr const char* kMinColumn = "9";
-constexpr const char* kMaxColumn = "10";
-constexpr const char* kMeanColumn = "83";
-
 BinBand bandOfRow(IAFLPResultsPage& page, host::FinishedTable& table, std::int32_t row, std::int32_t bin) {
-  const std::string dye = page.CellText(kDyeColumn, row);
-  const std::string mean = page.CellText(kMeanColumn, row);
+  const std::string dye = page.CellText(kDyeKey, row);
+  const std::string mean = page.CellText(kXMeanKey, row);
   BinBand band;
   band.bin = bin;
   band.row = row;
   band.dye = table.dyeOf(bin);
   band.key = dye + "-" + mean;
   band.name = fmt::format("{}-{:.2f}", dye, leadingNumber(mean));
-  band.xMin = leadingNumber(page.CellText(kMinColumn, row));
-  band.xMax = leadingNumber(page.CellText(kMaxColumn, row));
-  band.samples = roundToLong(leadingNumber(page.CellText(kSamplesColumn, row)));
+  band.xMin = leadingNumber(page.CellText(kXMinKey, row));
+  band.xMax = leadingNumber(page.CellText(kXMaxKey, row));
+  band.samples = roundToLong(leadingNumber(page.CellText(kSampleCountKey, row)));
   band.mark = table.markOf(row, bin);
   band.excluded = isExcluded(band.mark);
   band.isHidden = page.IsRowHidden(row);

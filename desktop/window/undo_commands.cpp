@@ -4,6 +4,7 @@
 #include <QStatusBar>
 
 #include "desktop/base/qt_text.h"
+#include "plugin/page_names.h"
 
 namespace banddesk::desktop {
 namespace {
@@ -72,7 +73,7 @@ void UndoCommands::showChanged(const host::StudyState& before) {
     const host::AnalysisState* const was = before.find(analysis->ID());
     const host::AnalysisState* const is = history.steps()[history.position()].state.find(analysis->ID());
     if (was == nullptr || is == nullptr || was->holdsSameAs(*is)) continue;
-    if (const auto page = workbench_.host().pages().find("AFLP", analysis)) page->Show();
+    if (const auto page = workbench_.host().pages().find(names::kResultsPage, analysis)) page->Show();
   }
 }
 

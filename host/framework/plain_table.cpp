@@ -4,6 +4,7 @@
 
 #include "host/framework/finished_table.h"
 #include "plugin/base/numbers.h"
+#include "plugin/page_names.h"
 
 namespace banddesk::host {
 namespace {
@@ -51,9 +52,10 @@ PlainTable plainTable(const AFLP& analysis, IAFLPResultsPage& page) {
   table.heights.resize(cells);
   for (std::size_t locus = 0; locus < rows.size(); ++locus) {
     const auto [bin, row] = rows[locus];
-    table.bands.loci.push_back({page.CellText("7", row), leadingNumber(page.CellText("83", row))});
+    table.bands.loci.push_back({page.CellText(kDyeKey, row), leadingNumber(page.CellText(kXMeanKey, row))});
     table.bins.push_back({bin, static_cast<std::size_t>(finished.dyeOf(bin)),
-                          leadingNumber(page.CellText("9", row)), leadingNumber(page.CellText("10", row))});
+                          leadingNumber(page.CellText(kXMinKey, row)),
+                          leadingNumber(page.CellText(kXMaxKey, row))});
     const auto [counts, heights] = finished.cellsOf(bin);
     for (std::size_t sample = 0; sample < places.size(); ++sample) {
       const std::size_t cell = sample * rows.size() + locus;

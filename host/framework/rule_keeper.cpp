@@ -9,6 +9,7 @@
 #include "host/framework/sample_list.h"
 #include "host/framework/table_place.h"
 #include "plugin/base/numbers.h"
+#include "plugin/page_names.h"
 
 namespace banddesk::host {
 namespace {
@@ -92,11 +93,11 @@ RuleKeeper::Table RuleKeeper::read(HostPage& page) const {
   for (std::int32_t row = 1; row <= table.page.NumRows(); ++row) {
     const std::int32_t bin = table.page.Bin(row);
     if (!finished.holds(bin) || !finished.looksAt(finished.dyeOf(bin))) continue;
-    const std::string mean = table.page.CellText("83", row);
+    const std::string mean = table.page.CellText(kXMeanKey, row);
     table.places.push_back({row,
                             bin,
-                            table.page.CellText("7", row) + "-" + mean,
-                            {number("9", row), number("10", row), leadingNumber(mean)},
+                            table.page.CellText(kDyeKey, row) + "-" + mean,
+                            {number(kXMinKey, row), number(kXMaxKey, row), leadingNumber(mean)},
                             finished.markOf(row, bin)});
   }
   return table;
@@ -243,7 +244,7 @@ void RuleKeeper::update(HostPage& page) {
   });
   HostAFLP& analysis = hostSide(analysisOf(page));
   AnalysisScoring scoring = analysis.scoring();
-  auto* const grid = page.control()->Controls().find<GridControl>("grdAFLP");
+  auto* const grid = page.control()->Controls().find<GridControl>(names::kGrid);
   if (grid == nullptr || page.isHalfMade() || (scoring.rules.empty() && scoring.marks.empty())) return;
   Table table = read(page);
   const FinishedTable finished(table.analysis, table.page);

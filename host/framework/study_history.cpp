@@ -9,11 +9,10 @@
 
 #include "host/history/step_labels.h"
 #include "plugin/base/numbers.h"
+#include "plugin/page_names.h"
 
 namespace banddesk::host {
 namespace {
-
-constexpr const char* kResultsPage = "AFLP";
 
 std::vector<std::int32_t> idsOf(Study& study) {
   std::vector<std::int32_t> ids;
@@ -83,7 +82,7 @@ void StudyHistory::end() {
 }
 
 AnalysisState StudyHistory::capture(const std::shared_ptr<AFLP>& analysis, const AnalysisState* like) const {
-  const auto page = pages_.find(kResultsPage, analysis);
+  const auto page = pages_.find(names::kResultsPage, analysis);
   if (!page || !page->control()) return packed(snapshotOf(*analysis), like);
   const auto state = keeper_.state(*page);
   if (!state) {
@@ -149,7 +148,8 @@ void StudyHistory::noteRuns(const StudyState& before) {
   std::map<std::int32_t, std::int64_t> runs;
   for (const auto& page : pages_.openPages()) {
     const auto analysis = std::dynamic_pointer_cast<AFLP>(page->bound());
-    if (analysis && page->DefinitionName() == kResultsPage) runs[analysis->ID()] = page->tableRun().count;
+    if (analysis && page->DefinitionName() == names::kResultsPage)
+      runs[analysis->ID()] = page->tableRun().count;
   }
   for (const auto& [id, count] : std::exchange(runs_, runs)) {
     const AnalysisState* const was = before.find(id);
@@ -389,7 +389,7 @@ void StudyHistory::keepOnly(const StudyState& target) {
 
 void StudyHistory::apply(const AnalysisState& target, const AnalysisState* now,
                          const std::shared_ptr<AFLP>& analysis) {
-  const auto page = pages_.find(kResultsPage, analysis);
+  const auto page = pages_.find(names::kResultsPage, analysis);
   if (now != nullptr && looksAs(*now, target) && !(page && page->isHalfMade())) return;
   const AnalysisSnapshot snapshot = unpacked(target);
   if (page) {
