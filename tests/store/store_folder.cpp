@@ -132,9 +132,11 @@ void sizeAgain(Store& store, int step, const StudyRecord& study) {
   const auto stored = store.readRuns();
   if (stored.size() < 3) return;
   std::vector<NewSizing> sizings;
-  for (std::size_t i = 0; i < 3; ++i)
+  for (std::size_t i = 0; i < 3; ++i) {
     sizings.push_back(
         {stored[i].id, someRun(step, true), someFragments(step), fmt::format("again {}", step)});
+    sizings.back().processed.run = stored[i].processed.run;
+  }
   runs::RunSettings settings;
   settings.outside = runs::OutsideLadder::StraightLine;
   settings.peaks.leastWidth = step;
