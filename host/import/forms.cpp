@@ -116,7 +116,8 @@ void requireColumns(const Form& form, const HeaderLine& header, const std::files
 
 FormKind kindOf(const HeaderLine& line) {
   if (isWide(line)) return FormKind::Genotypes;
-  if (line.has("areainpoint") || line.has("areadatapoint") || (line.has("sizestandard") && line.has("offscale")))
+  if (line.has("areainpoint") || line.has("areadatapoint") ||
+      (line.has("sizestandard") && line.has("offscale")))
     return FormKind::PeakScanner;
   if (line.has("htratio") || line.has("arratio") || line.has("qualityreasons")) return FormKind::GeneMarker;
   const bool sizing = line.has("dyesamplepeak") || (line.has("dye") && line.has("samplepeak"));

@@ -148,13 +148,14 @@ TEST(ReadFiles, EqualNamesAreToldApartAndEqualFilesReadOnce) {
 
 TEST(ReadFiles, TwoRunsOfOneNameInOneTableAreToldApartByTheirPeakNumbers) {
   const std::string text = header + row("B,1", "a.fsa", "50") + row("B,2", "a.fsa", "60") +
-                           row("B,2", "a.fsa", "60") + row("B,1", "a.fsa", "51") + row("G,1", "a.fsa", "*70") +
-                           row("B,2", "a.fsa", "61");
+                           row("B,2", "a.fsa", "60") + row("B,1", "a.fsa", "51") +
+                           row("G,1", "a.fsa", "*70") + row("B,2", "a.fsa", "61");
   const PeakTable table = TableFolder().readOne(text);
   EXPECT_THAT(namesOf(table), ElementsAre("a", "a (2)"));
   EXPECT_THAT(table.samples[0].peaks(Dye::B).sizes, ElementsAre(50, 60));
   EXPECT_THAT(table.samples[1].peaks(Dye::B).sizes, ElementsAre(51, 61));
-  EXPECT_THAT(table.samples[1].peaks(Dye::G).sizes, ElementsAre(70)) << "a star marks the size standard's own";
+  EXPECT_THAT(table.samples[1].peaks(Dye::G).sizes, ElementsAre(70))
+      << "a star marks the size standard's own";
   EXPECT_THAT(table.report.files[0].leftOut.at(0).reason, "row repeated");
 }
 
