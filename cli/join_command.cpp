@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <fmt/format.h>
+#include <map>
 #include <memory>
 #include <set>
 
@@ -16,6 +17,8 @@
 
 namespace banddesk::cli {
 namespace {
+
+constexpr std::size_t kNamesTold = 5;
 
 using host::JoinedTable;
 using host::SqliteStore;
@@ -41,6 +44,18 @@ const host::AnalysisSnapshot* named(const std::vector<host::AnalysisSnapshot>& a
   const auto found =
       std::ranges::find_if(analyses, [&](const auto& each) { return equalsIgnoringCase(each.name, name); });
   return found == analyses.end() ? nullptr : &*found;
+}
+
+// One line a pair, with the first names.
+void tellMissing(const std::vector<std::pair<std::string, std::string>>& missing) {
+  std::map<std::string, std::vector<std::string>> ofPair;
+  for (const auto& [individual, pair] : missing) ofPair[pair].push_back(individual);
+  for (auto& [pair, names] : ofPair) {
+    const std::size_t count = names.size();
+    if (count > kNamesTold) names.resize(kNamesTold);
+    say("without a sample of {}, and missing there: {}{}\n", pair, fmt::join(names, ", "),
+        count > kNamesTold ? fmt::format(" and {} more", count - kNamesTold) : "");
+  }
 }
 
 std::vector<host::AnalysisSnapshot> analysesOf(SqliteStore& store) {
@@ -145,8 +160,7 @@ host::statistics::BandMatrix joinBands(const std::filesystem::path& study, const
     parts.push_back({part.primerPair, readBands(session, excluded, options)});
   }
   host::scoring::JoinedBands joined = host::scoring::joinBands(parts);
-  for (const auto& [individual, pair] : joined.missing)
-    say("missing: \"{}\" has no sample of {}\n", individual, pair);
+  tellMissing(joined.missing);
   return std::move(joined.bands);
 }
 

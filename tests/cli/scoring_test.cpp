@@ -177,7 +177,7 @@ TEST(Scoring, JoinsTheIndividualsOfTwoPrimerPairsInOneTable) {
         "--keep-full-bins", "--max-bin-width", "0.5"});
   EXPECT_THAT(ok({"join", study, "--name", "Both", "--of", "E32", "--of", "E35", "--consensus", "1"}).out,
               AllOf(HasSubstr("30 individuals, 24 bins of 2 primer pairs"),
-                    HasSubstr("missing: \"H2O_E32\" has no sample of E35")));
+                    HasSubstr("without a sample of E35, and missing there: H2O_E32")));
   EXPECT_THAT(ok({"list", study}).out, HasSubstr("joined \"Both\": the primer pairs E32, E35, consensus 1"));
   ok({"results", study, "--exclude", "H2O_E32"});
   ok({"analyze", study, "--name", "E32"});

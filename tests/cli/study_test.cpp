@@ -249,7 +249,7 @@ TEST(Quality, TellsTheFiguresOfAStoredTableAndEveryPairItCannotMake) {
   EXPECT_THAT(told, HasSubstr("75.00 % on average, standard deviation -; all pairs pooled 75.00 %\n"));
   EXPECT_THAT(told, HasSubstr("no pair of \"a\" and \"nobody\": no sample is named \"nobody\"\n"));
   EXPECT_THAT(readFile(in("q.json")), HasSubstr("\"mismatchError\": 0.75"));
-  EXPECT_THAT(ok({"quality", study, "--replicates", "zz"}).out, HasSubstr("no replicates"));
+  expectError({"quality", study, "--replicates", "zz"}, "no sample's name ends in 'zz'");
   writeFile(in("pairs.tsv"), "a\tc\na c\n");
   expectError({"quality", study, "--replicates", in("pairs.tsv")}, "pairs.tsv, line 2");
 }
