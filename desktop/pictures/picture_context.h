@@ -15,7 +15,7 @@ namespace banddesk::desktop {
 class StudySelection {
  public:
   const std::set<std::int32_t>& results() const { return results_; }
-  // The bin that was pointed at last, by its number in the analysis it belongs to.
+  // The bin that was clicked with them, by its number in the analysis it belongs to.
   struct BinPlace {
     const void* analysis = nullptr;
     std::int32_t bin = 0;

@@ -53,7 +53,7 @@ PicturePage::PicturePage(const PictureSubject& subject, QWidget* parent)
   connect(view_, &DrawingView::clicked, this, [this](const Hit& hit, bool adds) { click(hit, adds); });
   connect(view_, &DrawingView::doubleClicked, this, [this](const Hit& hit) { doubleClicked(hit); });
   connect(view_, &DrawingView::encircled, this,
-          [this](const auto& samples, bool adds) { encircle(samples, adds, context_.selection().bin()); });
+          [this](const auto& samples, bool adds) { encircle(samples, adds, {}); });
   connect(view_, &DrawingView::pointed, this, [this](const Hit& hit, const QPoint& where) {
     const QString text = describe(hit);
     text.isEmpty() ? QToolTip::hideText() : QToolTip::showText(where, text.toHtmlEscaped(), view_);
@@ -241,7 +241,7 @@ std::set<std::size_t> PicturePage::samplesAt(const Hit& hit) const {
 void PicturePage::click(const Hit& hit, bool adds) {
   if (!shown_) return;
   const std::set<std::size_t> samples = samplesAt(hit);
-  auto bin = context_.selection().bin();
+  std::optional<StudySelection::BinPlace> bin;
   if (hit.locus) {
     bin = {follower_->analysis().get(), shown_->bins[*hit.locus].bin};
     guarded([&] { follower_->show(bin->bin, hit.sample ? shown_->results[*hit.sample] : 0); });

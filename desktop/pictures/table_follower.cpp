@@ -28,6 +28,14 @@ struct OpenTable {
   void goTo(std::int32_t row, std::int32_t column) const {
     page.Transpose() ? grid.SetCurrentCell(column, row) : grid.SetCurrentCell(row, column);
   }
+  // 0 where no row holds the bin.
+  std::int32_t rowOf(std::int32_t bin) const {
+    std::int32_t found = 0;
+    for (std::int32_t row = 1; row <= page.NumRows(); ++row) {
+      if (page.Bin(row) == bin) found = row;
+    }
+    return found;
+  }
   std::int32_t currentRow() const { return page.Transpose() ? grid.currentCol() : grid.currentRow(); }
   std::int32_t currentColumn() const { return page.Transpose() ? grid.currentRow() : grid.currentCol(); }
 };
@@ -46,12 +54,25 @@ std::set<std::int32_t> selectedResults(const OpenTable& table) {
   return results;
 }
 
-void selectColumns(const OpenTable& table, std::int32_t first, std::int32_t last, bool adds) {
-  table.page.Transpose() ? table.grid.user().selectRows(first, last, adds)
-                         : table.grid.user().selectCols(first, last, adds);
+// In the row of a bin only their cells there: commands on bins act on the rows of what is selected.
+void selectColumns(const OpenTable& table, std::int32_t row, std::int32_t first, std::int32_t last,
+                   bool adds) {
+  const std::int32_t all = table.page.Transpose() ? table.grid.ColCount() : table.grid.RowCount();
+  const std::int32_t top = std::max(row, 1), bottom = row > 0 ? row : all;
+  // NOLINTNEXTLINE(readability-suspicious-call-argument): rows and columns have changed places
+  table.page.Transpose() ? table.grid.user().selectCells(first, top, last, bottom, adds)
+                         : table.grid.user().selectCells(top, first, bottom, last, adds);
 }
 
-void selectResults(const OpenTable& table, const std::set<std::int32_t>& results) {
+// Whether nothing is selected beside a bin's row; 0 is any.
+bool isWithin(const OpenTable& table, std::int32_t row) {
+  const Axis axis = table.page.Transpose() ? Axis::Columns : Axis::Rows;
+  return row == 0 || std::ranges::all_of(table.grid.selection().blocks(), [&](host::Block block) {
+           return block.first(axis) == row && block.last(axis) == row;
+         });
+}
+
+void selectResults(const OpenTable& table, const std::set<std::int32_t>& results, std::int32_t row) {
   bool isFirst = true;
   const std::int32_t count = table.page.NumCols();
   const auto isWanted = [&](std::int32_t column) {
@@ -63,7 +84,7 @@ void selectResults(const OpenTable& table, const std::set<std::int32_t>& results
     while (column < count && isWanted(column + 1)) ++column;
     if (isFirst && !results.contains(table.resultAt(table.currentColumn())))
       table.goTo(table.currentRow(), first);
-    selectColumns(table, first, column, !isFirst);
+    selectColumns(table, row, first, column, !isFirst);
     isFirst = false;
   }
   if (isFirst) table.grid.user().clickCell(table.grid.currentRow(), table.grid.currentCol());
@@ -137,17 +158,17 @@ void TableFollower::push() {
     const std::int32_t result = open.resultAt(column);
     if (selection_.results().contains(result) && !open.page.IsColHidden(column)) wanted.insert(result);
   }
-  if (wanted != selectedResults(open)) selectResults(open, wanted);
+  const auto& bin = selection_.bin();
+  const std::int32_t row = bin && bin->analysis == analysis_.get() ? open.rowOf(bin->bin) : 0;
+  if (wanted != selectedResults(open) || !isWithin(open, row)) selectResults(open, wanted, row);
   seen_ = wanted;
 }
 
 void TableFollower::show(std::int32_t bin, std::int32_t result) {
   if (!isOpen()) return;
   const auto open = OpenTable::of(*page());
-  std::int32_t row = open.currentRow(), column = open.currentColumn();
-  for (std::int32_t each = 1; each <= open.page.NumRows(); ++each) {
-    if (open.page.Bin(each) == bin) row = each;
-  }
+  std::int32_t row = open.rowOf(bin), column = open.currentColumn();
+  if (row == 0) row = open.currentRow();
   for (std::int32_t each = 1; each <= open.page.NumCols(); ++each) {
     if (result > 0 && open.resultAt(each) == result) column = each;
   }

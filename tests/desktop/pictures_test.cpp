@@ -135,7 +135,7 @@ TEST_F(Pictures, OfAGelLeadToBinAndSampleAndFollowTheTableUntilItIsClosed) {
   EXPECT_EQ(table().CellText("6", desk.grid().currentRow()), "100");
   EXPECT_EQ(desk.grid().currentCol(), column(2));
   EXPECT_THAT(selected(), ElementsAre(2));
-  toggleBin(desk.grid().currentRow());
+  toggleBin(desk.grid().currentRow());  // acts on that bin alone, though a sample is selected
   EXPECT_TRUE(QTest::qWaitFor([&] { return bins() == 3; })) << "an excluded bin is none of the picture's";
   host.pages().end(desk.pageNamed("AFLP"), false);
   const auto says = [&](const char* text) {
