@@ -14,7 +14,7 @@ using namespace host::pictures;
 constexpr int kTitleSize = 14;
 constexpr Point kTitleAt{20, 22};
 constexpr double kRing = 7;  // around a mark, its radius
-constexpr float kTint = 0.25F;
+constexpr float kTint = 0.35F;
 
 QColor between(const QColor& from, const QColor& to, double share) {
   const auto part = [share](int a, int b) { return static_cast<int>(a + share * (b - a) + 0.5); };
@@ -28,7 +28,7 @@ class DrawingPainter {
  public:
   DrawingPainter(QPainter& painter, const PlotLook& look, const QRectF& clip, const Emphasis& emphasis)
       : painter_(painter), look_(look), clip_(clip), emphasis_(emphasis) {
-    tint_ = emphasis.color.isValid() ? emphasis.color : look.text;
+    tint_ = emphasis.color.isValid() ? look.curve({"", toColour(emphasis.color)}) : look.text;
     tint_.setAlphaF(kTint);
     font_ = look.font;
     font_.setPixelSize(static_cast<int>(kFontSize));
@@ -133,7 +133,7 @@ class DrawingPainter {
     corners.empty() ? painter_.drawEllipse(at, kMarkSize, kMarkSize) : painter_.drawPolygon(outline);
     if (!isSelected(mark.sample)) return;
     painter_.setBrush(Qt::NoBrush);
-    painter_.setPen(QPen(emphasis_.color, 2));
+    painter_.setPen(QPen(look_.text, 2));
     painter_.drawEllipse(at, kRing, kRing);
   }
 
