@@ -137,6 +137,9 @@ StepLog::StepLog(std::string file, const std::vector<Step>& steps, std::size_t p
   ByteWriter place;
   place.number(position);
   bytes += framed(kPosition + place.take());
+  std::error_code trouble;
+  if (fs::exists(file_, trouble) && !fs::is_regular_file(file_, trouble))
+    refuse(file_, "it is no ordinary file");
   const std::string part = fmt::format("{}.{}.new", file_, ::getpid());
   descriptor_ = ::open(part.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_APPEND | O_CLOEXEC | O_NOFOLLOW, 0600);
   if (descriptor_ < 0) fail(file_, errno);

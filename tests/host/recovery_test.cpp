@@ -7,6 +7,7 @@
 #include <gmock/gmock.h>
 #include <random>
 #include <sys/mman.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <thread>
 
@@ -211,9 +212,16 @@ TEST_F(Recovery, LetsTheUserWorkOnWhereNoLogCanBeWritten) {
   work.history().logTo(folder + "/missing/log");
   for (int act = 0; act < 10; ++act) work.act();
   EXPECT_THAT(work.history().logTrouble(), HasSubstr("No such file"));
-  work.history().logTo("/dev/full");
+  rlimit former{};
+  ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &former), 0);
+  const rlimit full{2000, former.rlim_max};  // bytes
+  std::signal(SIGXFSZ, SIG_IGN);
+  ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &full), 0);
+  work.history().logTo(log);
+  ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &former), 0);
+  EXPECT_THAT(work.history().logTrouble(), HasSubstr("large"));
+  EXPECT_FALSE(std::filesystem::exists(log));
   for (int act = 0; act < 10; ++act) work.act();
-  EXPECT_NE(work.history().logTrouble(), "");
   const std::size_t last = work.history().position();
   ASSERT_GT(last, 4U);
   work.history().goTo(1);
