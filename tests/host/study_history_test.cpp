@@ -2,6 +2,7 @@
 // that the study holds are what they were at each step.
 #include "host/framework/study_history.h"
 
+#include <algorithm>
 #include <cmath>
 #include <gmock/gmock.h>
 #include <random>
@@ -17,6 +18,7 @@ using test::Desk;
 struct Seen {
   StudyState state;
   StudyRecord record;
+  std::vector<ImportRecord> imports;
   std::int32_t analysis = 0;
   std::string table, csv;
 };
@@ -61,6 +63,7 @@ class AnyUser {
     const Seen now = look();
     ASSERT_EQ(history_.position(), position) << "what was put back counts as an act";
     ASSERT_TRUE(now.record == wanted.record);
+    ASSERT_TRUE(now.imports == wanted.imports);
     ASSERT_TRUE(haveSameAnalyses(now.state, wanted.state));
     if (now.analysis != wanted.analysis || wanted.table.empty() || now.table.empty()) return;
     ++compared_;
@@ -99,8 +102,12 @@ class AnyUser {
     }
   }
   Seen look() {
-    Seen seen{history_.steps()[history_.position()].state, desk_.host.study().record(), desk_.analysis().ID(),
-              "", ""};
+    Seen seen{history_.steps()[history_.position()].state,
+              desk_.host.study().record(),
+              desk_.host.study().imports(),
+              desk_.analysis().ID(),
+              "",
+              ""};
     // A value that is not valid, or not analysed yet, is in the boxes alone; and no analysis keeps fractions
     // of a threshold.
     const double threshold = desk_.finished().yThreshold();
@@ -141,6 +148,53 @@ TEST(History, TakesBackAndDoesAgainWhateverAUserDoes) {
       ASSERT_NO_FATAL_FAILURE(user.compareAt(at)) << at;
     EXPECT_GT(user.compared(), 10);
   }
+}
+
+// Of three bins, two of which are there after a run with another width, and one of low peaks.
+TEST(History, TakesLostDecisionsToTheBinsThatHoldTheirFragments) {
+  std::vector<NewResult> results(4);
+  for (std::size_t i = 0; i < results.size(); ++i) {
+    results[i].sampleName = "S" + std::to_string(i);
+    const double step = 0.05 * static_cast<double>(i);
+    results[i].fragments.dyes[0] = {{100 + step, 104 + step, 110 + step}, {500, 500, 60}};
+  }
+  results[3].fragments.dyes[0] = {{104.9, 120}, {500, 500}};
+  Desk desk(results);
+  StudyHistory& history = desk.host.keepHistory();
+  desk.newAnalysis();
+  const auto act = [&](const std::function<void()>& action) {
+    desk.host.pages().userEvent(*desk.pageNamed("AFLP"), action);
+  };
+  const std::vector<int> decided{100, 104, 110};
+  for (int row = desk.page().NumRows(); row >= 1; --row) {
+    if (std::ranges::find(decided, std::stoi(desk.page().CellText("6", row))) == decided.end()) continue;
+    act([&] {
+      desk.grid().clickCell(row, 1);
+      desk.chooseAt(row, 1, "mnuExcludeBin");
+    });
+  }
+  const std::size_t before = history.position();
+  EXPECT_EQ(history.lostDecisions(), 0U);
+  desk.host.platform().formAnswers.emplace_back(
+      [](ui::Form& form) { form.Controls().find<ui::CommandButton>("btnOK")->Click.raise(); });
+  act([&] {
+    desk.control<ui::TextBox>("txtYThreshold").Text = "100";
+    desk.control<ui::TextBox>("txtMaxBinWidth").Text = "0.50";
+    desk.control<ui::TextBox>("txtMaxBinWidth").leave();
+  });
+  ASSERT_GE(history.lostDecisions(), 3U);
+  EXPECT_FALSE(desk.page().AnyManualExclusions());
+  EXPECT_THAT(desk.host.applyLostDecisions(), testing::ElementsAre(testing::StartsWith("D1-110")));
+  std::vector<int> excluded;
+  for (int row = 1; row <= desk.page().NumRows(); ++row) {
+    if (isExcluded(desk.finished().markOf(row, desk.page().Bin(row))))
+      excluded.push_back(std::stoi(desk.page().CellText("6", row)));
+  }
+  EXPECT_THAT(excluded, testing::ElementsAre(100, 104));
+  EXPECT_EQ(history.steps()[history.position()].label, "Apply 2 Decisions to the New Bins");
+  EXPECT_EQ(history.lostDecisions(), 0U);
+  history.goTo(before);
+  EXPECT_TRUE(desk.page().AnyManualExclusions());
 }
 
 }  // namespace
