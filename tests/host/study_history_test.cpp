@@ -187,7 +187,7 @@ TEST(History, TakesLostDecisionsToTheBinsThatHoldTheirFragments) {
   EXPECT_THAT(desk.host.applyLostDecisions(), testing::ElementsAre(testing::StartsWith("D1-110")));
   std::vector<int> excluded;
   for (int row = 1; row <= desk.page().NumRows(); ++row) {
-    if (isExcluded(desk.finished().markOf(row, desk.page().Bin(row))))
+    if (desk.finished().markOf(row, desk.page().Bin(row)) == BinMark::ExcludedByHand)
       excluded.push_back(std::stoi(desk.page().CellText("6", row)));
   }
   EXPECT_THAT(excluded, testing::ElementsAre(100, 104));
