@@ -1,7 +1,11 @@
 #include "desktop/window/undo_commands.h"
 
+#include <QApplication>
+#include <QKeyEvent>
+#include <QLineEdit>
 #include <QMessageBox>
 #include <QStatusBar>
+#include <QTimer>
 
 #include "desktop/base/qt_text.h"
 #include "plugin/page_names.h"
@@ -16,6 +20,22 @@ QString named(const QString& command, const host::Step* step) {
   return label.isEmpty() ? command
                          : command + QLatin1Char(' ') + label.replace(QLatin1Char('&'), QStringLiteral("&&"));
 }
+
+// A box takes the keys of undo for its own text. Where it has nothing to undo, they are the window's.
+class UndoKeys final : public QObject {
+ public:
+  using QObject::QObject;
+  bool eventFilter(QObject* watched, QEvent* event) override {
+    if (event->type() != QEvent::ShortcutOverride) return false;
+    const auto* box = qobject_cast<QLineEdit*>(watched);
+    const auto* key = static_cast<QKeyEvent*>(event);
+    if (box == nullptr || !(key->matches(QKeySequence::Undo) || key->matches(QKeySequence::Redo)))
+      return false;
+    if (key->matches(QKeySequence::Undo) ? box->isUndoAvailable() : box->isRedoAvailable()) return false;
+    event->ignore();
+    return true;
+  }
+};
 
 }  // namespace
 
@@ -32,8 +52,24 @@ UndoCommands::UndoCommands(Workbench& workbench, const Guard& guard, QMainWindow
       lost_(new QLabel(&window)) {
   undo_->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Z));
   redo_->setShortcuts({QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z), QKeySequence(Qt::CTRL | Qt::Key_Y)});
-  connect(undo_, &QAction::triggered, this, [this] { goTo(workbench_.history().position() - 1); });
-  connect(redo_, &QAction::triggered, this, [this] { goTo(workbench_.history().position() + 1); });
+  // What was typed last may have become a step only now.
+  connect(undo_, &QAction::triggered, this, [this] {
+    workbench_.history().note(false);
+    goTo(workbench_.history().position() - 1);
+  });
+  connect(redo_, &QAction::triggered, this, [this] {
+    workbench_.history().note(false);
+    goTo(workbench_.history().position() + 1);
+  });
+  qApp->installEventFilter(new UndoKeys(this));
+  // To leave a box may run an analysis, and is no act of the page's own.
+  connect(qApp, &QApplication::focusChanged, this, [this](const QWidget* former, const QWidget*) {
+    if (qobject_cast<const QLineEdit*>(former) == nullptr) return;
+    QTimer::singleShot(0, this, [this] {
+      workbench_.history().note(false);
+      onDone_();
+    });
+  });
   menu.addSeparator();
   dock_->setObjectName(QStringLiteral("steps"));
   dock_->setWidget(panel_);
