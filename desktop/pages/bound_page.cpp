@@ -85,6 +85,12 @@ QHBoxLayout* BoundPage::numberField(const std::string& box, const std::string& s
   field->setSpacing(0);
   auto* text = binder_.make(control<ui::TextBox>(box), parent);
   text->allowed = allowedIn(box);
+  // To leave it may run the analysis.
+  text->onLeave = [this, leave = text->onLeave] {
+    bool mayGo = true;
+    runProcedure([&] { mayGo = leave(); });
+    return mayGo;
+  };
   field->addWidget(text);
   field->addWidget(binder_.make(control<ui::UpDown>(spin), *text, parent));
   return field;

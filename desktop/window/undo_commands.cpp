@@ -5,7 +5,6 @@
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QStatusBar>
-#include <QTimer>
 
 #include "desktop/base/qt_text.h"
 #include "plugin/page_names.h"
@@ -62,14 +61,6 @@ UndoCommands::UndoCommands(Workbench& workbench, const Guard& guard, QMainWindow
     goTo(workbench_.history().position() + 1);
   });
   qApp->installEventFilter(new UndoKeys(this));
-  // To leave a box may run an analysis, and is no act of the page's own.
-  connect(qApp, &QApplication::focusChanged, this, [this](const QWidget* former, const QWidget*) {
-    if (qobject_cast<const QLineEdit*>(former) == nullptr) return;
-    QTimer::singleShot(0, this, [this] {
-      workbench_.history().note(false);
-      onDone_();
-    });
-  });
   menu.addSeparator();
   dock_->setObjectName(QStringLiteral("steps"));
   dock_->setWidget(panel_);
