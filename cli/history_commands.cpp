@@ -100,9 +100,9 @@ void runCompact(const HistoryArguments& arguments) {
   const auto before = sizeOf(arguments.study);
   {
     SqliteStore store(arguments.study.string());
+    store.compact();
     std::error_code trouble;
     std::filesystem::remove(arguments.study.string() + host::kKeptStepsExtension, trouble);
-    store.compact();
   }
   say("{}: {} bytes before, {} now; its steps can no longer be undone\n", arguments.study.string(), before,
       sizeOf(arguments.study));

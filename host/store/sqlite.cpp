@@ -154,6 +154,14 @@ Database::Database(const std::string& file, int flags, std::string shownAs, bool
   disarm();
 }
 
+// It needs to attach a database of its own.
+void Database::vacuum() {
+  const int former = sqlite3_limit(connection_.get(), SQLITE_LIMIT_ATTACHED, 1);
+  const std::shared_ptr<void> restored(
+      nullptr, [&](void*) { sqlite3_limit(connection_.get(), SQLITE_LIMIT_ATTACHED, former); });
+  execute("VACUUM");
+}
+
 void Database::execute(const char* statements) {
   const int code = sqlite3_exec(connection_.get(), statements, nullptr, nullptr, nullptr);
   if (code != SQLITE_OK) fail(code);

@@ -93,6 +93,8 @@ class Database {
   bool isReadOnly() const { return sqlite3_db_readonly(connection_.get(), "main") == 1; }
   // Whether another file, or none, lies now where this one was opened.
   bool hasMoved() const;
+  // Gives back the room of what was taken out; outside of a transaction.
+  void vacuum();
   // Makes the other, a new one, hold what this one holds.
   void copyTo(Database& other) const;
   bool isInTransaction() const { return sqlite3_get_autocommit(connection_.get()) == 0; }

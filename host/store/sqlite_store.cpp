@@ -197,7 +197,7 @@ void SqliteStore::compact() {
         .run(kWithdrawn);
     database_.execute("DELETE FROM import WHERE id NOT IN (SELECT import_id FROM result WHERE import_id)");
   });
-  database_.execute("VACUUM");
+  database_.vacuum();
 }
 
 void SqliteStore::writeRecord(const StudyRecord& record) {
