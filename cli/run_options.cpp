@@ -154,10 +154,10 @@ void addRunSettingOptions(CLI::App& command, const Take& take) {
                   "--size-method", text,
                   {{"southern", SizeMethod::LocalSouthern}, {"cubic", SizeMethod::ThirdOrder}});
             });
-  addOption(command, take, "--normalise", "WHEN",
+  addOption(command, take, "--normalise-run", "WHEN",
             "Of runs: scale heights to the standard: file, always or never [file]",
             [](const std::string& text, RunSettings& to) {
-              to.normalisation = readChoice<Normalisation>("--normalise", text,
+              to.normalisation = readChoice<Normalisation>("--normalise-run", text,
                                                            {{"file", Normalisation::AsTheFileSays},
                                                             {"always", Normalisation::Always},
                                                             {"never", Normalisation::Never}});

@@ -11,17 +11,17 @@
 namespace banddesk::host {
 namespace {
 
-struct SizeRange {
+struct BinExtent {
   double least, most;  // nt
   std::string key;
 };
 
 // In ascending size; the bins of one run do not overlap.
-using Ranges = std::vector<SizeRange>;
+using Ranges = std::vector<BinExtent>;
 
 Ranges rangesOf(std::int16_t dye, const RunParameters& run, const AFLP& analysis,
-                const std::function<std::shared_ptr<BinCalculator>()>& makeCalculator) {
-  const auto calculator = makeCalculator();
+                const CalculatorMaker& makeCalculator) {
+  const auto calculator = makeCalculator(analysis);
   std::int32_t index = 0;
   for (const auto& result : analysis.Results)
     calculator->AddFragments(index++, 0, result->Sample->Data().Fragments(), dye, 1, 1);
@@ -36,7 +36,7 @@ Ranges rangesOf(std::int16_t dye, const RunParameters& run, const AFLP& analysis
 }
 
 std::optional<std::size_t> rangeAt(const Ranges& ranges, double size) {
-  const auto behind = std::ranges::upper_bound(ranges, size, {}, &SizeRange::least);
+  const auto behind = std::ranges::upper_bound(ranges, size, {}, &BinExtent::least);
   if (behind == ranges.begin() || std::prev(behind)->most < size) return std::nullopt;
   return static_cast<std::size_t>(std::prev(behind) - ranges.begin());
 }
@@ -70,7 +70,7 @@ class Transfer {
   }
   void place(const Ranges& old, const Ranges& fresh, const Votes& votes) {
     for (const BinSnapshot& decision : decisions_) {
-      const auto bin = std::ranges::find(old, decision.key, &SizeRange::key);
+      const auto bin = std::ranges::find(old, decision.key, &BinExtent::key);
       const auto found = votes.find(static_cast<std::size_t>(bin - old.begin()));
       if (found == votes.end()) continue;
       const auto most =
@@ -101,7 +101,7 @@ class Transfer {
 
 DecisionTransfer transferDecisions(const std::vector<BinSnapshot>& decisions, const RunParameters& before,
                                    const RunParameters& now, const AFLP& analysis,
-                                   const std::function<std::shared_ptr<BinCalculator>()>& makeCalculator) {
+                                   const CalculatorMaker& makeCalculator) {
   Transfer transfer(decisions);
   for (std::int16_t dye = 0; dye < static_cast<std::int16_t>(kDyeCount); ++dye) {
     if (!transfer.concerns(dye)) continue;

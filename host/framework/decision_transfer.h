@@ -22,10 +22,13 @@ struct RunParameters {
   double yThreshold = 0;   // RFU
 };
 
+// A calculator as the analysis has it.
+using CalculatorMaker = std::function<std::shared_ptr<BinCalculator>(const AFLP& analysis)>;
+
 // Both runs are calculated anew, dye by dye. The analysis holds the results; where two old bins come to one
 // new bin, the first decision counts.
 DecisionTransfer transferDecisions(const std::vector<BinSnapshot>& decisions, const RunParameters& before,
                                    const RunParameters& now, const AFLP& analysis,
-                                   const std::function<std::shared_ptr<BinCalculator>()>& makeCalculator);
+                                   const CalculatorMaker& makeCalculator);
 
 }  // namespace banddesk::host

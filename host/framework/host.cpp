@@ -77,7 +77,10 @@ StudyHistory& Host::keepHistory() {
 }
 
 std::vector<std::string> Host::applyLostDecisions() {
-  return keepHistory().applyLostDecisions(settings_.makeBinCalculator);
+  return keepHistory().applyLostDecisions([this](const AFLP& analysis) -> std::shared_ptr<BinCalculator> {
+    if (settings_.makeBinCalculator) return settings_.makeBinCalculator();
+    return makeBinCalculator(hostSide(analysis).scoring().calculator);
+  });
 }
 
 const Component& Host::component() const {

@@ -115,6 +115,7 @@ class Sizing {
     NewSizing& sizing = sizings_.emplace_back();
     sizing.runId = stored.id;
     sizing.processed = std::move(processed);
+    if (request_.forgetsEdits) sizing.edits.emplace();
   }
 
   void compare(const NewSizing& sizing, const StoredRun& before, const std::string& name,
@@ -145,8 +146,6 @@ class Sizing {
     outcome_.runs = sizings_.size();
     outcome_.changed = resized.changed.size();
     outcome_.added = study_.sizeAgain(request_.settings, sizings_, resized);
-    if (request_.forgetsEdits)
-      for (const StoredRun& run : stored_) study_.runs().writeEdits(run.id, {});
     for (const auto& analysis : study_.Study()->AFLPs)
       if (analysis->ResultStamp != study_.Study()->ResultStamp) outcome_.outOfDate.push_back(analysis->Name);
   }

@@ -166,8 +166,7 @@ void StudyHistory::noteRuns(const StudyState& before) {
   }
 }
 
-std::vector<std::string> StudyHistory::applyLostDecisions(
-    const std::function<std::shared_ptr<BinCalculator>()>& makeCalculator) {
+std::vector<std::string> StudyHistory::applyLostDecisions(const CalculatorMaker& makeCalculator) {
   if (lost_.empty()) raise(ErrorNumber::InvalidArgument, "History", "No decisions were lost.");
   requireRest();
   const AnalysisSnapshot before = unpacked(required(steps_[at_ - 1].state.find(lostFrom_), "Analysis"));

@@ -69,8 +69,7 @@ class StudyHistory final {
   std::size_t lostDecisions() const { return lost_.size(); }
   // Takes each to the bin of the new run that holds most of its bin's fragments: a step of its own. Tells the
   // keys of bins that found none. Error 5 where none are lost.
-  std::vector<std::string> applyLostDecisions(
-      const std::function<std::shared_ptr<BinCalculator>()>& makeCalculator);
+  std::vector<std::string> applyLostDecisions(const CalculatorMaker& makeCalculator);
 
   // ---- the log of what is unsaved
   // From now on it is written to this file, which is overwritten. Empty: to none.

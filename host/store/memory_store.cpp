@@ -107,6 +107,7 @@ std::vector<ResultRecord> MemoryStore::writeSizings(const StudyRecord& record,
   for (const NewSizing& sizing : sizings) {
     KeptRun& run = runOf(sizing.runId);
     setSizing(run, sizing.processed);
+    if (sizing.edits) run.edits = *sizing.edits;
     if (run.stored.resultId) {
       fragments_[*run.stored.resultId] = std::make_shared<const SampleFragments>(sizing.fragments);
     } else if (sizing.processed.isSized()) {

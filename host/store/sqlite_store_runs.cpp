@@ -45,6 +45,7 @@ std::vector<ResultRecord> SqliteStore::writeSizings(const StudyRecord& record,
     const std::int64_t settingsId = addSettingsRow(database_, settings);
     for (const NewSizing& each : sizings) {
       writeSizingRows(database_, each.runId, each.processed, settingsId);
+      if (each.edits) writeEditRows(database_, each.runId, *each.edits);
       resultOf.begin(each.runId);
       if (!resultOf.next()) database_.failDamaged("a run is missing");
       if (!resultOf.isNull(0)) {

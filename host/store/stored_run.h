@@ -32,9 +32,10 @@ struct StoredRun {
 // What a run becomes when it is sized again.
 struct NewSizing {
   std::int32_t runId = 0;
-  runs::ProcessedRun processed;  // without its traces
-  SampleFragments fragments;     // of its result
-  std::string sampleName;        // of the result that is added where it has none and is sized now
+  runs::ProcessedRun processed;              // without its traces
+  SampleFragments fragments;                 // of its result
+  std::string sampleName = {};               // of the result that is added where it has none and is sized now
+  std::optional<runs::RunEdits> edits = {};  // what the user's edits are from now on; absent: as they were
 };
 
 }  // namespace banddesk::host

@@ -169,13 +169,13 @@ TEST(History, TakesLostDecisionsToTheBinsThatHoldTheirFragments) {
   for (int row = desk.page().NumRows(); row >= 1; --row) {
     if (std::ranges::find(decided, std::stoi(desk.page().CellText("6", row))) == decided.end()) continue;
     act([&] {
-      desk.grid().clickCell(row, 1);
+      desk.grid().user().clickCell(row, 1);
       desk.chooseAt(row, 1, "mnuExcludeBin");
     });
   }
   const std::size_t before = history.position();
   EXPECT_EQ(history.lostDecisions(), 0U);
-  desk.host.platform().formAnswers.emplace_back(
+  desk.front.formAnswers.emplace_back(
       [](ui::Form& form) { form.Controls().find<ui::CommandButton>("btnOK")->Click.raise(); });
   act([&] {
     desk.control<ui::TextBox>("txtYThreshold").Text = "100";

@@ -134,14 +134,14 @@ void sizeAgain(Store& store, int step, const StudyRecord& study) {
   std::vector<NewSizing> sizings;
   for (std::size_t i = 0; i < 3; ++i) {
     sizings.push_back(
-        {stored[i].id, someRun(step, true), someFragments(step), fmt::format("again {}", step)});
+        {stored[i].id, someRun(step, true), someFragments(step), fmt::format("again {}", step), {}});
     sizings.back().processed.run = stored[i].processed.run;
   }
   runs::RunSettings settings;
   settings.outside = runs::OutsideLadder::StraightLine;
   settings.peaks.leastWidth = step;
+  sizings[1].edits = {{{1, step, true}, {2, 7, false}}, {{50, step}, {100, {}}}};
   store.writeSizings(study, settings, sizings);
-  store.writeEdits(stored[1].id, {{{1, step, true}, {2, 7, false}}, {{50, step}, {100, {}}}});
 }
 
 std::vector<NewResult> someResults(int step) {
