@@ -102,7 +102,7 @@ void Road::newStudy() {
   host_->openStudy(std::make_shared<host::SqliteStore>(file_));
 }
 
-void Road::addResults() { host_->study().addResults(results_, std::nullopt, '-'); }
+void Road::addResults() { host_->study().addResults(results_, std::nullopt, "BGY-"); }
 
 void Road::makeAnalysis() {
   host_->runNewAnalysis();
