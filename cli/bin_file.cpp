@@ -9,7 +9,6 @@
 
 #include "host/import/field_file.h"
 #include "plugin/base/error.h"
-#include "plugin/base/numbers.h"
 
 namespace banddesk::cli {
 namespace {
@@ -57,14 +56,6 @@ std::vector<host::GivenBin> readBinFile(const std::filesystem::path& file) {
     given.push_back(bin);
   }
   return given;
-}
-
-std::string binFileText(const std::vector<host::GivenBin>& bins) {
-  std::string text = "Dye\tFrom\tTo\tName\n";
-  for (const host::GivenBin& bin : bins)
-    text +=
-        fmt::format("D{}\t{}\t{}\t{}\n", bin.dye + 1, generalText(bin.from), generalText(bin.to), bin.name);
-  return text;
 }
 
 }  // namespace banddesk::cli

@@ -13,7 +13,4 @@ namespace banddesk::cli {
 // over. Raises an Error that names the line which is no bin, or where two bins of a dye meet.
 std::vector<host::GivenBin> readBinFile(const std::filesystem::path& file);
 
-// What readBinFile reads.
-std::string binFileText(const std::vector<host::GivenBin>& bins);
-
 }  // namespace banddesk::cli

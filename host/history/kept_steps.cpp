@@ -38,7 +38,8 @@ KeptSteps readKeptSteps(const std::string& study, Store& store, std::string& los
       StepLogContent content = readStepLog(file);
       if (haveSameStored(content.steps[content.position].state, now))
         return {std::move(content.steps), content.position};
-      lost = fmt::format("{}: the study was changed since by other means", file);
+      lost = fmt::format(
+          "{}: the study was changed since without a step, as a window or a sizing of runs does", file);
     } catch (const Error& error) {
       lost = error.description();
     }

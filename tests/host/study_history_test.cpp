@@ -197,5 +197,31 @@ TEST(History, TakesLostDecisionsToTheBinsThatHoldTheirFragments) {
   EXPECT_TRUE(desk.page().AnyManualExclusions());
 }
 
+// What is said of samples and of how an analysis is scored goes with its steps, too.
+TEST(StudyStates, ComeBackWithAllThatTheyWereMadeOf) {
+  StudyRecord record;
+  record.name = "Oaks";
+  record.resultStamp = 7;
+  record.settings.displayViewIndex = 2;
+  record.dyes[3] = {0x102030, true, 'O'};
+  record.results = {{3, "a", true, false, {SampleRole::Blank, "North", "Oak 1", "E32", "run twice"}},
+                    {4, "b", false, true, {}}};
+  record.joined = {{"Both", "most", "_R", {{1, "E32"}, {2, "E35"}}}};
+  EXPECT_EQ(unpackedRecord(packed(record, nullptr)), record);
+
+  AnalysisSnapshot analysis;
+  analysis.id = 5;
+  analysis.name = "First";
+  scoring::AnalysisScoring& scoring = analysis.scoring;
+  scoring.calculator = {
+      SizeRange{100, 500}, Normalisation::Median, 12.5, {{2, 99.5, 100.5, "x"}}, true, true};
+  scoring.rules = {scoring::parseRule("height<100"), scoring::parseRule("samples<2")};
+  scoring.replicates = "_R";
+  scoring.primerPair = "E32";
+  scoring.marks = {{"D1-100.25", "height<100"}};
+  scoring.kept = {"-3"};
+  EXPECT_EQ(unpacked(packed(analysis, nullptr)), analysis);
+}
+
 }  // namespace
 }  // namespace banddesk::host
